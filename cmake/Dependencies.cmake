@@ -1,0 +1,16 @@
+# Third-party libraries, all from the distribution's packages.
+
+find_package(Poco REQUIRED COMPONENTS Foundation JSON Net)
+find_package(Boost 1.74 REQUIRED)
+find_package(Threads REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(FFTW REQUIRED IMPORTED_TARGET fftw3)
+pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
+if(WAVEDECK_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(WAVEDECK_BUILD_BENCHMARKS)
+  find_package(benchmark REQUIRED)
+endif()

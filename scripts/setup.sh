@@ -1,0 +1,42 @@
+# Sourced by play and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
+
+packages="g++ clang clang-format clang-tidy libclang-rt-14-dev cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
+ libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils python3"
+
+# install_packages: installs what is missing of $packages, without a question; nothing to do takes a fraction of a second.
+install_packages() {
+  local missing=""
+  local package
+  for package in $packages; do
+    dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -q '^installed' || missing="$missing $package"
+  done
+  [ -z "$missing" ] && return 0
+  local as_root=""
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "packages are missing and there is no sudo to install them:$missing" >&2; return 2; }
+    as_root="sudo"
+  fi
+  echo "installing:$missing" >&2
+  local log
+  log=$(mktemp)
+  if ! { $as_root apt-get update -qq && $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+    --no-install-recommends $missing; } >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 2
+  fi
+  rm -f "$log"
+}
+
+# build PRESET [TARGET...]: configures the preset and builds it; prints only what goes wrong.
+build() {
+  local preset=$1
+  shift
+  local log="build/$preset.log"
+  mkdir -p build
+  [ -d "build/$preset" ] || echo "building ($preset), a few minutes the first time" >&2
+  if ! { cmake --preset "$preset" && cmake --build "build/$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+    tail -n 60 "$log" >&2
+    return 2
+  fi
+}
