@@ -1,0 +1,89 @@
+#include "FftFixture.h"
+
+#include <sys/wait.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace {
+
+using fft_test::Signal;
+using fftbridge::fftwApi;
+
+/// Steps until all is measured; false if that takes more than a minute.
+bool improveAll() {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (fftwApi::getInstance().improvePlans()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+TEST(PlanImprovement, GoesOnBesideTransformsAndPlanningInOtherThreads) {
+    constexpr std::size_t length = 48;
+    std::atomic<bool> stop{false};
+    std::atomic<int> started{0};
+    std::vector<std::thread> threads;
+    std::vector<double> errors(3);
+    for (unsigned t = 0; t < 3; ++t) {
+        threads.emplace_back([&, t] {
+            fftbridge::FftPlanCache cache;
+            Signal in(4 * length);
+            Signal out(4 * length);
+            in.fillWithNoise(t);
+            for (std::size_t i = 0; !stop || i < 4; ++i) {
+                const std::size_t howMany = 1 + (i + t) % 4;
+                fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), length, howMany, -1, false);
+                errors[t] = std::max(errors[t], i % 64 < 4 ? fft_test::relativeError(in, out, length, howMany, -1) : 0);
+                started += i == 3 ? 1 : 0;
+            }
+        });
+    }
+    while (started < 3) {
+        std::this_thread::yield();
+    }
+    EXPECT_GE(fftwApi::getInstance().numQuickPlans(), 4U);
+    EXPECT_TRUE(improveAll());
+    EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U);
+    stop = true;
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_LE(*std::max_element(errors.begin(), errors.end()), 30 * std::numeric_limits<double>::epsilon());
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "no child is left behind";
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(PlanImprovement, IsRememberedWhenALengthComesBack) {
+    Signal in(40);
+    Signal out(40);
+    in.fillWithNoise(3);
+    for (const bool first : {true, false}) {
+        fftbridge::FftPlanCache cache;
+        fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 40, 1, -1, false);
+        EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), first ? 1U : 0U);
+        EXPECT_TRUE(improveAll());
+    }
+    fftbridge::FftPlanCache cache;
+    fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 36, 1, -1, true);
+    EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U) << "measured before it was used";
+}
+
+TEST(PlanImprovement, WorksWhereTheProgramIgnoresItsChildren) {
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    Signal in(44);
+    Signal out(44);
+    fftbridge::FftPlanCache cache;
+    fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 44, 1, -1, false);
+    EXPECT_TRUE(improveAll());
+    EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U);
+    std::signal(SIGCHLD, before);
+}
+
+}  // namespace
