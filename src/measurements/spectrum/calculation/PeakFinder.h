@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "peakFinderStruct.h"
+
+namespace dspwavedecks {
+
+/// How peaks are ranked. Any other value: not by value at all, the rightmost peak comes first.
+enum PeakSelectionPreference : std::uint32_t {
+    PeakSelectionLastMaximum = 0,   ///< by value; of equal peaks the one furthest right comes first
+    PeakSelectionFirstMaximum = 1,  ///< by value; of equal peaks the one furthest left comes first
+};
+
+/// Local maxima of one stretch of samples: those that stand out, strongest first, no two too close.
+///
+/// A sample is a local maximum if the samples rise into it and fall after it. A run of equal samples takes the trend of
+/// what follows it, so that a plateau counts at its first sample, and one that reaches the end of the stretch not at
+/// all. The first and the last sample of the stretch are never peaks. NaN is no peak and counts as equal to its
+/// neighbours.
+class PeakFinder {
+public:
+    PeakFinder() = default;
+    PeakFinder(const double& minHeight, const unsigned long& numPeaks, const double& minDistance,
+               const double& threshold);
+
+    /// A peak must be strictly above this; unit of the data, -inf by default.
+    void setMinHeight(const double& minHeight) { minHeight_ = minHeight; }
+    /// The most peaks to return, 3 by default.
+    void setNumPeaks(const unsigned long& numPeaks) { numPeaks_ = numPeaks; }
+    /// Peaks at this distance in samples or nearer to a stronger one are dropped; 1 by default, which drops none.
+    void setMinDistance(const double& minDistance) { minDistance_ = minDistance; }
+    /// A peak must stand above both its neighbours by at least this; unit of the data, 0 by default.
+    void setThreshold(const double& threshold) { threshold_ = threshold; }
+
+    double getMinHeight() const { return minHeight_; }
+    unsigned long getNumPeaks() const { return numPeaks_; }
+    double getMinDistance() const { return minDistance_; }
+    double getThreshold() const { return threshold_; }
+    /// Peaks that the last search returned.
+    unsigned long getActualNumPeaks() const { return actualNumPeaks_; }
+
+    /// Peaks of data[range[0] .. range[1]), locations counted from range[0].
+    /// An empty or crossed range gives an empty result whose flag is false; every other search sets the flag.
+    /// Cost: linear in the samples, and n log n at most in the candidates that have to be ranked.
+    peakFinderStruct findPeaks(const double* data, const std::vector<unsigned long>& range,
+                               PeakSelectionPreference preference);
+
+private:
+    /// A local maximum on its way through ranking and thinning.
+    struct Candidate {
+        double value;
+        std::size_t order;  ///< index into locations_
+    };
+
+    void collectCandidates(const double* x, std::size_t numSamples);
+    void selectPeaks(PeakSelectionPreference preference, bool mayStopEarly, std::vector<peakFinderStruct::Peak>& peaks);
+    std::size_t rankNext(PeakSelectionPreference preference, std::size_t numUnranked);
+    void suppressAround(std::size_t order);
+
+    // options
+    double minHeight_ = -std::numeric_limits<double>::infinity();
+    unsigned long numPeaks_ = 3;
+    double minDistance_ = 1.0;
+    double threshold_ = 0.0;
+
+    // state
+    unsigned long actualNumPeaks_ = 0;
+
+    // scratch
+    std::vector<std::size_t> maxima_;    // local maxima before height and threshold
+    std::vector<double> locations_;      // of the candidates, ascending
+    std::vector<Candidate> candidates_;  // ranked from the back, as far as was needed
+    std::vector<char> suppressed_;       // by order
+};
+
+}  // namespace dspwavedecks

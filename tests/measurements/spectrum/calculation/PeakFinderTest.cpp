@@ -1,0 +1,178 @@
+#include "PeakFinder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "reference/peaksReference.h"
+
+namespace {
+
+using namespace dspwavedecks;
+using Values = std::vector<double>;
+using Peak = peakFinderStruct::Peak;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+Values locations(const peakFinderStruct& found) {
+    Values result;
+    for (const Peak& peak : found.peaks) {
+        result.push_back(peak.location);
+    }
+    return result;
+}
+
+/// The definition at full length, one step after the other: trends, candidates, a full sort, bits over all pairs.
+Values slowLocations(const Values& x, const PeakFinder& settings, PeakSelectionPreference preference) {
+    const std::size_t pairs = x.empty() ? 0 : x.size() - 1;
+    std::vector<int> trend(pairs + 1, 0);
+    for (std::size_t k = pairs; k-- > 0;) {
+        const double step = x[k + 1] - x[k];
+        trend[k] = step > 0 ? 1 : step < 0 ? -1 : trend[k + 1] < 0 ? -1 : 1;
+    }
+    std::vector<Peak> candidates;
+    for (std::size_t k = 1; k < pairs; ++k) {
+        const double prominence = std::min(x[k] - x[k + 1], x[k] - x[k - 1]);
+        if (trend[k] - trend[k - 1] == -2 && prominence >= settings.getThreshold() && x[k] > settings.getMinHeight()) {
+            candidates.push_back({x[k], static_cast<double>(k)});
+        }
+    }
+    if (preference == PeakSelectionFirstMaximum) {
+        std::reverse(candidates.begin(), candidates.end());
+    }
+    if (preference == PeakSelectionFirstMaximum || preference == PeakSelectionLastMaximum) {
+        std::stable_sort(candidates.begin(), candidates.end(),
+                         [](const Peak& a, const Peak& b) { return a.value < b.value; });
+    }
+    std::vector<bool> bits(candidates.size(), false);
+    for (std::size_t i = candidates.size(); i-- > 0 && settings.getMinDistance() != 1.0;) {
+        if (!bits[i]) {
+            for (std::size_t j = 0; j < candidates.size(); ++j) {
+                if (candidates[j].location >= candidates[i].location - settings.getMinDistance() &&
+                    candidates[j].location <= candidates[i].location + settings.getMinDistance()) {
+                    bits[j] = true;
+                }
+            }
+            bits[i] = false;
+        }
+    }
+    Values result;
+    for (std::size_t i = candidates.size(); i-- > 0 && result.size() < settings.getNumPeaks();) {
+        if (!bits[i]) {
+            result.push_back(candidates[i].location);
+        }
+    }
+    return result;
+}
+
+TEST(PeakFinder, FollowsItsRulesOnShortStretches) {
+    const struct {
+        const char* why;
+        Values x;
+        PeakFinder settings;
+        Values locations;
+    } rows[] = {
+        {"one sample", {1}, {}, {}},
+        {"two samples", {1, 2}, {}, {}},
+        {"a peak", {1, 3, 2}, {}, {1}},
+        {"prominence", {1, 3, 2}, {-infinity, 3, 1, 1.5}, {}},
+        {"a threshold is inclusive", {1, 3, 2}, {-infinity, 3, 1, 1}, {1}},
+        {"a height is strict", {1, 3, 2}, {3, 3, 1, 0}, {}},
+        {"the ends", {3, 1, 2}, {}, {}},
+        {"constant", {2, 2, 2, 2}, {}, {}},
+        {"a rise into a flat tail", {0, 1, 1, 1}, {}, {}},
+        {"a plateau", {0, 2, 2, 0}, {}, {1}},
+        {"a plateau and a threshold", {0, 2, 2, 0}, {-infinity, 3, 1, 1e-300}, {}},
+        {"a closed distance", {0, 5, 0, 4, 0}, {-infinity, 3, 2, 0}, {1}},
+        {"a distance of one", {0, 5, 0, 4, 0}, {}, {1, 3}},
+        {"a distance between", {0, 5, 0, 4, 0}, {-infinity, 3, 1.5, 0}, {1, 3}},
+        {"a dropped peak drops nothing", {0, 5, 0, 4, 0, 3, 0}, {-infinity, 3, 2, 0}, {1, 5}},
+        {"no peak asked for", {1, 3, 2}, {-infinity, 0, 1, 0}, {}},
+        {"an infinite height", {1, 3, 2}, {infinity, 3, 1, 0}, {}},
+        {"NaN between rise and fall", {0, 1, nan, 3, 2}, {}, {}},
+        {"infinite peaks", {0, infinity, 0, 1, 0}, {}, {1, 3}},
+    };
+    for (const auto& row : rows) {
+        PeakFinder finder = row.settings;
+        Values padded = row.x;
+        padded.insert(padded.begin(), {9, 8});
+        const auto found = finder.findPeaks(padded.data(), {2, padded.size()}, PeakSelectionLastMaximum);
+        EXPECT_EQ(locations(found), row.locations) << row.why;
+        EXPECT_TRUE(found.isNewDataReady) << row.why;
+        EXPECT_EQ(found.numPeaks, row.locations.size()) << row.why;
+        EXPECT_EQ(finder.getActualNumPeaks(), row.locations.size()) << row.why;
+    }
+}
+
+TEST(PeakFinder, LeavesAnEmptyOrCrossedRangeAlone) {
+    const Values x{1, 3, 2};
+    PeakFinder finder;
+    finder.findPeaks(x.data(), {0, 3}, PeakSelectionLastMaximum);
+    for (const std::vector<unsigned long>& range : {std::vector<unsigned long>{2, 2}, {2, 0}}) {
+        const auto found = finder.findPeaks(x.data(), range, PeakSelectionLastMaximum);
+        EXPECT_FALSE(found.isNewDataReady);
+        EXPECT_TRUE(found.peaks.empty());
+        EXPECT_EQ(finder.getActualNumPeaks(), 1u);
+    }
+}
+
+TEST(PeakFinder, RanksEqualPeaksByPreference) {
+    const Values x{0, 2, 0, 7, 0, 7, 0, 1, 0};
+    PeakFinder finder;
+    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, PeakSelectionLastMaximum)), (Values{5, 3, 1}));
+    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, PeakSelectionFirstMaximum)), (Values{3, 5, 1}));
+    const auto unranked = static_cast<PeakSelectionPreference>(2);
+    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, unranked)), (Values{7, 5, 3}));
+}
+
+// Few distinct levels make ties and plateaus; the last distances round differently to the left and to the right.
+TEST(PeakFinder, AgreesWithTheDefinitionAtFullLength) {
+    std::mt19937 random(7);
+    const auto draw = [&random](unsigned below) { return static_cast<unsigned>(random() % below); };
+    const double distances[] = {1,
+                                0,
+                                2,
+                                2.5,
+                                7,
+                                1000,
+                                infinity,
+                                -3,
+                                nan,
+                                std::nextafter(1.0, 0.0),
+                                std::nextafter(2.0, 0.0),
+                                std::nextafter(8.0, 0.0)};
+    for (int round = 0; round < 2000; ++round) {
+        Values x(draw(300));
+        const unsigned levels = 2 + draw(40);
+        for (double& sample : x) {
+            sample = draw(50) == 0 ? nan : draw(50) == 0 ? infinity : draw(levels);
+        }
+        PeakFinder finder(draw(2) ? -infinity : 3.0, draw(200), distances[draw(std::size(distances))], draw(3));
+        const auto preference = static_cast<PeakSelectionPreference>(draw(3));
+        const auto found = finder.findPeaks(x.data(), {0, x.size()}, preference);
+        ASSERT_EQ(locations(found), slowLocations(x, finder, preference)) << "round " << round;
+    }
+}
+
+TEST(PeakFinder, AgreesWithAnIndependentImplementationOnNoise) {
+    Values x;
+    std::minstd_rand sequence(1);
+    for (int i = 0; i < 4000; ++i) {
+        x.push_back(static_cast<double>(sequence()) / 2147483647);
+    }
+    for (const PeaksReference& reference : peaksReference) {
+        PeakFinder finder(reference.minHeight, reference.numPeaks, reference.minDistance, reference.threshold);
+        const auto found = finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum);
+        EXPECT_EQ(locations(found), reference.locations) << reference.minDistance;
+        for (const Peak& peak : found.peaks) {
+            EXPECT_EQ(peak.value, x[static_cast<std::size_t>(peak.location)]);
+        }
+    }
+}
+
+}  // namespace
