@@ -27,14 +27,24 @@ enum class Kind {
 enum class Content {
     Number,       ///< a number
     WholeNumber,  ///< a number without a fraction
-    NumberText,   ///< a number that travels as text, since it may be Inf, -Inf or NaN
+    NumberText,   ///< a number that travels as text, since it may be Inf or -Inf
+    NumbersText,  ///< numbers with commas between them that travel as one text
     TrueFalse,    ///< true or false
     Word,         ///< one of the option's words
     FreeText,     ///< any text
 };
 
-/// The actions that read an option.
-enum class When { Setup, Tune, Both };
+/// The actions that read an option, as a set.
+enum class When : unsigned { Setup = 1, Tune = 2, Both = 3, SizeChange = 4, Rollback = 8, Always = 15 };
+
+constexpr When operator|(When left, When right) {
+    return static_cast<When>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
+}
+
+/// True when the two sets have an action in common.
+constexpr bool intersects(When left, When right) {
+    return (static_cast<unsigned>(left) & static_cast<unsigned>(right)) != 0;
+}
 
 /// Who gives the value: a person, or the host, which knows it of each client.
 enum class Giver { Person, Host };
@@ -52,20 +62,21 @@ struct Option {
     Kind kind = Kind::Double;
     Content content = Content::Number;
     std::string_view defaultValue = {};  ///< as a person would type it, lists with commas; empty: none
-    std::string_view unit = {};          ///< empty: a pure number, or no number
+    std::string_view unit = {};          ///< empty: a pure number, or no number; "data": that of the data
     std::span<const Word> words = {};
     std::string_view meaning = {};
     When when = When::Both;
     bool required = false;
     Giver giver = Giver::Person;
 
-    /// The same option, read by the setup action alone.
-    consteval Option atSetup() const {
+    /// The same option, read by these actions alone.
+    consteval Option readAt(When actions) const {
         Option result = *this;
-        result.when = When::Setup;
+        result.when = actions;
         return result;
     }
-    /// The same option, without which its action fails.
+    consteval Option atSetup() const { return readAt(When::Setup); }
+    /// The same option, without which its actions fail.
     consteval Option asRequired() const {
         Option result = *this;
         result.required = true;
@@ -202,6 +213,17 @@ consteval Option numberText(std::string_view name, std::string_view defaultValue
             .meaning = meaning};
 }
 
+/// Numbers with commas between them that travel as one text.
+consteval Option numbersText(std::string_view name, std::string_view defaultValue, std::string_view unit,
+                             std::string_view meaning) {
+    return {.name = name,
+            .kind = Kind::Text,
+            .content = Content::NumbersText,
+            .defaultValue = defaultValue,
+            .unit = unit,
+            .meaning = meaning};
+}
+
 consteval Option numbers(std::string_view name, std::string_view defaultValue, std::string_view unit,
                          std::string_view meaning) {
     return {.name = name, .kind = Kind::Doubles, .defaultValue = defaultValue, .unit = unit, .meaning = meaning};
@@ -222,6 +244,28 @@ consteval Option logicals(std::string_view name, std::string_view defaultValue, 
             .kind = Kind::Logicals,
             .content = Content::TrueFalse,
             .defaultValue = defaultValue,
+            .meaning = meaning};
+}
+
+/// A list of words.
+consteval Option wordList(std::string_view name, std::string_view defaultValue, std::span<const Word> words,
+                          std::string_view meaning) {
+    return {.name = name,
+            .kind = Kind::Texts,
+            .content = Content::Word,
+            .defaultValue = defaultValue,
+            .words = words,
+            .meaning = meaning};
+}
+
+/// An index that may arrive as a double or as an integer.
+consteval Option wholeNumberOrInteger(std::string_view name, std::string_view defaultValue, std::string_view unit,
+                                      std::string_view meaning) {
+    return {.name = name,
+            .kind = Kind::DoubleOrInt,
+            .content = Content::WholeNumber,
+            .defaultValue = defaultValue,
+            .unit = unit,
             .meaning = meaning};
 }
 

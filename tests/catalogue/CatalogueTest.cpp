@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -19,6 +21,7 @@ using Value = ValueOf<option.kind>;
 static_assert(std::is_same_v<Value<signalStatistics::showMax>, bool>);
 static_assert(std::is_same_v<Value<base::frameSize>, std::vector<int>>);
 static_assert(findOption(*findStage("signal_statistics_filter"), "showRMS") == &signalStatistics::showRMS);
+static_assert(findOption(*findStage("phase_noise_filter"), "showRMS") == nullptr);
 
 TEST(Catalogue, NamesAreUniqueAndTold) {
     std::set<std::string_view> names;
@@ -32,30 +35,54 @@ TEST(Catalogue, NamesAreUniqueAndTold) {
         for (const Option* option : stage.options) {
             EXPECT_TRUE(options.insert(option->name).second) << stage.name << '.' << option->name;
             EXPECT_FALSE(option->meaning.empty()) << stage.name << '.' << option->name;
+            std::set<std::string_view> words;
+            for (const Word& word : option->words) {
+                EXPECT_TRUE(words.insert(word.text).second) << option->name << ' ' << word.text;
+            }
         }
     }
     EXPECT_EQ(findStage("no_such_filter"), nullptr);
 }
 
-/// A default that a person could not type back would make the listing of the options misleading.
+/// One value of an option as a person would type it.
+bool isValue(const Option& option, const std::string& value) {
+    switch (option.content) {
+        case Content::TrueFalse:
+            return value == "true" || value == "false";
+        case Content::Word:
+            return std::any_of(option.words.begin(), option.words.end(),
+                               [&](const Word& known) { return known.text == value; });
+        case Content::FreeText:
+            return true;
+        default: {
+            std::size_t end = 0;
+            const double number = std::stod(value, &end);
+            const bool whole = option.content != Content::WholeNumber || number == std::floor(number);
+            const bool finite = option.kind == Kind::Text || std::isfinite(number);
+            return end == value.size() && whole && finite;
+        }
+    }
+}
+
+/// The listing of the options would mislead with a default that a person could not type back. Only lists, which may be
+/// empty, and what the host gives have none.
 TEST(Catalogue, DefaultsAreValuesThatTheOptionTakes) {
     for (const Stage& stage : stages) {
         for (const Option* option : stage.options) {
-            const std::string_view value = option->defaultValue;
-            const auto allowed = [&](std::string_view word) {
-                return std::any_of(option->words.begin(), option->words.end(),
-                                   [&](const Word& known) { return known.text == word; });
-            };
-            switch (option->content) {
-                case Content::TrueFalse:
-                    EXPECT_TRUE(isList(option->kind) || value == "true" || value == "false") << option->name;
-                    break;
-                case Content::Word:
-                    EXPECT_TRUE(allowed(value)) << option->name << " " << value;
-                    break;
-                default:
-                    EXPECT_TRUE(option->words.empty()) << option->name;
+            SCOPED_TRACE(std::string(stage.name) + "." + std::string(option->name));
+            EXPECT_EQ(option->content == Content::Word, !option->words.empty());
+            EXPECT_TRUE(!option->required || option->giver == Giver::Host);
+            if (option->defaultValue.empty()) {
+                EXPECT_TRUE(isList(option->kind) || option->giver == Giver::Host);
+                continue;
             }
+            const bool many = isList(option->kind) || option->content == Content::NumbersText;
+            std::istringstream values{std::string(option->defaultValue)};
+            int count = 0;
+            for (std::string value; std::getline(values, value, ','); ++count) {
+                EXPECT_TRUE(isValue(*option, value)) << value;
+            }
+            EXPECT_TRUE(many || count == 1) << count;
         }
     }
 }
