@@ -1,0 +1,20 @@
+#pragma once
+
+namespace dspwavedecks {
+
+/// Vector instructions that kernels are built for. The choice is made at run time: one build runs on any machine.
+enum class InstructionSet {
+    portable,  ///< what every machine of the architecture has: SSE2 on x86-64, Neon on 64-bit Arm
+    avx2,      ///< AVX2 with fused multiply-add
+};
+
+/// Whether the machine at hand can run kernels built for `set`.
+inline bool isSupported(InstructionSet set) {
+#if defined(__x86_64__)
+    return set == InstructionSet::portable || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
+#else
+    return set == InstructionSet::portable;
+#endif
+}
+
+}  // namespace dspwavedecks
