@@ -28,53 +28,55 @@ public:
                const double& threshold);
 
     /// A peak must be strictly above this; unit of the data, -inf by default.
-    void setMinHeight(const double& minHeight) { minHeight_ = minHeight; }
+    void setMinHeight(const double& value) { minHeight = value; }
     /// The most peaks to return, 3 by default.
-    void setNumPeaks(const unsigned long& numPeaks) { numPeaks_ = numPeaks; }
+    void setNumPeaks(const unsigned long& value) { numPeaks = value; }
     /// Peaks at this distance in samples or nearer to a stronger one are dropped; 1 by default, which drops none.
-    void setMinDistance(const double& minDistance) { minDistance_ = minDistance; }
+    void setMinDistance(const double& value) { minDistance = value; }
     /// A peak must stand above both its neighbours by at least this; unit of the data, 0 by default.
-    void setThreshold(const double& threshold) { threshold_ = threshold; }
+    void setThreshold(const double& value) { threshold = value; }
 
-    double getMinHeight() const { return minHeight_; }
-    unsigned long getNumPeaks() const { return numPeaks_; }
-    double getMinDistance() const { return minDistance_; }
-    double getThreshold() const { return threshold_; }
+    double getMinHeight() const { return minHeight; }
+    unsigned long getNumPeaks() const { return numPeaks; }
+    double getMinDistance() const { return minDistance; }
+    double getThreshold() const { return threshold; }
     /// Peaks that the last search returned.
-    unsigned long getActualNumPeaks() const { return actualNumPeaks_; }
+    unsigned long getActualNumPeaks() const { return actualNumPeaks; }
 
     /// Peaks of data[range[0] .. range[1]), locations counted from range[0].
     /// An empty or crossed range gives an empty result whose flag is false; every other search sets the flag.
     /// Cost: linear in the samples, and n log n at most in the candidates that have to be ranked.
-    peakFinderStruct findPeaks(const double* data, const std::vector<unsigned long>& range,
-                               PeakSelectionPreference preference);
+    /// The result stands until the next search.
+    const peakFinderStruct& findPeaks(const double* data, const std::vector<unsigned long>& range,
+                                      PeakSelectionPreference preference);
 
 private:
     /// A local maximum on its way through ranking and thinning.
     struct Candidate {
         double value;
-        std::size_t order;  ///< index into locations_
+        std::size_t order;  ///< index into locations
     };
 
     void collectCandidates(const double* x, std::size_t numSamples);
-    void selectPeaks(PeakSelectionPreference preference, bool mayStopEarly, std::vector<peakFinderStruct::Peak>& peaks);
+    void selectPeaks(PeakSelectionPreference preference, bool mayStopEarly);
     std::size_t rankNext(PeakSelectionPreference preference, std::size_t numUnranked);
     void suppressAround(std::size_t order);
 
     // options
-    double minHeight_ = -std::numeric_limits<double>::infinity();
-    unsigned long numPeaks_ = 3;
-    double minDistance_ = 1.0;
-    double threshold_ = 0.0;
+    double minHeight = -std::numeric_limits<double>::infinity();
+    unsigned long numPeaks = 3;
+    double minDistance = 1.0;
+    double threshold = 0.0;
 
     // state
-    unsigned long actualNumPeaks_ = 0;
+    unsigned long actualNumPeaks = 0;
+    peakFinderStruct result;
 
     // scratch
-    std::vector<std::size_t> maxima_;    // local maxima before height and threshold
-    std::vector<double> locations_;      // of the candidates, ascending
-    std::vector<Candidate> candidates_;  // ranked from the back, as far as was needed
-    std::vector<char> suppressed_;       // by order
+    std::vector<std::size_t> maxima;    // local maxima before height and threshold
+    std::vector<double> locations;      // of the candidates, ascending
+    std::vector<Candidate> candidates;  // ranked from the back, as far as was needed
+    std::vector<char> suppressed;       // by order
 };
 
 }  // namespace dspwavedecks

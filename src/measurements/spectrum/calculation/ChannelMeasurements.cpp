@@ -1,0 +1,187 @@
+#include "ChannelMeasurements.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+
+#include "InterpolationAtLevel.h"
+#include "SpectrumMeasurementsUtils.h"
+
+namespace dspwavedecks {
+
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+/// sqrt(ln 2 / 2): exp(-2 x^2) is 1/2 there.
+constexpr double halfPowerOfGaussian = 0.5887050112577373;
+
+double toLevel(double power) {
+    return 10.0 * std::log10(power);
+}
+
+}  // namespace
+
+const channelMeasurementsStruct& ChannelMeasurements::computeChannelMeasurements(
+    const double* freq, const double* spectrum, const std::vector<unsigned long>& range) {
+    const std::size_t n = range[1] > range[0] ? range[1] - range[0] : 0;
+    frequencies.assign(freq, freq + n);
+    if (frequencyOffset != 0.0) {
+        for (double& frequency : frequencies) {
+            frequency += frequencyOffset;
+        }
+    }
+    psd.assign(spectrum + range[0], spectrum + range[0] + n);
+    SpectrumMeasurementsUtils::computePSDInWattsFromSpectrum(psd, rbw, spectrumType, spectrumUnits);
+    if (type == Type::occupiedBandwidth) {
+        computeOccupiedBW();
+    } else {
+        computeACPR();
+    }
+    results.type = type;
+    results.isNewDataReady = true;
+    return results;
+}
+
+/// The bins that hold the two edges. False, and both bins 0, for edges out of order or outside the grid, whose end bins
+/// reach half a bin further than their frequencies.
+bool ChannelMeasurements::locateBand(std::size_t numBins, double lowerEdge, double upperEdge) {
+    startIdx = 0;
+    stopIdx = 0;
+    if (numBins < 2) {
+        return false;
+    }
+    const double halfBin = (frequencies[1] - frequencies[0]) / 2.0;
+    if (!(lowerEdge <= upperEdge) || lowerEdge < frequencies[0] - halfBin ||
+        upperEdge > frequencies[numBins - 1] + halfBin) {
+        return false;
+    }
+    const double* begin = frequencies.data();
+    const double* end = begin + numBins;
+    const double* pastStart =
+        std::partition_point(begin, end, [=](double frequency) { return frequency - halfBin <= lowerEdge; });
+    const double* stop =
+        std::partition_point(begin, end, [=](double frequency) { return !(upperEdge <= frequency + halfBin); });
+    if (pastStart == begin || stop == end) {
+        return false;  // a grid that is no grid
+    }
+    startIdx = static_cast<std::size_t>(pastStart - begin) - 1;
+    stopIdx = static_cast<std::size_t>(stop - begin);
+    return true;
+}
+
+double ChannelMeasurements::computeChannelPower(const std::vector<double>& density, const double& lowerEdge,
+                                                const double& upperEdge) {
+    if (!locateBand(std::min(density.size(), frequencies.size()), lowerEdge, upperEdge)) {
+        return nan;
+    }
+    const double binWidth = frequencies[1] - frequencies[0];
+    const double halfBin = binWidth / 2.0;
+    lowerEdgeExcess = density[startIdx] * (lowerEdge - (frequencies[startIdx] - halfBin));
+    upperEdgeExcess = density[stopIdx] * (frequencies[stopIdx] + halfBin - upperEdge);
+    double sum = 0.0;
+    for (std::size_t i = startIdx; i <= stopIdx; ++i) {
+        sum += density[i];
+    }
+    return binWidth * sum - lowerEdgeExcess - upperEdgeExcess;
+}
+
+void ChannelMeasurements::computeOccupiedBW() {
+    const double power = computeChannelPower(psd, startFrequency, stopFrequency);
+    double lowerFrequency = nan;
+    double upperFrequency = nan;
+    if (!std::isnan(power) && percentOccupiedBW <= 100.0 && startIdx < stopIdx + 2) {
+        const double binWidth = frequencies[1] - frequencies[0];
+        // A band of no width on a bin edge starts in the bin above it and stops in the one below: one edge, no bin.
+        const std::size_t numEdges = stopIdx + 2 - startIdx;
+        cumulative.resize(numEdges);
+        edges.resize(numEdges);
+        cumulative[0] = -lowerEdgeExcess;
+        edges[0] = frequencies[startIdx] - binWidth / 2.0;
+        double sum = 0.0;
+        for (std::size_t k = 1; k < numEdges; ++k) {
+            sum += psd[startIdx + k - 1];
+            cumulative[k] = binWidth * sum - lowerEdgeExcess;
+            edges[k] = frequencies[startIdx + k - 1] + binWidth / 2.0;
+        }
+        // What lies outside the occupied band is split evenly over its two sides.
+        lowerFrequency = interpolateFrequency(cumulative, edges, power * ((100.0 - percentOccupiedBW) / 200.0));
+        upperFrequency = interpolateFrequency(cumulative, edges, power * ((percentOccupiedBW + 100.0) / 200.0));
+    }
+    results.channelPower = toLevel(power);
+    results.startFrequency = lowerFrequency;
+    results.stopFrequency = upperFrequency;
+    results.occupiedBW = upperFrequency - lowerFrequency;
+    results.frequencyError = (lowerFrequency + upperFrequency) / 2.0 - (startFrequency + stopFrequency) / 2.0;
+}
+
+double ChannelMeasurements::interpolateFrequency(const std::vector<double>& cumulative,
+                                                 const std::vector<double>& edges, const double& level) const {
+    return level < 0.0 ? nan : interpolateAtLevel(cumulative.data(), edges.data(), cumulative.size(), level);
+}
+
+void ChannelMeasurements::computeACPR() {
+    const double power = computeFilteredChannelPower(psd, startFrequency, stopFrequency);
+    const double centre = (startFrequency + stopFrequency) / 2.0;
+    const double halfWidth = adjacentBW / 2.0;
+    results.numOffsets = numOffsets;
+    results.acprLower.resize(numOffsets, nan);
+    results.acprUpper.resize(numOffsets, nan);
+    for (std::size_t i = 0; i < numOffsets; ++i) {
+        // An offset that the list doesn't hold is no channel.
+        const double offset = i < acprOffsets.size() ? acprOffsets[i] : nan;
+        const double lower = centre - offset;
+        const double upper = centre + offset;
+        results.acprLower[i] = toLevel(computeFilteredChannelPower(psd, lower - halfWidth, lower + halfWidth) / power);
+        results.acprUpper[i] = toLevel(computeFilteredChannelPower(psd, upper - halfWidth, upper + halfWidth) / power);
+    }
+    results.channelPower = toLevel(power);
+}
+
+double ChannelMeasurements::computeFilteredChannelPower(const std::vector<double>& density, const double& lowerEdge,
+                                                        const double& upperEdge) {
+    if (filterShape == FilterShape::none || !locateBand(density.size(), lowerEdge, upperEdge)) {
+        return computeChannelPower(density, lowerEdge, upperEdge);
+    }
+    const double centre = (lowerEdge + upperEdge) / 2.0;
+    filteredPSD.resize(frequencies.size());
+    if (filterShape == FilterShape::rrc) {
+        rrcFrequencyResponse(centre);
+    } else {
+        gaussianFrequencyResponse(centre);
+    }
+    for (std::size_t i = firstBin(); i <= lastBin(); ++i) {
+        filteredPSD[i] *= density[i];
+    }
+    return computeChannelPower(filteredPSD, lowerEdge, upperEdge);
+}
+
+void ChannelMeasurements::gaussianFrequencyResponse(const double& centre) {
+    const double width = stopFrequency - startFrequency;
+    for (std::size_t i = firstBin(); i <= lastBin(); ++i) {
+        const double x = ((halfPowerOfGaussian / filterCoeff) * (frequencies[i] - centre)) / width;
+        filteredPSD[i] = std::exp(-2.0 * x * x);
+    }
+}
+
+void ChannelMeasurements::rrcFrequencyResponse(const double& centre) {
+    const double width = stopFrequency - startFrequency;
+    const double passEdge = (width / 2.0) * (1.0 - filterCoeff);
+    const double stopEdge = (width / 2.0) * (1.0 + filterCoeff);
+    for (std::size_t i = firstBin(); i <= lastBin(); ++i) {
+        const double distance = std::abs(frequencies[i] - centre);
+        double response = 1.0;
+        if (distance > passEdge && distance < stopEdge) {
+            const double amplitude =
+                std::cos((std::numbers::pi / (4.0 * filterCoeff)) * (2.0 * distance / width - (1.0 - filterCoeff)));
+            response = amplitude * amplitude;
+        } else if (distance > passEdge && distance >= stopEdge) {
+            // At the edge of a filter without roll-off, where the two edges are one, the response is still 1.
+            response = 0.0;
+        }
+        filteredPSD[i] = response;
+    }
+}
+
+}  // namespace dspwavedecks
