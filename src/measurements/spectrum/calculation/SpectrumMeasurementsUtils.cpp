@@ -5,19 +5,14 @@
 #include <cstddef>
 #include <limits>
 
+#include "VectorMath.h"
+
 namespace dspwavedecks::SpectrumMeasurementsUtils {
 
 namespace {
 
-constexpr double smallestPower = std::numeric_limits<double>::denorm_min();
-
-double squared(double x) {
-    return x * x;
-}
-
-double powerOfTen(double exponent) {
-    return std::pow(10.0, exponent);
-}
+constexpr double noBias = 0.0;
+constexpr double noCeiling = std::numeric_limits<double>::infinity();
 
 /// The first bin whose frequency is not negative after the offset: 0 for a grid that begins there, n if there is none.
 std::size_t firstNonNegativeBin(const double* freq, std::size_t n, double frequencyOffset) {
@@ -37,21 +32,20 @@ void copyGrid(const double* begin, const double* end, std::vector<double>& out, 
     }
 }
 
-/// dst[i] = convert(src[i]) over the part of the range that lies in both vectors.
-template <class Convert>
+/// kernel(from, to, n) over the part of the range that lies in both vectors.
+template <class Kernel>
 void convertRange(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
-                  Convert convert) {
+                  Kernel kernel) {
     const std::size_t stop = std::min<std::size_t>({range[1], src.size(), dst.size()});
-    const double* from = src.data();
-    double* to = dst.data();
-    for (std::size_t i = range[0]; i < stop; ++i) {
-        to[i] = convert(from[i]);
+    if (range[0] < stop) {
+        kernel(src.data() + range[0], dst.data() + range[0], stop - range[0]);
     }
 }
 
-template <class Convert>
-void convertAll(std::vector<double>& x, Convert convert) {
-    convertRange(x, x, {0, x.size()}, convert);
+void divideBy(std::vector<double>& x, double divisor) {
+    for (double& value : x) {
+        value /= divisor;
+    }
 }
 
 }  // namespace
@@ -83,26 +77,30 @@ void computePSDFromSpectrum(std::vector<double>& x, const double& rbw, const Spe
                             const SpectrumUnits& /*units*/) {
     if (type == SpectrumType::power) {
         const double rbwLevel = 10.0 * std::log10(rbw);
-        convertAll(x, [rbwLevel](double level) { return level - rbwLevel; });
+        for (double& level : x) {
+            level -= rbwLevel;
+        }
     }
 }
 
 void computePSDInWattsFromSpectrum(std::vector<double>& x, const double& rbw, const SpectrumType& type,
                                    const SpectrumUnits& units) {
     if (isdBSpectrumUnits(units)) {
-        convertAll(x, [](double level) { return powerOfTen(level / 10.0); });
+        vectormath::fromDecibels(x.data(), x.data(), x.size(), 0.0);
     }
     if (type == SpectrumType::rms) {
         if (units == SpectrumUnits::dbuv) {
-            convertAll(x, [](double level) { return squared(powerOfTen((level - 120.0) / 20.0)); });
+            vectormath::squareFromDecibels(x.data(), x.data(), x.size(), 120.0, 1.0);
         } else if (units == SpectrumUnits::dbv) {
-            convertAll(x, [](double level) { return squared(powerOfTen(level / 20.0)); });
+            vectormath::squareFromDecibels(x.data(), x.data(), x.size(), 0.0, 1.0);
         } else {
-            convertAll(x, squared);
+            for (double& amplitude : x) {
+                amplitude *= amplitude;
+            }
         }
     }
     if (type == SpectrumType::power) {
-        convertAll(x, [rbw](double power) { return power / rbw; });
+        divideBy(x, rbw);
     }
 }
 
@@ -113,64 +111,76 @@ bool isdBSpectrumUnits(const SpectrumUnits& units) {
 void computeSpectrumFromPSD(std::vector<double>& x, const double& rbw, const SpectrumType& type,
                             const SpectrumUnits& units) {
     if (type != SpectrumType::power) {
-        convertAll(x, [rbw](double power) { return power / rbw; });
+        divideBy(x, rbw);
     }
     if (isdBSpectrumUnits(units)) {
-        convertAll(x, [](double power) { return 10.0 * std::log10(power); });
+        vectormath::toDecibels(x.data(), x.data(), x.size(), 0.0, noBias);
     }
     if (type == SpectrumType::rms && units == SpectrumUnits::vrms) {
-        convertAll(x, [](double power) { return std::sqrt(power); });
+        vectormath::squareRoots(x.data(), x.data(), x.size());
     } else if (type == SpectrumType::rms && units == SpectrumUnits::dbv) {
-        convertAll(x, [](double power) { return 20.0 * std::log10(std::sqrt(power)); });
+        vectormath::rootToDecibels(x.data(), x.data(), x.size(), 1.0, 0.0, noCeiling, noBias);
     }
 }
 
 void watts2dB(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
               const double& offset) {
-    convertRange(src, dst, range, [offset](double power) { return offset + 10.0 * std::log10(power + smallestPower); });
+    convertRange(src, dst, range, [offset](const double* from, double* to, std::size_t n) {
+        vectormath::toDecibels(from, to, n, offset);
+    });
 }
 
 void watts2dBFS(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
                 const double& fullScale) {
-    convertRange(src, dst, range, [fullScale](double power) {
-        // In this order the minimum lets a NaN through.
-        return std::min(20.0 * std::log10(std::sqrt(power) / fullScale + smallestPower), 0.0);
+    convertRange(src, dst, range, [fullScale](const double* from, double* to, std::size_t n) {
+        vectormath::rootToDecibels(from, to, n, fullScale, 0.0, 0.0);
     });
 }
 
 void watts2Vrms(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range) {
-    convertRange(src, dst, range, [](double power) { return std::sqrt(power); });
+    convertRange(src, dst, range, vectormath::squareRoots);
 }
 
 void watts2dBV(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range) {
-    convertRange(src, dst, range, [](double power) { return 20.0 * std::log10(std::sqrt(power) + smallestPower); });
+    convertRange(src, dst, range, [](const double* from, double* to, std::size_t n) {
+        vectormath::rootToDecibels(from, to, n, 1.0, 0.0);
+    });
 }
 
 void watts2dBuV(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range) {
-    convertRange(src, dst, range,
-                 [](double power) { return 20.0 * std::log10(std::sqrt(power) + smallestPower) + 120.0; });
+    convertRange(src, dst, range, [](const double* from, double* to, std::size_t n) {
+        vectormath::rootToDecibels(from, to, n, 1.0, 120.0);
+    });
 }
 
 void dB2Watts(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
               const double& offset) {
-    convertRange(src, dst, range, [offset](double level) { return powerOfTen((level - offset) / 10.0); });
+    convertRange(src, dst, range, [offset](const double* from, double* to, std::size_t n) {
+        vectormath::fromDecibels(from, to, n, offset);
+    });
 }
 
 void vrms2Watts(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
                 const double& resistance) {
-    convertRange(src, dst, range, [resistance](double volts) { return squared(volts) / resistance; });
+    convertRange(src, dst, range, [resistance](const double* from, double* to, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) {
+            to[i] = from[i] * from[i] / resistance;
+        }
+    });
 }
 
 void dBV2Watts(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
                const double& resistance) {
-    convertRange(src, dst, range,
-                 [resistance](double level) { return squared(powerOfTen(level / 20.0)) / resistance; });
+    convertRange(src, dst, range, [resistance](const double* from, double* to, std::size_t n) {
+        vectormath::squareFromDecibels(from, to, n, 0.0, resistance);
+    });
 }
 
 void dBuV2Watts(const std::vector<double>& src, std::vector<double>& dst, const std::vector<unsigned long>& range,
                 const double& resistance) {
-    convertRange(src, dst, range,
-                 [resistance](double level) { return squared(powerOfTen((level - 120.0) / 20.0)) / resistance; });
+    convertRange(src, dst, range, [resistance](const double* from, double* to, std::size_t n) {
+        vectormath::squareFromDecibels(from, to, n, 120.0, resistance);
+    });
 }
 
 }  // namespace dspwavedecks::SpectrumMeasurementsUtils
