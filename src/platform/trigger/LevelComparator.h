@@ -1,0 +1,67 @@
+#pragma once
+
+#include <limits>
+
+namespace deckutil {
+
+/// Which way a level was crossed by the last sample.
+enum class Crossing { None, Rising, Falling };
+
+/// Time at which the straight line from (t0, x0) to (t1, x1) reaches the level, inside t0 .. t1.
+/// The two values lie on different sides of the level, or one of them on it.
+double crossingTime(double t0, double x0, double t1, double x1, double level);
+
+/// Crossings of one level, with hysteresis h >= 0:
+///   rising   the signal has been at level - h or lower (below the level for h = 0) and now reaches the level from
+///   below falling  the signal has been at level + h or higher (above the level for h = 0) and now reaches it from
+///   above
+/// The crossing is that of the level itself; the hysteresis only decides whether it counts. A level of NaN is never
+/// crossed.
+class LevelComparator {
+public:
+    /// Moves the level. What was seen so far counts on where the last value still lies on the same side.
+    /// Returns whether it does.
+    bool setLevel(double newLevel, double newHysteresis, double lastValue);
+
+    /// The next sample decides anew on which side the signal is.
+    void forget() {
+        mayRise = false;
+        mayFall = false;
+    }
+
+    /// Takes the next sample.
+    Crossing advance(double value) {
+        const Crossing crossing = mayRise && value >= level   ? Crossing::Rising
+                                  : mayFall && value <= level ? Crossing::Falling
+                                                              : Crossing::None;
+        track(value);
+        return crossing;
+    }
+
+    /// Takes the next sample without asking whether it crossed: no branches, which on noise would be mispredicted.
+    void track(double value) {
+        mayRise = (value <= riseReady) | (mayRise & (value < level));
+        mayFall = (value >= fallReady) | (mayFall & (value > level));
+    }
+
+    double getLevel() const { return level; }
+
+    /// While samples stay strictly between the two fences, advance() does nothing.
+    double lowFence() const { return mayRise ? -std::numeric_limits<double>::infinity() : mayFall ? level : riseReady; }
+    double highFence() const { return mayFall ? std::numeric_limits<double>::infinity() : mayRise ? level : fallReady; }
+
+private:
+    // Options.
+    double level = std::numeric_limits<double>::quiet_NaN();
+    double hysteresis = 0.0;
+
+    // Derived: a value this low makes ready for a rising crossing, one this high for a falling one.
+    double riseReady = -std::numeric_limits<double>::infinity();
+    double fallReady = std::numeric_limits<double>::infinity();
+
+    // State: which crossing may come next, one at most.
+    bool mayRise = false;  ///< the last sample lies below the level
+    bool mayFall = false;  ///< above it
+};
+
+}  // namespace deckutil

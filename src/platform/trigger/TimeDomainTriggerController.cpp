@@ -1,0 +1,265 @@
+#include "TimeDomainTriggerController.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace deckutil {
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+bool isLength(double timeRange) {
+    return timeRange > 0.0 && timeRange < infinity;
+}
+
+}  // namespace
+
+template <class Value>
+void TimeDomainTriggerController::change(Value& setting, const Value& newValue) {
+    if (setting != newValue) {
+        setting = newValue;
+        settingsChanged = true;
+        makeNextSampleEventful();
+    }
+}
+
+void TimeDomainTriggerController::setMode(TDTC::ModeEnum newMode) {
+    if (newMode != mode) {
+        discardWaiting();
+        // Samples that pass while the trigger is off are not held.
+        hasHistory = hasHistory && newMode != TDTC::Off;
+        hasSample = hasSample && newMode != TDTC::Off;
+    }
+    change(mode, newMode);
+}
+
+void TimeDomainTriggerController::setType(TDTC::TypeEnum type) {
+    if (type != settings.type) {
+        discardWaiting();
+    }
+    change(settings.type, type);
+}
+
+void TimeDomainTriggerController::setPolarity(TDTC::PolarityEnum polarity) {
+    if (polarity != settings.polarity) {
+        discardWaiting();
+    }
+    change(settings.polarity, polarity);
+}
+
+void TimeDomainTriggerController::setAutoLevel(bool automatic) {
+    change(autoLevel, automatic);
+}
+void TimeDomainTriggerController::setLevel(double newLevel) {
+    change(level, newLevel);
+}
+void TimeDomainTriggerController::setHysteresis(double distance) {
+    change(settings.hysteresis, distance);
+}
+void TimeDomainTriggerController::setUpperLevel(double newLevel) {
+    change(settings.upperLevel, newLevel);
+}
+void TimeDomainTriggerController::setLowerLevel(double newLevel) {
+    change(settings.lowerLevel, newLevel);
+}
+void TimeDomainTriggerController::setMinTime(double seconds) {
+    change(settings.minTime, seconds);
+}
+void TimeDomainTriggerController::setMaxTime(double seconds) {
+    change(settings.maxTime, seconds);
+}
+void TimeDomainTriggerController::setTimeout(double seconds) {
+    change(settings.timeout, seconds);
+}
+void TimeDomainTriggerController::setHoldoff(double seconds) {
+    change(holdoff, seconds);
+}
+
+double TimeDomainTriggerController::getLevel() const {
+    return autoLevel && !std::isnan(automaticLevel) ? automaticLevel : level;
+}
+
+/// Drops what was found so far: the condition begins anew, and the trigger is armed from the last sample on.
+void TimeDomainTriggerController::discardWaiting() {
+    condition.forget();
+    waiting.clear();
+    hasLeftOver = false;
+    armedFrom = lastTime;
+    lastTriggerTime = -infinity;
+}
+
+void TimeDomainTriggerController::startAfresh(double time) {
+    lastTime = time;
+    discardWaiting();
+    firstTime = hasHistory ? std::min(firstTime, time) : time;
+    hasHistory = true;
+    rangeStart = time;
+    rangeLow = infinity;
+    rangeHigh = -infinity;
+}
+
+void TimeDomainTriggerController::processEventfulSample(double time, double value, double timeRange) {
+    if (mode == TDTC::Off || !std::isfinite(time)) {
+        return;
+    }
+    if (!hasHistory || time < lastTime) {
+        startAfresh(time);
+        hasSample = false;
+    }
+    if (hasLeftOver) {
+        while (!waiting.empty() && windowOf(waiting.front(), requestTimeRange).end <= requestTime) {
+            waiting.popFront();
+        }
+        hasLeftOver = false;
+    }
+    sampleTimeRange = timeRange;
+    if (!std::isfinite(value)) {  // a gap
+        condition.forget();
+        hasSample = false;
+    }
+    updateAutomaticLevel(time, value);
+    if (settingsChanged) {
+        applySettings();
+    }
+    if (std::isfinite(value)) {
+        const TriggerPoints points = hasSample ? condition.advance(lastTime, lastValue, time, value)
+                                               : condition.advance(time, value, time, value);
+        for (std::size_t i = 0; i < points.count; ++i) {
+            acceptTrigger(points.times[i]);
+        }
+        hasSample = true;
+        lastValue = value;
+    }
+    lastTime = time;
+    if (mode == TDTC::Auto && isLength(timeRange) && time >= rearmTime() + timeRange) {
+        runFree(time);
+    }
+    updateQuietRange();
+}
+
+/// Takes the middle of the range of each full stretch of one time range, so that the level stands still between them.
+void TimeDomainTriggerController::updateAutomaticLevel(double time, double value) {
+    if (isLength(sampleTimeRange) && time >= rangeStart + sampleTimeRange) {
+        if (rangeLow <= rangeHigh) {
+            const double middle = 0.5 * rangeLow + 0.5 * rangeHigh;
+            settingsChanged = settingsChanged || (autoLevel && !(middle == automaticLevel));
+            automaticLevel = middle;
+        }
+        rangeStart = time;
+        rangeLow = infinity;
+        rangeHigh = -infinity;
+    }
+    if (std::isfinite(value)) {
+        rangeLow = std::min(rangeLow, value);
+        rangeHigh = std::max(rangeHigh, value);
+    }
+}
+
+void TimeDomainTriggerController::applySettings() {
+    const double levelInUse = autoLevel ? automaticLevel : level;
+    condition.configure(settings, levelInUse, hasSample ? lastValue : notANumber);
+    settingsChanged = false;
+}
+
+double TimeDomainTriggerController::rearmTime() const {
+    return std::max(armedFrom, lastTriggerTime + holdoff);
+}
+
+void TimeDomainTriggerController::acceptTrigger(double time) {
+    const bool armed = mode != TDTC::Once || (enableOnceMode && waiting.empty());
+    if (!armed || !isLength(sampleTimeRange) || !(time >= rearmTime())) {
+        return;
+    }
+    const PendingTrigger trigger{time, false};
+    const TimeWindow window = windowOf(trigger, sampleTimeRange);
+    if (!(window.start >= firstTime)) {
+        return;
+    }
+    waiting.push(trigger);
+    armedFrom = std::max(time, window.end);
+    lastTriggerTime = time;
+}
+
+void TimeDomainTriggerController::runFree(double time) {
+    waiting.push({time, true});
+    armedFrom = time;
+}
+
+TimeDomainTriggerController::TimeWindow TimeDomainTriggerController::windowOf(const PendingTrigger& trigger,
+                                                                              double timeRange) const {
+    if (trigger.freeRun) {
+        return {trigger.time - timeRange, trigger.time};
+    }
+    const double start = trigger.time + delay - position * timeRange;
+    return {start, start + timeRange};
+}
+
+/// A window that ends too early, with the trigger point in its position still; NaN if the point lies past the end.
+TimeDomainTriggerController::TimeWindow TimeDomainTriggerController::cutWindow(const PendingTrigger& trigger,
+                                                                               double endTime) const {
+    const double point = trigger.time + delay;
+    const double length = (endTime - point) / (1.0 - position);
+    return length > 0.0 && length < infinity ? TimeWindow{point - position * length, endTime} : TimeWindow{};
+}
+
+void TimeDomainTriggerController::getTriggerWindow(double /*reserved*/, double lastSampleTime, double timeRange,
+                                                   bool flush, double& start, double& end) {
+    start = notANumber;
+    end = notANumber;
+    if (waiting.empty() || !isLength(timeRange)) {
+        return;
+    }
+    TimeWindow window = windowOf(waiting.front(), timeRange);
+    if (!(window.end <= lastSampleTime)) {
+        if (!flush) {
+            return;
+        }
+        window = cutWindow(waiting.front(), lastSampleTime);
+    }
+    waiting.popFront();
+    if (std::isfinite(window.start) && std::isfinite(window.end)) {
+        start = window.start;
+        end = window.end;
+        lastWindow = window;
+        enableOnceMode = enableOnceMode && mode != TDTC::Once;
+    }
+    requestTime = lastSampleTime;
+    requestTimeRange = timeRange;
+    hasLeftOver = !waiting.empty() && windowOf(waiting.front(), timeRange).end <= lastSampleTime;
+    if (hasLeftOver) {
+        makeNextSampleEventful();  // it drops them
+    }
+}
+
+void TimeDomainTriggerController::getLastTriggerWindow(double& start, double& end) const {
+    start = lastWindow.start;
+    end = lastWindow.end;
+}
+
+void TimeDomainTriggerController::makeNextSampleEventful() {
+    quietUntil = -infinity;
+    unarmedUntil = -infinity;
+}
+
+void TimeDomainTriggerController::updateQuietRange() {
+    quietLow = condition.lowFence();
+    quietHigh = condition.highFence();
+    makeNextSampleEventful();
+    if (!hasSample) {  // behind a gap
+        return;
+    }
+    quietUntil = condition.deadline();
+    if (isLength(sampleTimeRange)) {
+        quietUntil = std::min(quietUntil, rangeStart + sampleTimeRange);
+        if (mode == TDTC::Auto) {
+            quietUntil = std::min(quietUntil, rearmTime() + sampleTimeRange);
+        }
+    }
+    if (condition.hasNoStretches()) {
+        unarmedUntil = std::min(quietUntil, rearmTime());
+    }
+}
+
+}  // namespace deckutil

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <limits>
+
+#include "LevelComparator.h"
+#include "TriggerEnums.h"
+
+namespace deckutil {
+
+/// What the trigger looks for.
+struct TriggerConditionSettings {
+    TDTC::TypeEnum type = TDTC::Edge;
+    TDTC::PolarityEnum polarity = TDTC::Positive;
+    double hysteresis = 0.0;  ///< in the signal's unit
+    double upperLevel = 0.0;  ///< transition, runt, window
+    double lowerLevel = 0.0;
+    double minTime = 0.0;  ///< s; pulse width, transition, runt
+    double maxTime = std::numeric_limits<double>::infinity();
+    double timeout = 0.0;  ///< s
+
+    bool operator==(const TriggerConditionSettings&) const = default;
+};
+
+/// The points at which one sample interval fulfils the condition, rising in time. No interval has more than two: a jump
+/// across a window enters and leaves it.
+struct TriggerPoints {
+    std::array<double, 2> times{};
+    std::size_t count = 0;
+
+    void add(double time) { times[count++] = time; }
+};
+
+/// Finds the points of a sampled signal at which a trigger condition is fulfilled. The signal is taken as the straight
+/// lines between its samples, so that all times are known to better than a sample.
+///   edge         the level is crossed
+///   pulse width  a pulse (from one crossing of the level to the next, opposite one) ends that lasted minTime ..
+///   maxTime transition   the signal has gone from one of the two levels to the other in minTime .. maxTime runt a
+///   pulse ends that left one level and came back without reaching the other, in minTime .. maxTime window       the
+///   signal enters or leaves the band between the two levels timeout      the signal has stayed on its side of the
+///   level for the timeout since it crossed to it
+class TriggerCondition {
+public:
+    /// Takes over settings; level is for edge, pulse width and timeout, NaN when it is not known yet. Crossings seen so
+    /// far count on as long as the last value still lies on the same side of each level.
+    void configure(const TriggerConditionSettings& newSettings, double level, double lastValue);
+
+    /// The condition begins anew with the next sample, as after a gap.
+    void forget();
+
+    /// Takes the sample (t1, x1) that follows (t0, x0).
+    TriggerPoints advance(double t0, double x0, double t1, double x1);
+
+    /// Takes a sample for the edge and the window where a trigger point would not count: only the side matters.
+    void track(double value) {
+        lower.track(value);
+        if (settings.type != TDTC::Edge) {
+            upper.track(value);
+        }
+    }
+    /// Whether track() is enough where a trigger point would not count.
+    bool hasNoStretches() const { return settings.type == TDTC::Edge || settings.type == TDTC::Window; }
+
+    /// While samples stay strictly between the fences and before the deadline, advance() does nothing.
+    double lowFence() const;
+    double highFence() const;
+    double deadline() const { return timeoutDeadline; }
+
+private:
+    struct Interval {
+        double t0, x0, t1, x1;
+        double crossing(const LevelComparator& comparator) const {
+            return crossingTime(t0, x0, t1, x1, comparator.getLevel());
+        }
+    };
+    /// A stretch that has begun and may end in a trigger point.
+    struct Stretch {
+        bool open = false;
+        double start = 0.0;
+        void begin(double time) {
+            open = true;
+            start = time;
+        }
+    };
+
+    bool usesTwoLevels() const;
+    bool wants(TDTC::PolarityEnum polarity) const;
+    void close(Stretch& stretch, double end, TDTC::PolarityEnum polarity, TriggerPoints& points) const;
+    void advanceEdge(const Interval& interval, TriggerPoints& points);
+    void advancePulseWidth(const Interval& interval, TriggerPoints& points);
+    void advanceTransition(const Interval& interval, TriggerPoints& points);
+    void advanceRunt(const Interval& interval, TriggerPoints& points);
+    void advanceWindow(const Interval& interval, TriggerPoints& points);
+    void advanceTimeout(const Interval& interval, TriggerPoints& points);
+
+    // Options.
+    TriggerConditionSettings settings;
+
+    // State. The single level stands in `lower`; `upper` is for the types with two.
+    LevelComparator lower;
+    LevelComparator upper;
+    Stretch upward;    ///< positive pulse or runt, or rise, that has begun
+    Stretch downward;  ///< negative pulse or runt, or fall, that has begun
+    double timeoutDeadline = std::numeric_limits<double>::infinity();
+};
+
+}  // namespace deckutil

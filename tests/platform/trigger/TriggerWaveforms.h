@@ -1,0 +1,58 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "TimeDomainTriggerController.h"
+
+namespace trigger_test {
+
+struct Point {
+    double time, value;
+};
+
+/// Straight lines between the points, sampled from the first point to the last.
+inline std::vector<Point> sampled(const std::vector<Point>& corners, double interval) {
+    std::vector<Point> samples;
+    std::size_t segment = 0;
+    for (int i = 0; corners.front().time + i * interval <= corners.back().time + 1e-9; ++i) {
+        const double time = corners.front().time + i * interval;
+        while (segment + 2 < corners.size() && corners[segment + 1].time < time) {
+            ++segment;
+        }
+        const Point& a = corners[segment];
+        const Point& b = corners[segment + 1];
+        samples.push_back({time, a.value + (b.value - a.value) * (time - a.time) / (b.time - a.time)});
+    }
+    return samples;
+}
+
+struct Window {
+    double start, end;
+    bool operator==(const Window&) const = default;
+};
+
+/// Feeds the samples in frames and asks for windows behind each frame until none is due.
+inline std::vector<Window> windowsOf(deckutil::TimeDomainTriggerController& engine, const std::vector<Point>& samples,
+                                     double timeRange, std::size_t frameSize = 1) {
+    std::vector<Window> windows;
+    for (std::size_t begin = 0; begin < samples.size(); begin += frameSize) {
+        const std::size_t end = std::min(begin + frameSize, samples.size());
+        for (std::size_t i = begin; i < end; ++i) {
+            engine.processSample(samples[i].time, samples[i].value, samples[i].time, timeRange);
+        }
+        for (;;) {
+            Window window{};
+            engine.getTriggerWindow(0.0, samples[end - 1].time, timeRange, false, window.start, window.end);
+            if (!std::isfinite(window.start)) {
+                break;
+            }
+            windows.push_back(window);
+        }
+    }
+    return windows;
+}
+
+}  // namespace trigger_test
