@@ -1,0 +1,194 @@
+#include "SpectrumBuffer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace dspwavedecks {
+
+namespace {
+
+/// Samples as they stand in the frame of a real signal.
+struct RealSource {
+    const double* values;
+    void copy(std::size_t first, std::size_t count, double* to) const { std::copy_n(values + first, count, to); }
+};
+
+/// A real signal beside complex ones.
+struct RealAsComplexSource {
+    const double* values;
+    void copy(std::size_t first, std::size_t count, std::complex<double>* to) const {
+        std::transform(values + first, values + first + count, to, [](double x) { return std::complex<double>(x, 0.0); });
+    }
+};
+
+/// A complex signal, whose frame holds all real parts before all imaginary parts.
+struct ComplexSource {
+    const double* re;
+    const double* im;
+    void copy(std::size_t first, std::size_t count, std::complex<double>* to) const {
+        double* parts = reinterpret_cast<double*>(to);
+        for (std::size_t i = 0; i < count; ++i) {
+            parts[2 * i] = re[first + i];
+            parts[2 * i + 1] = im[first + i];
+        }
+    }
+};
+
+/// Grows by doubling, so that a run that is appended to for long is not copied with every frame.
+template <class Sample>
+void reserveForAppending(AlignedVector<Sample>& run, std::size_t needed) {
+    if (needed > run.capacity()) {
+        run.reserve(std::max(needed, 2 * run.capacity()));
+    }
+}
+
+template <class Sample, class Source>
+void appendSamples(AlignedVector<Sample>& run, const Source& source, std::size_t first, std::size_t count) {
+    const std::size_t held = run.size();
+    run.resize(held + count);
+    source.copy(first, count, run.data() + held);
+}
+
+}  // namespace
+
+SpectrumBuffer::SpectrumBuffer(const std::size_t& numSignals, const std::size_t& numChannels, const bool& isComplex,
+                               const std::size_t& segmentLength, const double& overlapPercent)
+    : numSignals(numSignals),
+      numChannels(numChannels),
+      isComplex(isComplex),
+      segmentLength(segmentLength),
+      overlapPercent(overlapPercent) {}
+
+void SpectrumBuffer::setSegmentLength(const std::size_t& value) {
+    if (value == segmentLength) {
+        return;
+    }
+    segmentLength = value;
+    computeNumOverlapSamples();
+}
+
+void SpectrumBuffer::setOverlapPercent(const double& value) {
+    if (value == overlapPercent) {
+        return;
+    }
+    overlapPercent = value;
+    computeNumOverlapSamples();
+}
+
+std::size_t SpectrumBuffer::computeNumOverlapSamples(const std::size_t& segmentLength, const double& overlapPercent) {
+    if (segmentLength == 0 || std::isnan(overlapPercent)) {
+        return 0;
+    }
+    const double exact = std::clamp(overlapPercent, 0.0, 100.0) * static_cast<double>(segmentLength) / 100;
+    const double above = std::ceil(exact);
+    const double below = std::floor(exact);
+    const double nearest = std::abs(exact - above) < std::abs(exact - below) ? above : below;
+    return std::min(static_cast<std::size_t>(nearest), segmentLength - 1);
+}
+
+void SpectrumBuffer::computeNumOverlapSamples() {
+    numOverlapSamples = computeNumOverlapSamples(segmentLength, overlapPercent);
+}
+
+void SpectrumBuffer::setup(const std::size_t& signals, const std::size_t& channels, const bool& complex) {
+    numSignals = signals;
+    numChannels = channels;
+    isComplex = complex;
+    if (isComplex) {
+        store = Runs<std::complex<double>>(numChannels);
+    } else {
+        store = Runs<double>(numChannels);
+    }
+    computeNumOverlapSamples();
+    numSignals = 1;  // the number of signals plays no part here; its readers are told one
+    segmentsPerBlock = 1;
+    zerosInFirstSegment = true;
+}
+
+void SpectrumBuffer::addData(const double* data, const std::size_t& channel, const std::size_t& numSamples,
+                             const std::size_t& numChannelsOfSignal, const bool& dataIsComplex) {
+    if (auto* real = std::get_if<Runs<double>>(&store)) {
+        append((*real)[channel], RealSource{data}, numSamples);
+        return;
+    }
+    auto& run = std::get<Runs<std::complex<double>>>(store)[channel];
+    if (dataIsComplex) {
+        append(run, ComplexSource{data, data + numChannelsOfSignal * numSamples}, numSamples);
+    } else {
+        append(run, RealAsComplexSource{data}, numSamples);
+    }
+}
+
+/// Begins a segment with what it shares with the one before, or with zeros if there is none.
+template <class Sample>
+void SpectrumBuffer::openSegment(AlignedVector<Sample>& run) const {
+    const std::size_t held = run.size();
+    run.resize(held + numOverlapSamples);
+    if (held == 0) {
+        std::fill(run.begin(), run.end(), Sample{});
+    } else {
+        const std::size_t shared = std::min(numOverlapSamples, held);
+        std::copy_n(run.data() + (held - shared), shared, run.data() + held);
+    }
+}
+
+template <class Sample, class Source>
+void SpectrumBuffer::append(AlignedVector<Sample>& run, const Source& source, std::size_t numSamples) const {
+    const std::size_t L = segmentLength;
+    const std::size_t hop = L > numOverlapSamples ? L - numOverlapSamples : 1;
+    reserveForAppending(run, run.size() + numSamples + (numSamples / hop + 2) * numOverlapSamples);
+
+    std::size_t position = 0;
+    const std::size_t partial = L == 0 ? 0 : run.size() % L;
+    if (partial != 0 || (run.empty() && !zerosInFirstSegment)) {
+        position = std::min(numSamples, L - partial);
+        appendSamples(run, source, 0, position);
+    }
+    for (; numSamples - position >= hop; position += hop) {
+        openSegment(run);
+        appendSamples(run, source, position, hop);
+    }
+    // The overlap of the next segment goes in at once, so that the run ends in an open segment unless there is none.
+    if (run.empty() || (L != 0 && run.size() % L == 0)) {
+        openSegment(run);
+    }
+    appendSamples(run, source, position, numSamples - position);
+}
+
+std::size_t SpectrumBuffer::size(const std::size_t& channel) const {
+    return std::visit([&](const auto& runs) { return channel < runs.size() ? runs[channel].size() : 0; }, store);
+}
+
+std::size_t SpectrumBuffer::getNumSegments(const std::size_t& channel) const {
+    return segmentLength == 0 ? 0 : size(channel) / segmentLength;
+}
+
+bool SpectrumBuffer::isReady() const { return size(0) != 0 && getNumSegments(0) >= segmentsPerBlock; }
+
+void SpectrumBuffer::flush() {
+    std::visit(
+        [](auto& runs) {
+            for (auto& run : runs) {
+                run.clear();
+            }
+        },
+        store);
+}
+
+void SpectrumBuffer::clear() {
+    if (segmentsPerBlock == 0 || segmentLength == 0) {
+        return;
+    }
+    std::visit(
+        [this](auto& runs) {
+            for (auto& run : runs) {
+                const std::size_t whole = run.size() / segmentLength / segmentsPerBlock * segmentsPerBlock;
+                const std::size_t used = whole * segmentLength;
+                std::copy(run.begin() + static_cast<std::ptrdiff_t>(used), run.end(), run.begin());
+                run.resize(run.size() - used);
+            }
+        },
+        store);
+}
+
+}  // namespace dspwavedecks
