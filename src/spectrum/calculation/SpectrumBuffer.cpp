@@ -17,7 +17,8 @@ struct RealSource {
 struct RealAsComplexSource {
     const double* values;
     void copy(std::size_t first, std::size_t count, std::complex<double>* to) const {
-        std::transform(values + first, values + first + count, to, [](double x) { return std::complex<double>(x, 0.0); });
+        std::transform(values + first, values + first + count, to,
+                       [](double x) { return std::complex<double>(x, 0.0); });
     }
 };
 
@@ -163,7 +164,9 @@ std::size_t SpectrumBuffer::getNumSegments(const std::size_t& channel) const {
     return segmentLength == 0 ? 0 : size(channel) / segmentLength;
 }
 
-bool SpectrumBuffer::isReady() const { return size(0) != 0 && getNumSegments(0) >= segmentsPerBlock; }
+bool SpectrumBuffer::isReady() const {
+    return size(0) != 0 && getNumSegments(0) >= segmentsPerBlock;
+}
 
 void SpectrumBuffer::flush() {
     std::visit(

@@ -25,9 +25,8 @@ E::InputDomain E::getInputDomainEnum(const std::string& word) {
 }
 
 E::SpectrumType E::getSpectrumTypeEnum(const std::string& word) {
-    static const Words<SpectrumType> words{{"power", SpectrumType::power},
-                                           {"power-density", SpectrumType::powerDensity},
-                                           {"rms", SpectrumType::rms}};
+    static const Words<SpectrumType> words{
+        {"power", SpectrumType::power}, {"power-density", SpectrumType::powerDensity}, {"rms", SpectrumType::rms}};
     return valueOf(words, word);
 }
 
@@ -52,30 +51,32 @@ E::FrequencyResolutionMethod E::getFrequencyResolutionMethodEnum(const std::stri
 }
 
 E::FrequencySpan E::getFrequencySpanEnum(const std::string& word) {
-    static const Words<FrequencySpan> words{
-        {"full", FrequencySpan::full},
-        {"span-and-center-frequency", FrequencySpan::spanAndCenterFrequency},
-        {"start-and-stop-frequencies", FrequencySpan::startAndStopFrequencies}};
+    static const Words<FrequencySpan> words{{"full", FrequencySpan::full},
+                                            {"span-and-center-frequency", FrequencySpan::spanAndCenterFrequency},
+                                            {"start-and-stop-frequencies", FrequencySpan::startAndStopFrequencies}};
     return valueOf(words, word);
 }
 
 E::Window E::getWindowEnum(const std::string& word) {
-    static const Words<Window> words{
-        {"blackman-harris", Window::blackmanHarris}, {"chebyshev", Window::chebyshev},
-        {"flat-top", Window::flatTop},               {"hamming", Window::hamming},
-        {"hann", Window::hann},                      {"kaiser", Window::kaiser},
-        {"rectangular", Window::rectangular},        {"custom", Window::custom}};
+    static const Words<Window> words{{"blackman-harris", Window::blackmanHarris},
+                                     {"chebyshev", Window::chebyshev},
+                                     {"flat-top", Window::flatTop},
+                                     {"hamming", Window::hamming},
+                                     {"hann", Window::hann},
+                                     {"kaiser", Window::kaiser},
+                                     {"rectangular", Window::rectangular},
+                                     {"custom", Window::custom}};
     return valueOf(words, word);
 }
 
 E::SpectrumUnits E::getSpectrumUnitsEnum(const std::string& word) {
     static const Words<SpectrumUnits> words{
-        {"watts", SpectrumUnits::watts},         {"dbw", SpectrumUnits::dbw},
-        {"dbm", SpectrumUnits::dbm},             {"dbfs", SpectrumUnits::dbfs},
-        {"vrms", SpectrumUnits::vrms},           {"dbv", SpectrumUnits::dbv},
-        {"dbuv", SpectrumUnits::dbuv},           {"watts/hz", SpectrumUnits::wattsPerHz},
-        {"dbw/hz", SpectrumUnits::dbwPerHz},     {"dbm/hz", SpectrumUnits::dbmPerHz},
-        {"dbfs/hz", SpectrumUnits::dbfsPerHz},   {"auto", SpectrumUnits::automatic},
+        {"watts", SpectrumUnits::watts},       {"dbw", SpectrumUnits::dbw},
+        {"dbm", SpectrumUnits::dbm},           {"dbfs", SpectrumUnits::dbfs},
+        {"vrms", SpectrumUnits::vrms},         {"dbv", SpectrumUnits::dbv},
+        {"dbuv", SpectrumUnits::dbuv},         {"watts/hz", SpectrumUnits::wattsPerHz},
+        {"dbw/hz", SpectrumUnits::dbwPerHz},   {"dbm/hz", SpectrumUnits::dbmPerHz},
+        {"dbfs/hz", SpectrumUnits::dbfsPerHz}, {"auto", SpectrumUnits::automatic},
         {"none", SpectrumUnits::none}};
     return valueOf(words, word);
 }

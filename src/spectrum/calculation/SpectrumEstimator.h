@@ -1,0 +1,584 @@
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "AlignedVector.h"
+#include "SpectrumBuffer.h"
+#include "SpectrumEstimatorEnum.h"
+#include "SpectrumTransform.h"
+#include "spectrumEstimatorMetaDataStruct.h"
+
+namespace dspwavedecks {
+
+/// Estimates power spectra and spectrograms of streamed signals: overlapping windowed segments (Welch), with a zoomed
+/// band by decimation first, or a polyphase filter bank; exponential averaging, maximum and minimum hold, display
+/// units.
+///
+/// Use: setters, then `setup`, then `computeSpectrum` (time input) or `processSpectrum` (spectra as input) once a
+/// signal and frame, the last signal last. A setter that changes something marks what is to begin anew; its owner then
+/// calls `release`, and `setup` before the next frame. No setter checks its value: what does not make sense gives
+/// infinite or NaN figures, never an access outside a buffer.
+///
+/// Letters below: Fs sample rate, d zoom decimation (1 without), Fs' = Fs / d, L segment length and O the overlap, both
+/// in samples at Fs', N transform length, S points of a channel's spectrum, C channels of a signal. A complex signal
+/// has two raw channels, its real and its imaginary part, which count as one.
+///
+/// An output has rows of S values: the frequency grid in Hz, then a row a channel. With a spectrogram the grid and each
+/// channel have room for all segments of the update, or for its lines if several segments make one; the grid fills the
+/// first S values.
+///
+/// Setters that the tables of options reach while data flows hold a mutex against `setup`; computing does not.
+class SpectrumEstimator {
+public:
+    using InputDomain = SpectrumEstimatorEnum::InputDomain;
+    using SpectrumType = SpectrumEstimatorEnum::SpectrumType;
+    using Method = SpectrumEstimatorEnum::Method;
+    using FrequencyRange = SpectrumEstimatorEnum::FrequencyRange;
+    using FrequencyResolutionMethod = SpectrumEstimatorEnum::FrequencyResolutionMethod;
+    using FrequencySpan = SpectrumEstimatorEnum::FrequencySpan;
+    using Window = SpectrumEstimatorEnum::Window;
+    using SpectrumUnits = SpectrumEstimatorEnum::SpectrumUnits;
+    using AveragingMethod = SpectrumEstimatorEnum::AveragingMethod;
+
+    SpectrumEstimator() = default;
+    SpectrumEstimator(const SpectrumEstimator&) = delete;
+    SpectrumEstimator& operator=(const SpectrumEstimator&) = delete;
+
+    // ---- Options. An equal value changes nothing. ----
+
+    void setInputDomain(const InputDomain& value);
+    void setSpectrumType(const SpectrumType& value);
+    void setShowSpectrum(const bool& value);
+    void setShowSpectrogram(const bool& value);
+    void setSampleRate(const double& value);
+    void setFrequencyOffset(const std::vector<double>& value);
+    void setMethod(const Method& value);
+    void setFrequencyRange(const FrequencyRange& value);
+    void setDefaultSegmentLength(const std::size_t& value);
+    void setMinimumSegmentLength(const std::size_t& value);
+    void setMaximumSegmentLength(const std::size_t& value);
+    void setFrequencyResolutionMethod(const FrequencyResolutionMethod& value);
+    void setAutoRBW(const bool& value);
+    void setWindowInvariantSamplesPerUpdate(const bool& value);
+    /// Without effect while the RBW is automatic. The RBW figures follow at once, the segments at the next `setup`.
+    void setRBW(const double& value);
+    void setAutoFFTLength(const bool& value);
+    void setFFTLength(const std::size_t& value);
+    void setAutoFrequencyVector(const bool& value);
+    /// Without effect while the grid is automatic.
+    void setFrequencyVector(const std::vector<double>& value);
+    void setNumTapsPerBand(const std::size_t& value);
+    /// Without effect unless the resolution is given by the window's length.
+    void setWindowLength(const std::size_t& value);
+    void setFrequencySpan(const FrequencySpan& value);
+    void setSpan(const double& value);
+    void setCenterFrequency(const double& value);
+    void setStartFrequency(const double& value);
+    void setStopFrequency(const double& value);
+    void setOverlapPercent(const double& value);
+    void setWindow(const Window& value);
+    /// Without effect unless the window is custom.
+    void setCustomWindow(const std::vector<double>& value);
+    void setSidelobeAttenuation(const double& value);
+    void setAveragingMethod(const AveragingMethod& value);
+    void setForgettingFactor(const double& value);
+    void setAutoVBW(const bool& value);
+    void setVBW(const double& value);
+    void setSpectralAverages(const std::size_t& value);
+    void setSpectrumUnits(const SpectrumUnits& value);
+    void setInputUnits(const SpectrumUnits& value);
+    void setReferenceLoad(const double& value);
+    void setAutoFullScale(const bool& value);
+    void setFullScale(const double& value);
+    void setPlotMaxHoldTrace(const bool& value);
+    void setPlotMinHoldTrace(const bool& value);
+    void setSpectrogramChannel(const std::size_t& value);
+    void setAutoTimeSpan(const bool& value);
+    void setTimeSpan(const double& value);
+    void setAutoTimeResolution(const bool& value);
+    void setTimeResolution(const double& value);
+    /// One type name a signal, "double", "single" or "half" for floating point; a signal without one counts as such.
+    void setInputDataType(const std::vector<std::string>& value);
+    /// One full-scale value a signal; 1 for a signal without one.
+    void setInputRange(const std::vector<double>& value);
+
+    /// The sizes of the frames to come, one a signal. They take effect at once and mark nothing.
+    void setFrameSize(const std::vector<int>& value);
+    void setUnbufferedFrameSize(const std::vector<int>& value);
+
+    /// A new sample rate that goes with a new frame size: unlike `setSampleRate` it keeps the samples held.
+    void setSampleRateForFrameSizeChange(const double& value);
+
+    // ---- Plain stores: no comparison, nothing is marked. ----
+
+    void setAllowTransientAveraging(const bool& value) { allowTransientAveraging = value; }
+    void setUseWelchForFilterBankTransient(const bool& value) { useWelchForFilterBankTransient = value; }
+    void setUseHalideForFIRPolyphaseAnalysis(const bool& value) { useHalideForFIRPolyphaseAnalysis = value; }
+    void setOutputFrequencyVector(const std::size_t& value) { outputFrequencyVector = value; }
+    void setEnableMaxSegmentLengthThreshold(const bool& value) { enableMaxSegmentLengthThreshold = value; }
+    /// Off: every frame gives a spectrum, from a growing segment until the first one is whole.
+    void setEnableDesiredSegmentLengthThreshold(const bool& value) { enableDesiredSegmentLengthThreshold = value; }
+    void setUseNaNsInCalculatingAverages(const bool& value) { useNaNsInCalculatingAverages = value; }
+    void setFullScaleOverflow(const bool& value) { fullScaleOverflow = value; }
+    void setIsProcessingNewData(const bool& value) { isProcessingNewData = value; }
+    void setUseCachedSpectrumData(const bool& value) { useCachedSpectrumData = value; }
+    void setPropertyChanged(const bool& value) { propertyChanged = value; }
+    void setResetAveragingStates(const bool& value) { resetAveragingStates = value; }
+    void setResetFilterbankStates(const bool& value) { resetFilterbankStates = value; }
+    void setResetMaxMinHoldStates(const bool& value) { resetMaxMinHoldStates = value; }
+    void setFlushSpectrumBuffer(const bool& value) { flushSpectrumBuffer = value; }
+    void setResetSignalBuffers(const bool& value) { resetSignalBuffers = value; }
+
+    // ---- Life cycle. ----
+
+    /// Works out all derived quantities and makes the stores; then the estimator is locked. Vectors have an entry a
+    /// signal; numChannels are raw counts, isComplex 0 or 1. isProcessingNewData is false while recorded frames are
+    /// played again: then, unless a setter changed something, the rows of the last update are given out as they are.
+    void setup(const int& numSignals, const std::vector<int>& frameSize, const std::vector<int>& unbufferedFrameSize,
+               const std::vector<int>& numChannels, const std::vector<int>& isComplex, const bool& isProcessingNewData);
+
+    /// Unlocks, so that the next frame sets up anew. A full reset, or a setter that asked for it, also begins the
+    /// counters and the fill of the segments anew; a full reset restarts averages, hold traces and the buffer as well.
+    void release(const bool& fullReset);
+
+    /// One frame of one signal of time data.
+    /// data    [raw channels * frame size] the channels one after the other, of a complex signal the real parts of all
+    ///         channels before the imaginary parts; no leading block
+    /// out     resized and filled when the frame completes an update, else left as it is
+    /// returns the record, whose isNewDataReady stays set from an update to the beginning of the next one
+    /// No allocation in steady state. Once S and the number of segments rest, O(segments * C * N log N).
+    const spectrumEstimatorMetaDataStruct& computeSpectrum(const double* data, std::vector<double>& out,
+                                                           const int& signal);
+
+    /// One frame of one signal of spectra: units are converted, hold traces kept. Every frame is an update.
+    const spectrumEstimatorMetaDataStruct& processSpectrum(const double* data, std::vector<double>& out,
+                                                           const int& signal);
+
+    const spectrumEstimatorMetaDataStruct& getSpectrumMetaData() const { return metaData; }
+    /// For the publisher of the record, which hands the flag resetCachedNumSamplesProcessed on once.
+    void clearResetCachedNumSamplesProcessed() { metaData.resetCachedNumSamplesProcessed = false; }
+
+    /// Zeroes both transform buffers if locked on time input.
+    void resetFFTResources();
+    /// Zeroes averages and their weights if `force`, or if they are marked and the estimator is not locked.
+    void resetAveragingResources(const bool& force);
+    /// Fills the hold traces that are on with -infinity (maximum) and +infinity (minimum), if they are marked.
+    void resetMaxAndMinHoldResources();
+
+    // ---- What the settings amount to. ----
+
+    double getSampleRate() const { return sampleRate; }
+    double getDeltaFrequency() const { return deltaFrequency; }
+    /// Hz, of the last update.
+    double getRBW() const { return transientRBW; }
+    std::size_t getTotalNumChannels() const { return totalNumChannels; }
+    /// Channels of a signal; those of a complex signal are half its raw count.
+    std::size_t getNumChannels(const int& signal) const;
+    int getFrameSize(const int& signal) const;
+    int getUnbufferedFrameSize(const int& signal) const;
+    std::string getInputDataType(const int& signal) const;
+    const std::vector<double>& getWindowData() const { return windowData; }
+    const std::vector<double>& getFilterbankPolyphaseMatrix() const { return filterbankPolyphaseMatrix; }
+    /// L of the last update.
+    std::size_t getSegmentLength() const { return transientSegmentLength; }
+    std::size_t getNumOverlapSamples() const { return numOverlapSamples; }
+    double getENBW() const { return enbw; }
+    double getWindowPower() const { return windowPower; }
+
+    bool getUseCachedSpectrumData() const { return useCachedSpectrumData; }
+    bool getResetAveragingStates() const { return resetAveragingStates; }
+    bool needToResetSignalBuffers() const { return resetSignalBuffers; }
+    bool isPropertyChanged() const { return propertyChanged; }
+    bool isLocked() const { return isLocked_; }
+    bool isFrequencyInputDomain() const { return inputDomain == InputDomain::frequency; }
+    bool isFilterbankMode() const { return method == Method::filterBank; }
+    bool isTwoSidedSpectrum() const { return frequencyRange == FrequencyRange::centered; }
+    bool isFrequencySpanFull() const { return frequencySpan == FrequencySpan::full; }
+    bool isFrequencySpanSpanAndCenterFrequency() const {
+        return frequencySpan == FrequencySpan::spanAndCenterFrequency;
+    }
+    bool isFrequencySpanStartAndStopFrequencies() const {
+        return frequencySpan == FrequencySpan::startAndStopFrequencies;
+    }
+    bool isFrequencyResolutionMethodRBW() const { return frequencyResolutionMethod == FrequencyResolutionMethod::rbw; }
+    bool isFrequencyResolutionMethodWindowLength() const {
+        return frequencyResolutionMethod == FrequencyResolutionMethod::windowLength;
+    }
+    bool isFrequencyResolutionMethodNumFrequencyBands() const {
+        return frequencyResolutionMethod == FrequencyResolutionMethod::numFrequencyBands;
+    }
+    bool isRectangularWindow() const { return window == Window::rectangular; }
+    bool isExponentialAveraging() const { return averagingMethod == AveragingMethod::exponential; }
+    bool isVBWAveraging() const { return averagingMethod == AveragingMethod::vbw; }
+    bool isRunningAveraging() const { return averagingMethod == AveragingMethod::running; }
+    bool isAutoFullScale() const { return autoFullScale; }
+    bool isAnyInputComplex() const;
+    bool isZoomFFTEnabled() const;
+    bool isFrequencyVectorTrimmed() const;
+    bool isDesiredSegmentLengthMet(const bool& flag) const;
+
+    /// True once a changed property has been worked in and the feature is on.
+    bool isShowSpectrogramPropertyChangeProcessed() const { return !propertyChanged && showSpectrogram; }
+    bool isFilterBankPropertyChangeProcessed() const { return !propertyChanged && isFilterbankMode(); }
+    bool isPlotAsTwoSidedSpectrumPropertyChangedProcessed() const { return !propertyChanged && isTwoSidedSpectrum(); }
+    bool isPlotMaxMinHoldPropertyChangedProcessed() const { return !propertyChanged && isAnyHoldTraceOn(); }
+
+    /// Index of a channel in stores that hold the channels of all signals.
+    std::size_t getChannelBufferIdx(const int& signal, const std::size_t& channel) const;
+    std::size_t getFrequencyVectorSize() const;
+    /// Values that an output of `n` channels has.
+    std::size_t getOutputDataSize(const std::size_t& n) const;
+    /// Position in the output of a channel's row for a segment.
+    std::size_t getOutputDataIdx(const std::size_t& channel, const std::size_t& segment) const;
+    std::size_t getNumSpectrumBlocks() const;
+    std::size_t getNumSpectrogramLines() const;
+    double getSpan() const;
+    double getCenterFrequency() const;
+    double getStartFrequency() const;
+    double getStopFrequency() const;
+    double getTimeResolution() const;
+    /// The shortest time resolution that the RBW allows, s.
+    double getMinTimeResolution() const { return 1.0 / transientRBW; }
+
+    /// Whether the settings make sense at a sample rate: at least two resolution bandwidths in the span.
+    bool isValidSampleRate(const double& rate) const;
+    /// L that these settings give, without a `setup`; they are taken over as by their setters.
+    std::size_t getTargetSegmentLength(const bool& autoRBW, const double& rbw, const double& sampleRate);
+    /// Asks for `n` samples a segment, as a resolution of its own would.
+    void setSegmentLength(const std::size_t& n);
+
+    // ---- Windows. ----
+
+    /// Periodic windows of n points over theta = 2 pi k / n; w is resized to n. For n = 1, w[0] = 1.
+    ///   hann             0.5 - 0.5 cos theta
+    ///   hamming          0.54 - 0.46 cos theta
+    ///   blackmanharris   0.35875 - 0.48829 cos theta + 0.14128 cos 2 theta - 0.01168 cos 3 theta
+    ///   flattop          0.21557895 - 0.41663158 cos theta + 0.277263158 cos 2 theta - 0.083578947 cos 3 theta
+    ///                    + 0.006947368 cos 4 theta
+    static void hann(std::vector<double>& w, const std::size_t& n);
+    static void hamming(std::vector<double>& w, const std::size_t& n);
+    static void blackmanharris(std::vector<double>& w, const std::size_t& n);
+    static void flattop(std::vector<double>& w, const std::size_t& n);
+    /// Symmetric Dolph-Chebyshev window with equal side lobes `attenuation` dB down, the largest value 1, by a direct
+    /// series. n = 2 keeps what w holds, new elements being 1. An attenuation below 0 dB gives NaN.
+    static void chebyshev(std::vector<double>& w, const std::size_t& n, const double& attenuation);
+    /// Symmetric Kaiser window  I0(beta sqrt(1 - (2 r / (n - 1))^2)) / I0(beta),  r from the centre, with
+    ///   beta = 0.1102 (a - 8.7) for a > 50 dB; 0.5842 (a - 21)^0.4 + 0.07886 (a - 21) from 21 dB on; 0 below.
+    /// Throws std::overflow_error for an attenuation whose Bessel function has no double (about 6450 dB).
+    static void kaiser(std::vector<double>& w, const std::size_t& n, const double& attenuation);
+
+    /// Makes the window in use for n samples: all ones for the filter bank; a custom one keeps its own length.
+    void computeWindowData(const std::size_t& n);
+    /// Makes that window and works out its equivalent noise bandwidth in bins,  n sum(w^2) / (sum w)^2,  1 for a
+    /// rectangular one.
+    void computeENBW(const std::size_t& n);
+    /// sum(w^2); the number of elements for a rectangular window and for the filter bank.
+    void computeWindowPower();
+
+    // ---- Averaging: forgetting factor, video bandwidth and number of averages. ----
+
+    /// t = 2 pi (vbw enbw / rbw);  1 - t / (t + 1)
+    double vbw2ForgettingFactor(const double& vbw) const;
+    /// (1 - ff) rbw / (2 pi ff enbw); half the sample rate for a factor of 0.
+    double forgettingFactor2VBW(const double& ff) const;
+    /// 1 - 2 / (n + 1)
+    static double spectralAverages2ForgettingFactor(const std::size_t& n);
+    double spectralAverages2VBW(const std::size_t& n) const;
+    /// ceil(2 / (1 - ff) - 1); 100 for a factor of 1.
+    std::size_t forgettingFactor2SpectralAverages(const double& ff) const;
+    std::size_t vbw2SpectralAverages(const double& vbw) const;
+    bool isAveragingDisallowed() const;
+
+    // ---- Units. ----
+
+    bool isWatts() const;
+    bool isdBScale() const;
+    bool isdBFS() const;
+    double getdBmFactor() const;
+    double getFullScale(const int& signal) const;
+    /// ohm; 1 for rms spectra and for levels below full scale.
+    double getReferenceLoad() const;
+    bool isFloatingPointInput(const int& signal) const;
+    /// True if spectra that come in already have the unit that goes out, at a load that changes nothing. The sense is
+    /// the opposite of the name, and meant: `processSpectrum` reads it so.
+    bool isFrequencyInputDomainScalingRequired() const;
+    /// Factor from the square of a transform's magnitude to power or density in W or W/Hz.
+    double getSpectrumScaleValue() const;
+
+    // ---- Filter bank. ----
+
+    /// Waiting for the bank to fill, 2 group delays; hybrid mode shows Welch spectra meanwhile.
+    bool isFilterbankInTransientState() const;
+    bool isFilterbankInHybridMode() const;
+    bool isFilterbankInSteadyState() const;
+    bool isFilterbankInSteadyStateStart() const;
+
+    /// Lowpass for a decimation by `factor` of 2 * halfLength * factor taps: a sinc cut at 1 / (2 factor) of the sample
+    /// rate under a Kaiser window. Stored branch by branch: element n at (n mod factor) * 2 halfLength + n / factor.
+    void designMultirateFIR(std::vector<double>& h, const std::size_t& factor, const std::size_t& halfLength,
+                            const double& attenuation) const;
+
+private:
+    /// What a setter that changed something marks, besides that it did.
+    enum Mark : unsigned {
+        changed = 1U,
+        averaging = 2U,
+        filterbank = 4U,
+        holdTraces = 8U,
+        signalBuffers = 16U,
+        everything = 31U,
+    };
+
+    /// What a window was built from.
+    struct WindowKey {
+        Window window;
+        std::size_t length;
+        double attenuation;
+        bool operator==(const WindowKey&) const = default;
+    };
+
+    template <class T>
+    bool assign(T& field, const T& value, unsigned marks);
+    template <class T>
+    bool assignLocked(T& field, const T& value, unsigned marks);
+    void mark(unsigned marks);
+
+    // Derived quantities, in the order in which setup works them out.
+    void computeTotalNumChannels();
+    void allocateTimeDomainResources();
+    void allocateFrequencyDomainResources();
+    void computeSpan();
+    void computeDesiredRBW();
+    void computeZoomFFTDecimationFactor();
+    void computeActualSampleRate();
+    void computeDesiredSegmentLength();
+    double computeSegmentLengthForRBW();
+    double computeENBWForSearch(std::size_t n);
+    void computeActualSegmentLength();
+    void computeActualRBW();
+    void computeFFTLength();
+    void computeFrequencyVector();
+    void computeDeltaFrequency();
+    void computeFrequencyVectorRange();
+    void computeSpectrumLength();
+    void computeNumOverlapSamples();
+    void computeDesiredNumSamplesPerUpdate();
+    void computeActualNumSamplesPerUpdate();
+    std::size_t oneSidedLength() const;
+    std::size_t toCount(double value) const;
+    std::size_t frequencyRangeStart() const { return isFrequencyVectorTrimmed() ? frequencyVectorRange[0] : 0; }
+    bool isZoomInUse() const { return zoomFFTEnabled && !isFrequencyInputDomain(); }
+    bool isAnyHoldTraceOn() const { return plotMaxHoldTrace || plotMinHoldTrace; }
+    bool isPlainFilterbank() const { return isFilterbankMode() && !isFilterbankInHybridMode(); }
+    bool isLastSignal(const int& signal) const { return signal + 1 >= numSignals; }
+
+    // The record.
+    void updateSpectrumMetaData();
+    void updateComputedSpectrumMetaData();
+    void updateProcessedSpectrumMetaData();
+    void copyFrequencyVector(double* to, std::size_t count) const;
+
+    // Welch.
+    void setupBuffer();
+    double bufferOverlapPercent() const { return isFilterbankMode() || isZoomInUse() ? 0.0 : overlapPercent; }
+    void allocateWelchResources();
+    void allocateFFTResources();
+    void repeatCachedSpectrum(std::vector<double>& out, const int& signal);
+    void addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& numChannels,
+                                 const std::size_t& frameSize, const bool& isComplex);
+    std::size_t getNumSegments(const std::size_t& bufferIndex) const;
+    std::size_t computeTransientSegmentLength(const std::size_t& bufferIndex) const;
+    double computeTransientRBW(const std::size_t& length) const;
+    void computeTransientNumSamplesPerUpdate();
+    void beginTransientUpdate(bool ready);
+    void computeSegments(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+    void finishFrame(bool ready);
+    void addFrequencyVectorToOutputBuffer(std::vector<double>& out) const;
+    void addDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void addWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void computePSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
+    void computeTwoSidedPSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
+    void computeOneSidedPSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
+    bool isDCOrNyquist(std::size_t k, const bool& isEvenLength) const;
+    void cacheSpectrum(const std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+
+    // Zoom.
+    void allocateZoomFFTResources();
+    void computeZoomSegment(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
+
+    // Averaging and hold traces.
+    void allocateAveragingResources();
+    void allocateMaxAndMinHoldResources();
+    void computeActualForgettingFactor();
+    void computeActualVBW();
+    void computeActualSpectralAverages();
+    void computeExponentialAverage(std::vector<double>& out, const int& signal, const std::size_t& numChannels,
+                                   const std::size_t& segment);
+    void computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const int& signal, const std::size_t& numChannels,
+                                      const std::size_t& segment);
+    void computeMaxAndMinHoldTraceSpectrum(const std::vector<double>& out, const int& signal,
+                                           const std::size_t& numChannels);
+
+    // Spectrogram.
+    void allocateSpectrogramResources();
+    void computeActualTimeResolution();
+    void computeNumSegmentsPerBlock();
+    void computeTimeIncrement();
+    void computeActualTimeSpan();
+    void aggregateSpectrum(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+
+    // Scaling.
+    void scaleSpectrum(std::vector<double>& out, const int& signal, const std::size_t& numChannels) const;
+    void scaleMaxMinHoldTraceSpectrum(const int& signal, const std::size_t& numChannels);
+    void scaleFrequencyDomainSpectrum(std::vector<double>& out) const;
+
+    // Filter bank.
+    void allocateFilterbankResources();
+    void computeFIRFilterGroupDelay();
+
+    // Options.
+    InputDomain inputDomain = InputDomain::time;
+    SpectrumType spectrumType = SpectrumType::power;
+    Method method = Method::welch;
+    FrequencyRange frequencyRange = FrequencyRange::centered;
+    FrequencyResolutionMethod frequencyResolutionMethod = FrequencyResolutionMethod::rbw;
+    FrequencySpan frequencySpan = FrequencySpan::full;
+    Window window = Window::hann;
+    AveragingMethod averagingMethod = AveragingMethod::exponential;
+    SpectrumUnits spectrumUnits = SpectrumUnits::dbm;
+    SpectrumUnits inputUnits = SpectrumUnits::dbm;
+    bool autoRBW = true;
+    bool autoVBW = true;
+    bool autoTimeSpan = true;
+    bool autoTimeResolution = true;
+    bool autoFFTLength = true;
+    bool autoFrequencyVector = true;
+    bool autoFullScale = true;
+    bool windowInvariantSamplesPerUpdate = false;
+    bool plotMinHoldTrace = false;
+    bool plotMaxHoldTrace = false;
+    bool useHalideForFIRPolyphaseAnalysis = true;
+    bool showSpectrum = true;
+    bool showSpectrogram = false;
+    bool allowTransientAveraging = true;
+    bool useWelchForFilterBankTransient = false;
+    bool enableMaxSegmentLengthThreshold = false;
+    bool enableDesiredSegmentLengthThreshold = true;
+    bool useNaNsInCalculatingAverages = false;
+    bool fullScaleOverflow = false;
+    double sampleRate = 10000.0;
+    double rbw = 10.0;
+    double sidelobeAttenuation = 60.0;
+    double overlapPercent = 0.0;
+    double referenceLoad = 1.0;
+    double fullScale = 1.0;
+    double timeSpan = 0.1;
+    double timeResolution = 0.001;
+    double forgettingFactor = 0.9;
+    double vbw = 10.0;
+    double startFrequency = -1000.0;
+    double stopFrequency = 1000.0;
+    double spanProperty = 10000.0;
+    double centerFrequency = 0.0;
+    std::size_t fftLength = 1024;
+    std::size_t windowLength = 1024;
+    std::size_t minimumSegmentLength = 1;
+    std::size_t maximumSegmentLength = 1000000;
+    std::size_t defaultSegmentLength = 1024;
+    std::size_t spectralAverages = 1;
+    std::size_t spectrogramChannel = 0;
+    std::size_t numTapsPerBand = 12;
+    std::size_t outputFrequencyVector = 1;  ///< rows in front of the channels: 1 with the frequency grid
+    std::vector<std::string> inputDataType;
+    std::vector<double> inputRange;
+    std::vector<double> customWindow;
+    std::vector<double> frequencyOffset;
+    int numSignals = 0;
+    std::vector<int> numChannels;  ///< raw counts
+    std::vector<int> frameSize;
+    std::vector<int> unbufferedFrameSize;
+    std::vector<int> isComplex;  ///< 0 or 1
+    bool isProcessingNewData = true;
+    bool useCachedSpectrumData = false;
+
+    // Derived.
+    double actualSampleRate = 10000.0;
+    double span = 10000.0;
+    double fullSpan = 10000.0;
+    double desiredRBW = 9.76;
+    double actualRBW = 9.76;
+    double transientRBW = 9.76;
+    double enbw = 1.0;
+    double windowPower = 0.0;
+    double actualTimeSpan = 0.1;
+    double actualTimeResolution = 0.001;
+    double timeIncrement = 1.0;
+    double blockFraction = 0.0;  ///< share of a segment by which a spectrogram line misses the resolution asked for
+    double deltaFrequency = 0.0;
+    double actualForgettingFactor = 0.9;
+    double actualVBW = 10.0;
+    std::size_t actualFFTLength = 1024;
+    std::size_t actualSegmentLength = 1024;
+    std::size_t transientSegmentLength = 1024;
+    std::size_t desiredSegmentLength = 1024;
+    std::size_t transientNumSamplesPerUpdate = 1024;
+    std::size_t actualNumSamplesPerUpdate = 1024;
+    std::size_t desiredNumSamplesPerUpdate = 1024;
+    std::size_t numOverlapSamples = 0;
+    std::size_t totalNumChannels = 0;
+    std::size_t spectrumLength = 1024;
+    std::size_t numSegmentsPerBlock = 1;
+    std::size_t numSpectrogramLines = 100;
+    std::size_t actualSpectralAverages = 1;
+    std::size_t firGroupDelay = 1024;
+    std::size_t zoomDecimationFactor = 1;
+    bool zoomFFTEnabled = false;
+    bool linearFrequencyVector = true;
+    bool maxSegmentLengthMet = false;
+    std::vector<double> frequencyVector;  ///< the grid in use, also the one that a user gave
+    std::array<std::size_t, 2> frequencyVectorRange{0, 0};
+    std::vector<double> windowData;
+    std::vector<double> filterbankPolyphaseMatrix;
+
+    // State.
+    std::mutex mutex;
+    bool isLocked_ = false;
+    bool overlapChanged = false;
+    bool propertyChanged = false;
+    bool resetAveragingStates = true;
+    bool resetFilterbankStates = true;
+    bool resetMaxMinHoldStates = true;
+    bool resetSignalBuffers = false;
+    bool flushSpectrumBuffer = true;
+    bool desiredSegmentLengthMet = false;
+    bool dataHasNaNs = false;
+    std::size_t numSegments = 1;
+    std::size_t numSpectrumBlocks = 1;
+    std::size_t numSamplesProcessed = 0;
+    std::size_t numUpdatesProcessed = 0;
+    std::size_t totalNumSamplesProcessed = 0;
+    std::optional<SpectrumBuffer> spectrumBuffer;
+    spectrumEstimatorMetaDataStruct metaData;
+    std::vector<double> averagedSpectrum;
+    std::vector<double> averagingWeights;
+    std::vector<double> maxHoldPSD;
+    std::vector<double> minHoldPSD;
+    std::vector<double> spectrogramCarry;
+
+    std::optional<WindowKey> builtWindow;  ///< what windowData was built from, unless it is a custom one
+    std::vector<std::pair<WindowKey, double>> knownENBWs;  ///< lengths tried for an RBW; windows take long to build
+
+    // Scratch.
+    SpectrumTransform transform;
+    std::vector<double> rowScratch;
+};
+
+}  // namespace dspwavedecks

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <memory>
+
+#include "fftbridge.h"
+
+namespace dspwavedecks {
+
+/// Input and output buffers for forward transforms of several channels at once, one channel after the other, with the
+/// plans that run on them.
+class SpectrumTransform {
+public:
+    /// Makes both buffers anew for `channels` transforms of `length` points and fills them with zeros. Old buffers are
+    /// given back; plans of other lengths stay at hand.
+    void allocate(std::size_t channels, std::size_t length);
+    /// Fills both buffers with zeros.
+    void reset();
+
+    /// Transforms the first `channels` channels, at most as many as there are.
+    void execute(std::size_t channels);
+
+    std::size_t length() const { return points; }
+    /// [length()] complex samples of a channel below the count allocated, the real and imaginary parts in turn.
+    double* input(std::size_t channel) { return in.get() + 2 * points * channel; }
+    const double* output(std::size_t channel) const { return out.get() + 2 * points * channel; }
+
+private:
+    struct Free {
+        void operator()(double* buffer) const noexcept { fftbridge::fftwApi::free(buffer); }
+    };
+    using Buffer = std::unique_ptr<double[], Free>;
+
+    static Buffer makeBuffer(std::size_t count);
+
+    // State.
+    std::size_t numChannels = 0;
+    std::size_t points = 0;
+    fftbridge::FftContext context;
+    fftbridge::FftPlanCache planCache;
+
+    // Scratch.
+    Buffer in;
+    Buffer out;
+};
+
+}  // namespace dspwavedecks
