@@ -37,14 +37,14 @@ struct ComplexSource {
 
 /// Grows by doubling, so that a run that is appended to for long is not copied with every frame.
 template <class Sample>
-void reserveForAppending(AlignedVector<Sample>& run, std::size_t needed) {
+void reserveForAppending(SampleVector<Sample>& run, std::size_t needed) {
     if (needed > run.capacity()) {
         run.reserve(std::max(needed, 2 * run.capacity()));
     }
 }
 
 template <class Sample, class Source>
-void appendSamples(AlignedVector<Sample>& run, const Source& source, std::size_t first, std::size_t count) {
+void appendSamples(SampleVector<Sample>& run, const Source& source, std::size_t first, std::size_t count) {
     const std::size_t held = run.size();
     run.resize(held + count);
     source.copy(first, count, run.data() + held);
@@ -122,7 +122,7 @@ void SpectrumBuffer::addData(const double* data, const std::size_t& channel, con
 
 /// Begins a segment with what it shares with the one before, or with zeros if there is none.
 template <class Sample>
-void SpectrumBuffer::openSegment(AlignedVector<Sample>& run) const {
+void SpectrumBuffer::openSegment(SampleVector<Sample>& run) const {
     const std::size_t held = run.size();
     run.resize(held + numOverlapSamples);
     if (held == 0) {
@@ -134,7 +134,7 @@ void SpectrumBuffer::openSegment(AlignedVector<Sample>& run) const {
 }
 
 template <class Sample, class Source>
-void SpectrumBuffer::append(AlignedVector<Sample>& run, const Source& source, std::size_t numSamples) const {
+void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const {
     const std::size_t L = segmentLength;
     const std::size_t hop = L > numOverlapSamples ? L - numOverlapSamples : 1;
     reserveForAppending(run, run.size() + numSamples + (numSamples / hop + 2) * numOverlapSamples);

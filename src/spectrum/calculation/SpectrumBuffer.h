@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "AlignedVector.h"
+#include "SampleVector.h"
 
 namespace dspwavedecks {
 
@@ -77,12 +77,12 @@ public:
 
 private:
     template <class Sample>
-    using Runs = std::vector<AlignedVector<Sample>>;
+    using Runs = std::vector<SampleVector<Sample>>;
 
     template <class Sample, class Source>
-    void append(AlignedVector<Sample>& run, const Source& source, std::size_t numSamples) const;
+    void append(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const;
     template <class Sample>
-    void openSegment(AlignedVector<Sample>& run) const;
+    void openSegment(SampleVector<Sample>& run) const;
 
     // Options.
     std::size_t numSignals = 1;  ///< kept for its readers, nothing depends on it

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "AlignedVector.h"
+#include "SampleVector.h"
 #include "SpectrumBuffer.h"
 #include "SpectrumEstimatorEnum.h"
 #include "SpectrumTransform.h"
