@@ -1,0 +1,19 @@
+#include "SignalReader.h"
+
+namespace program {
+
+void SignalReader::separate(const double* interleaved, std::size_t n, const SignalFacts& facts,
+                            std::vector<double>& frame) {
+    const auto columns = static_cast<std::size_t>(facts.rows());
+    const auto channels = static_cast<std::size_t>(facts.channels);
+    frame.resize(columns * n);
+    for (std::size_t row = 0; row < columns; ++row) {
+        const std::size_t column = facts.isComplex ? 2 * (row % channels) + row / channels : row;
+        double* out = frame.data() + row * n;
+        for (std::size_t i = 0; i < n; ++i) {
+            out[i] = interleaved[i * columns + column];
+        }
+    }
+}
+
+}  // namespace program

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace program {
+
+/// What is known of a signal before its first sample is read.
+struct SignalFacts {
+    std::string name;                     ///< as the person wrote it
+    std::string format;                   ///< container and type of a sample
+    std::string scale;                    ///< how stored numbers become values
+    double sampleRate = 0.0;              ///< Hz
+    int channels = 0;                     ///< a complex channel counts once
+    bool isComplex = false;               ///< each channel has a real and an imaginary part
+    std::optional<std::uint64_t> length;  ///< sample times, when the source knows it
+
+    /// Rows of a frame: one a channel, two a complex channel.
+    int rows() const { return isComplex ? 2 * channels : channels; }
+};
+
+/// A source of sample values: a sound file, raw samples, a test signal.
+class SignalReader {
+public:
+    virtual ~SignalReader() = default;
+    SignalReader() = default;
+    SignalReader(const SignalReader&) = delete;
+    SignalReader& operator=(const SignalReader&) = delete;
+
+    const SignalFacts& facts() const { return facts_; }
+
+    /// Reads the next frame of at most `points` sample times.
+    /// frame  [rows * n] row after row without gaps: one row of n values a channel; of a complex signal the rows of all
+    ///        real parts, then the rows of all imaginary parts. Values that are not finite pass as they are.
+    /// returns n; below `points` only where the signal ends or a stop was asked for, 0 behind its end
+    virtual std::size_t read(std::size_t points, std::vector<double>& frame) = 0;
+
+    /// What could not be used as it stood: samples that the header promises and the file lacks, part of a sample at the
+    /// end. One sentence each, complete once the end was reached.
+    const std::vector<std::string>& notes() const { return notes_; }
+
+protected:
+    /// Turns interleaved samples into rows.
+    /// interleaved  [n * columns] the values of one sample time side by side; of a complex signal each real part is
+    ///              followed by its imaginary part
+    static void separate(const double* interleaved, std::size_t n, const SignalFacts& facts,
+                         std::vector<double>& frame);
+
+    SignalFacts facts_;
+    std::vector<std::string> notes_;
+};
+
+}  // namespace program

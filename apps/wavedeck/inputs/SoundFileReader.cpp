@@ -1,0 +1,128 @@
+#include "SoundFileReader.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "EngineeringNumber.h"
+#include "StopRequest.h"
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+std::string formatName(int command, int format) {
+    SF_FORMAT_INFO info{};
+    info.format = format;
+    sf_command(nullptr, command, &info, sizeof info);
+    return info.name != nullptr ? info.name : "unknown";
+}
+
+bool storesFloatingPoint(int subtype) {
+    return subtype == SF_FORMAT_FLOAT || subtype == SF_FORMAT_DOUBLE;
+}
+
+/// The bytes of sample data that the header promises beyond those in the file, as libsndfile's log of the header tells:
+/// a line "data : PROMISED (should be PRESENT)". Streamed files promise all ones or nothing at all; that counts as
+/// not known.
+std::uint64_t missingBytes(SNDFILE* file) {
+    std::array<char, 16384> log{};
+    sf_command(file, SFC_GET_LOG_INFO, log.data(), static_cast<int>(log.size()));
+    for (const auto& line : split(log.data(), '\n')) {
+        const auto name = line.substr(0, 4);
+        const auto at = line.find("(should be ");
+        if ((name != "data" && name != "SSND") || at == std::string::npos) {
+            continue;
+        }
+        const auto colon = line.find(':');
+        const auto promised = std::strtoull(line.c_str() + colon + 1, nullptr, 10);
+        const auto present = std::strtoull(line.c_str() + at + std::strlen("(should be "), nullptr, 10);
+        constexpr unsigned long long streamed = 0x7FFFF000;
+        if (promised > present && promised < streamed) {
+            return promised - present;
+        }
+    }
+    return 0;
+}
+
+void checkReadable(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        throw UsageError(path + ": " + std::strerror(errno));
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw UsageError(path + ": is a directory");
+    }
+}
+
+}  // namespace
+
+SoundFileReader::SoundFileReader(const std::string& path, double factor) : factor_(factor) {
+    checkReadable(path);
+    SF_INFO info{};
+    file_.reset(sf_open(path.c_str(), SFM_READ, &info));
+    if (!file_) {
+        std::string why = sf_strerror(nullptr);
+        while (!why.empty() && (why.back() == '.' || why.back() == '\n')) {
+            why.pop_back();
+        }
+        throw UsageError(path + ": not a sound file that can be read (" + why +
+                         "); raw samples need --format and --rate");
+    }
+    if (info.channels < 1 || info.samplerate < 1) {
+        throw UsageError(path + ": the header names no channel or no sample rate");
+    }
+    const int subtype = info.format & SF_FORMAT_SUBMASK;
+    facts_.name = path;
+    facts_.format = formatName(SFC_GET_FORMAT_MAJOR, info.format & SF_FORMAT_TYPEMASK) + ", " +
+                    formatName(SFC_GET_FORMAT_SUBTYPE, subtype);
+    facts_.scale = storesFloatingPoint(subtype) ? "values as stored" : "full scale is 1";
+    if (factor != 1.0) {
+        facts_.scale += ", times " + formatQuantity(factor, "", 15);
+    }
+    facts_.sampleRate = info.samplerate;
+    facts_.channels = info.channels;
+    if (info.seekable != 0 && info.frames >= 0) {
+        facts_.length = static_cast<std::uint64_t>(info.frames);
+    }
+    if (const auto missing = missingBytes(file_.get()); missing > 0) {
+        notes_.push_back(path + ": the file is cut short: its header promises " + std::to_string(missing) +
+                         " more bytes of samples; what is there is used");
+    }
+}
+
+std::size_t SoundFileReader::read(std::size_t points, std::vector<double>& frame) {
+    const auto channels = static_cast<std::size_t>(facts_.channels);
+    interleaved_.resize(points * channels);
+    std::size_t n = 0;
+    while (n < points && !ended_ && !StopRequest::requested()) {
+        const auto got =
+            sf_readf_double(file_.get(), interleaved_.data() + n * channels, static_cast<sf_count_t>(points - n));
+        ended_ = got <= 0;
+        n += got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
+    samplesRead_ += n;
+    if (ended_) {
+        noteMissingSamples();
+    }
+    if (factor_ != 1.0) {
+        for (std::size_t i = 0; i < n * channels; ++i) {
+            interleaved_[i] *= factor_;
+        }
+    }
+    separate(interleaved_.data(), n, facts_, frame);
+    return n;
+}
+
+void SoundFileReader::noteMissingSamples() {
+    if (facts_.length && samplesRead_ < *facts_.length && notes_.empty()) {
+        notes_.push_back(facts_.name + ": the file is cut short: " + std::to_string(*facts_.length) +
+                         " samples promised, " + std::to_string(samplesRead_) + " there; what is there is used");
+    }
+}
+
+}  // namespace program

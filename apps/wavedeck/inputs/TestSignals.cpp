@@ -1,0 +1,50 @@
+#include "TestSignals.h"
+
+#include <algorithm>
+#include <array>
+
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+struct Kind {
+    std::string_view name;
+    SignalFunction (*make)(SignalSpecification&, const SignalFrame&);
+    bool hasComplexForm;
+};
+
+constexpr std::array<Kind, 12> kinds{{
+    {"tone", makeTone, true},
+    {"twotone", makeTwoTone, true},
+    {"multitone", makeMultitone, true},
+    {"noise", makeNoise, true},
+    {"chirp", makeChirp, true},
+    {"square", makeSquare, false},
+    {"pulse", makePulse, false},
+    {"ramp", makeRamp, false},
+    {"am", makeAmplitudeModulation, true},
+    {"fm", makeFrequencyModulation, true},
+    {"phasenoise", makePhaseNoise, true},
+    {"step", makeStep, false},
+}};
+
+}  // namespace
+
+SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFrame& frame) {
+    const auto* kind =
+        std::find_if(kinds.begin(), kinds.end(), [&](const Kind& entry) { return entry.name == specification.name(); });
+    if (kind == kinds.end()) {
+        std::string names;
+        for (const auto& entry : kinds) {
+            names += ' ' + std::string(entry.name);
+        }
+        throw UsageError("gen:" + specification.name() + ": no such test signal; there are" + names);
+    }
+    if (frame.isComplex && !kind->hasComplexForm) {
+        throw UsageError("gen:" + specification.name() + ": has no complex form");
+    }
+    return kind->make(specification, frame);
+}
+
+}  // namespace program

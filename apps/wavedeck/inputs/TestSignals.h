@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "SignalSpecification.h"
+
+namespace program {
+
+/// Writes one channel of a test signal: sample i of the spans is the value at index first + i. The imaginary span is
+/// empty for a real signal.
+using SignalFunction =
+    std::function<void(std::uint64_t first, int channel, std::span<double> real, std::span<double> imaginary)>;
+
+/// What a signal is made for.
+struct SignalFrame {
+    double sampleRate;  ///< Hz
+    bool isComplex;
+    int channels;
+    std::uint64_t seed;
+};
+
+/// Makes the signal of a specification. Throws UsageError for an unknown name, an unknown key, a value out of range,
+/// and for a complex form where a signal has none.
+SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFrame& frame);
+
+/// The makers by kind; each accepts its keys in the specification.
+/// Sinusoids are A cos(2 pi f t + phase) and A exp(j(2 pi f t + phase)); t is index / sample rate.
+SignalFunction makeTone(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeTwoTone(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeMultitone(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeChirp(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeAmplitudeModulation(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeFrequencyModulation(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeNoise(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makePhaseNoise(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeSquare(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makePulse(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeRamp(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeStep(SignalSpecification& specification, const SignalFrame& frame);
+
+/// The fraction of a cycle, 0 to 1, that a frequency has gone through at an index: frac(frequency * index / rate). The
+/// product is formed to twice the precision, so that the fraction stays exact to rounding after any number of samples.
+inline double cycleFraction(double frequency, std::uint64_t index, double rate) {
+    const auto n = static_cast<double>(index);
+    const double product = frequency * n;
+    const double lost = std::fma(frequency, n, -product);
+    const double whole = std::floor(product / rate);
+    const double fraction = (std::fma(-whole, rate, product) + lost) / rate;
+    return fraction - std::floor(fraction);
+}
+
+}  // namespace program

@@ -1,0 +1,163 @@
+// Sound files and raw samples, sound and damaged.
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string>
+
+#include "UsageError.h"
+#include "openInput.h"
+
+namespace {
+
+class FileInput : public ::testing::Test {
+protected:
+    FileInput() : folder_(::testing::TempDir() + "wavedeck_inputs_" + std::to_string(getpid()) + "/") {
+        std::filesystem::create_directories(folder_);
+    }
+    ~FileInput() override { std::filesystem::remove_all(folder_); }
+
+    std::string write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(folder_ + name, std::ios::binary) << bytes;
+        return folder_ + name;
+    }
+
+    /// A WAV file of 16-bit samples: the canonical header of 44 bytes, then the samples.
+    std::string writeWav(const std::string& name, const std::vector<std::int16_t>& samples, int channels) const {
+        SF_INFO info{};
+        info.samplerate = 8000;
+        info.channels = channels;
+        info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+        SNDFILE* file = sf_open((folder_ + name).c_str(), SFM_WRITE, &info);
+        sf_write_short(file, samples.data(), static_cast<sf_count_t>(samples.size()));
+        sf_close(file);
+        return folder_ + name;
+    }
+
+    const std::string& folder() const { return folder_; }
+
+private:
+    std::string folder_;
+};
+
+std::string errorOf(const std::string& input, const program::InputOptions& options) {
+    try {
+        program::openInput(input, options);
+    } catch (const program::UsageError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST_F(FileInput, SoundFileComesChannelByChannelInFramesOfAnySize) {
+    const auto path = writeWav("two.wav", {1, -1, 2, -2, 3, -3, 4, -4, 32767, -32768}, 2);
+    for (const std::size_t points : {1U, 2U, 3U, 5U, 64U}) {
+        const auto reader = program::openInput(path, {});
+        EXPECT_EQ(reader->facts().sampleRate, 8000.0);
+        EXPECT_EQ(reader->facts().channels, 2);
+        EXPECT_EQ(reader->facts().length, 5U);
+        std::vector<double> left;
+        std::vector<double> right;
+        std::vector<double> frame;
+        while (const auto n = reader->read(points, frame)) {
+            ASSERT_EQ(frame.size(), 2 * n);
+            left.insert(left.end(), frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(n));
+            right.insert(right.end(), frame.begin() + static_cast<std::ptrdiff_t>(n), frame.end());
+        }
+        EXPECT_EQ(left, (std::vector<double>{1 / 32768.0, 2 / 32768.0, 3 / 32768.0, 4 / 32768.0, 32767 / 32768.0}));
+        EXPECT_EQ(right, (std::vector<double>{-1 / 32768.0, -2 / 32768.0, -3 / 32768.0, -4 / 32768.0, -1.0}));
+        EXPECT_TRUE(reader->notes().empty());
+    }
+}
+
+TEST_F(FileInput, TruncatedWavGivesWhatIsThereAndSaysSo) {
+    const auto path = writeWav("cut.wav", std::vector<std::int16_t>(100, 7), 1);
+    std::filesystem::resize_file(path, 44 + 41);  // half a sample behind 20 whole ones
+    const auto reader = program::openInput(path, {});
+    std::vector<double> frame;
+    EXPECT_EQ(reader->read(1000, frame), 20U);
+    EXPECT_EQ(reader->read(1000, frame), 0U);
+    ASSERT_EQ(reader->notes().size(), 1U);
+    EXPECT_NE(reader->notes()[0].find("cut short"), std::string::npos);
+}
+
+TEST_F(FileInput, UnusableFilesAreRefusedInOneLine) {
+    const auto wav = writeWav("head.wav", {1, 2, 3}, 1);
+    std::filesystem::resize_file(wav, 30);
+    const program::InputOptions raw{"s16", "8k", "", ""};
+    const std::tuple<std::string, program::InputOptions, const char*> rows[] = {
+        {folder() + "none.wav", {}, "none.wav: No such file or directory"},
+        {folder(), {}, "is a directory"},
+        {folder(), raw, "is a directory"},
+        {write("text.wav", "a text file\n"), {}, "text.wav: not a sound file"},
+        {write("empty.wav", ""), {}, "empty.wav: not a sound file"},
+        {wav, {}, "head.wav: not a sound file"},
+        {folder() + "none.raw", raw, "none.raw: No such file or directory"},
+        {"-", {}, "standard input: raw samples need --format"},
+        {"x.raw", {"s16", "", "", ""}, "x.raw: raw samples need --rate"},
+        {"x.raw", {"s17", "8k", "", ""}, "--format: `s17` is none of f32 f64"},
+        {"x.raw", {"s16", "0", "", ""}, "--rate: 0 is not above 0"},
+        {"x.raw", {"s16", "8kHz", "", ""}, "--rate: `8kHz` is not a number"},
+        {"x.raw", {"s16", "8k", "0", ""}, "--channels: `0` is not a whole number"},
+    };
+    for (const auto& [input, options, expected] : rows) {
+        const auto error = errorOf(input, options);
+        EXPECT_NE(error.find(expected), std::string::npos) << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+    }
+}
+
+template <typename Number>
+std::string bytesOf(std::initializer_list<Number> numbers) {
+    return {reinterpret_cast<const char*>(numbers.begin()), numbers.size() * sizeof(Number)};
+}
+
+TEST_F(FileInput, RawFormatsDecodeToTheirScale) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    const std::tuple<const char*, std::string, std::vector<double>> rows[] = {
+        {"f32", bytesOf<float>({0.25F, -infinity}), {0.25, -INFINITY}},
+        {"f64", bytesOf<double>({0.1, nan}), {0.1, nan}},
+        {"s16", bytesOf<std::int16_t>({-32768, 16384}), {-1.0, 0.5}},
+        {"u8", bytesOf<std::uint8_t>({0, 192}), {-1.0, 0.5}},
+        // Real parts, then imaginary parts.
+        {"cf32", bytesOf<float>({1, 2, 3, 4}), {1, 3, 2, 4}},
+        {"cf64", bytesOf<double>({1, 2, 3, 4}), {1, 3, 2, 4}},
+        {"cs16", bytesOf<std::int16_t>({16384, -16384}), {0.5, -0.5}},
+        {"cs8", bytesOf<std::int8_t>({-128, 64}), {-1.0, 0.5}},
+        {"cu8", bytesOf<std::uint8_t>({0, 255}), {-127.5 / 128, 127.5 / 128}},
+    };
+    for (const auto& [format, bytes, values] : rows) {
+        const auto reader = program::openInput(write("samples.raw", bytes), {format, "1M", "", ""});
+        std::vector<double> frame;
+        reader->read(10, frame);
+        ASSERT_EQ(frame.size(), values.size()) << format;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(frame[i]), std::bit_cast<std::uint64_t>(values[i])) << format;
+        }
+    }
+}
+
+TEST_F(FileInput, RawComplexChannelsAndScaleAndRest) {
+    // Two complex channels, two sample times, and three bytes more.
+    const auto path = write("iq.raw", bytesOf<std::int8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 9, 9}));
+    const auto reader = program::openInput(path, {"cs8", "2M", "2", "128"});
+    EXPECT_EQ(reader->facts().length, 2U);
+    std::vector<double> frame;
+    EXPECT_EQ(reader->read(1, frame), 1U);
+    EXPECT_EQ(frame, (std::vector<double>{1, 3, 2, 4}));
+    EXPECT_TRUE(reader->notes().empty());
+    EXPECT_EQ(reader->read(5, frame), 1U);
+    EXPECT_EQ(frame, (std::vector<double>{5, 7, 6, 8}));
+    ASSERT_EQ(reader->notes().size(), 1U);
+    EXPECT_NE(reader->notes()[0].find("the last 3 bytes"), std::string::npos);
+    EXPECT_EQ(reader->read(5, frame), 0U);
+    EXPECT_EQ(reader->notes().size(), 1U);
+}
+
+}  // namespace
