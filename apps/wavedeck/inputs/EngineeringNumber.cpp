@@ -80,6 +80,14 @@ double readNumber(std::string_view name, std::string_view text) {
     return *value;
 }
 
+double readPositiveNumber(std::string_view name, std::string_view text) {
+    const double value = readNumber(name, text);
+    if (!(value > 0.0) || std::isinf(value)) {
+        throw UsageError(std::string(name) + ": " + std::string(text) + " is not above 0 and finite");
+    }
+    return value;
+}
+
 long long readWholeNumber(std::string_view name, std::string_view text, long long smallest) {
     const auto value = parseWholeNumber(text);
     if (!value || *value < smallest) {
@@ -87,18 +95,6 @@ long long readWholeNumber(std::string_view name, std::string_view text, long lon
                          std::to_string(smallest));
     }
     return *value;
-}
-
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    for (;;) {
-        const auto at = text.find(separator);
-        parts.emplace_back(text.substr(0, at));
-        if (at == std::string_view::npos) {
-            return parts;
-        }
-        text.remove_prefix(at + 1);
-    }
 }
 
 std::string formatQuantity(double value, std::string_view unit, int digits) {

@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace program {
 
@@ -18,11 +17,11 @@ std::optional<long long> parseWholeNumber(std::string_view text);
 /// As parseNumber, for a value that has a name: throws UsageError "NAME: `TEXT` is not a number ...".
 double readNumber(std::string_view name, std::string_view text);
 
+/// As readNumber, for a value that must be above 0 and finite.
+double readPositiveNumber(std::string_view name, std::string_view text);
+
 /// As parseWholeNumber, with the smallest value allowed; throws UsageError.
 long long readWholeNumber(std::string_view name, std::string_view text, long long smallest);
-
-/// The parts of a text between separators; an empty text has one empty part.
-std::vector<std::string> split(std::string_view text, char separator);
 
 /// A value with its unit as an instrument shows it: 48000, "Hz" gives "48 kHz". Prefixes n u m k M G T for the units
 /// that take one; dB, %, and counts stay as they are. digits: significant digits, trailing zeros dropped.

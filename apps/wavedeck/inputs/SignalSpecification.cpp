@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "EngineeringNumber.h"
+#include "TextLists.h"
 #include "UsageError.h"
 
 namespace program {
@@ -49,14 +50,12 @@ void SignalSpecification::refuseUnknownKeys() const {
         if (values_.contains(key) || std::find(words_.begin(), words_.end(), key) != words_.end()) {
             continue;
         }
-        std::string known;
+        auto known = words_;
         for (const auto& entry : values_) {
-            known += ' ' + entry.first;
+            known.push_back(entry.first);
         }
-        for (const auto& entry : words_) {
-            known += ' ' + entry;
-        }
-        throw UsageError("gen:" + name_ + ": no key `" + key + "`; it has" + known);
+        std::sort(known.begin(), known.end());
+        throw UsageError("gen:" + name_ + ": no key `" + key + "`; it has " + join(known, " "));
     }
 }
 
@@ -85,11 +84,7 @@ std::string SignalSpecification::word(std::string_view key, std::span<const std:
     const auto given = given_.find(key);
     const auto value = given == given_.end() ? std::string(allowed.front()) : given->second;
     if (std::find(allowed.begin(), allowed.end(), value) == allowed.end()) {
-        std::string all;
-        for (const auto entry : allowed) {
-            all += ' ' + std::string(entry);
-        }
-        fail(key, "`" + value + "` is none of" + all);
+        fail(key, "`" + value + "` is none of " + join(allowed, " "));
     }
     return value;
 }

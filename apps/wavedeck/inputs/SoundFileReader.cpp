@@ -10,6 +10,7 @@
 
 #include "EngineeringNumber.h"
 #include "StopRequest.h"
+#include "TextLists.h"
 #include "UsageError.h"
 
 namespace program {

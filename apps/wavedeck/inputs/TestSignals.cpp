@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "TextLists.h"
 #include "UsageError.h"
 
 namespace program {
@@ -35,11 +36,11 @@ SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFr
     const auto* kind =
         std::find_if(kinds.begin(), kinds.end(), [&](const Kind& entry) { return entry.name == specification.name(); });
     if (kind == kinds.end()) {
-        std::string names;
+        std::vector<std::string_view> names;
         for (const auto& entry : kinds) {
-            names += ' ' + std::string(entry.name);
+            names.push_back(entry.name);
         }
-        throw UsageError("gen:" + specification.name() + ": no such test signal; there are" + names);
+        throw UsageError("gen:" + specification.name() + ": no such test signal; there are " + join(names, " "));
     }
     if (frame.isComplex && !kind->hasComplexForm) {
         throw UsageError("gen:" + specification.name() + ": has no complex form");

@@ -1,7 +1,5 @@
 #include "openInput.h"
 
-#include <cmath>
-
 #include "EngineeringNumber.h"
 #include "RawReader.h"
 #include "SampleFormat.h"
@@ -11,14 +9,6 @@
 
 namespace program {
 namespace {
-
-double readPositive(const std::string& name, const std::string& text) {
-    const double value = readNumber(name, text);
-    if (!(value > 0.0) || std::isinf(value)) {
-        throw UsageError(name + ": " + text + " is not above 0 and finite");
-    }
-    return value;
-}
 
 std::unique_ptr<SignalReader> openRaw(const std::string& input, const InputOptions& options, double factor) {
     const std::string shown = input == "-" ? "standard input" : input;
@@ -37,14 +27,14 @@ std::unique_ptr<SignalReader> openRaw(const std::string& input, const InputOptio
     if (channels > mostChannels) {
         throw UsageError("--channels: " + options.channels + " is more than " + std::to_string(mostChannels));
     }
-    return std::make_unique<RawReader>(input, *format, readPositive("--rate", options.rate), static_cast<int>(channels),
-                                       factor);
+    return std::make_unique<RawReader>(input, *format, readPositiveNumber("--rate", options.rate),
+                                       static_cast<int>(channels), factor);
 }
 
 }  // namespace
 
 std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOptions& options) {
-    const double factor = options.scale.empty() ? 1.0 : readPositive("--scale", options.scale);
+    const double factor = options.scale.empty() ? 1.0 : readPositiveNumber("--scale", options.scale);
     constexpr std::string_view generated = "gen:";
     if (input.starts_with(generated)) {
         return std::make_unique<TestSignalReader>(input.substr(generated.size()));

@@ -1,0 +1,78 @@
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "EngineeringNumber.h"
+#include "Report.h"
+
+namespace program {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json number(double value) {
+    return std::isfinite(value) ? Json(value) : Json(formatQuantity(value, ""));
+}
+
+Json toJson(const ReportValue& value) {
+    Json json = std::visit(
+        [](const auto& held) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, double>) {
+                return number(held);
+            } else {
+                return Json(held);
+            }
+        },
+        value.value);
+    if (!value.unit.empty()) {
+        return {{"value", std::move(json)}, {"unit", value.unit}};
+    }
+    return json;
+}
+
+Json toJson(const ReportTable& table) {
+    Json rows = Json::array();
+    for (const auto& row : table.rows) {
+        Json object = Json::object();
+        for (std::size_t column = 0; column < table.columns.size(); ++column) {
+            const auto& [key, label, unit] = table.columns[column];
+            object[key] = toJson(ReportValue{key, label, row[column], unit});
+        }
+        rows.push_back(std::move(object));
+    }
+    return rows;
+}
+
+Json toJson(const ReportSection& section) {
+    Json json = Json::object();
+    for (const auto& value : section.values) {
+        json[value.key] = toJson(value);
+    }
+    for (const auto& table : section.tables) {
+        json[table.key] = toJson(table);
+    }
+    for (const auto& part : section.sections) {
+        json[part.key] = toJson(part);
+    }
+    return json;
+}
+
+Json toJson(const std::vector<ReportSection>& sections) {
+    Json list = Json::array();
+    for (const auto& section : sections) {
+        list.push_back(toJson(section));
+    }
+    return list;
+}
+
+}  // namespace
+
+std::string reportAsJson(const Report& report) {
+    const Json json{{"inputs", toJson(report.inputs)},
+                    {"decks", toJson(report.decks)},
+                    {"warnings", report.warnings},
+                    {"ended", report.ended}};
+    // Names of files may hold bytes that are no UTF-8.
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace program
