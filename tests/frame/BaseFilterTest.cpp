@@ -1,0 +1,148 @@
+#include "BaseFilter.h"
+
+#include <gtest/gtest.h>
+
+#include "Board.h"
+#include "TestClient.h"
+#include "streamplug/Exceptions.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::TestClient;
+
+class PlainFilter : public BaseFilter {
+public:
+    PlainFilter() { registerUsualActions(); }
+    void setPropertiesOnSetup(const PropertyList& list) override {
+        BaseFilter::setPropertiesOnSetup(list);
+        setPropertiesImpl(list);
+    }
+    using BaseFilter::isRangeInFrame;
+    using BaseFilter::numSignals;
+    using BaseFilter::totalNumChannels;
+    using BaseFilter::updateFilterSignalAndChannel;
+};
+
+class DerivedFilter : public PlainFilter {
+public:
+    void setPropertiesImpl(const PropertyList& list) override {
+        PlainFilter::setPropertiesImpl(list);
+        ++calls;
+    }
+    int calls = 0;
+};
+
+TEST(BaseFilter, answersItsActions) {
+    TestClient client({3, 5});
+    client->setIsComplex({0, 1});
+    DerivedFilter filter;
+    EXPECT_THROW(filter.tuneImpl(PropertyList().addInt("measurementSignal", 1)),
+                 streamplug::kit::array::OptionNotFound);
+    filter.tuneImpl(TestClient::list("unknown"));
+    filter.tuneImpl(TestClient::list("onRollback"));
+    EXPECT_EQ(0, filter.calls);
+    filter.tuneImpl(client.setup().addInt("measurementSignal", 1).addInt("measurementChannel", 2));
+    EXPECT_EQ(1, filter.calls);
+    EXPECT_EQ("client", filter.getClientID());
+    EXPECT_EQ(2, filter.numSignals);
+    EXPECT_EQ(3u + 2u, filter.totalNumChannels);
+    EXPECT_TRUE(filter.isLastSignal(1));
+    EXPECT_FALSE(filter.isLastSignal(0));
+    filter.rollbackImpl(TestClient::tune());  // the same table
+    EXPECT_EQ(2, filter.calls);
+
+    client.numChannels = {7, 4};
+    filter.tuneImpl(client.sizeChange());
+    EXPECT_EQ(5u, filter.totalNumChannels);
+    EXPECT_EQ(9u, filter.getTotalNumChannels());
+}
+
+TEST(BaseFilter, countsSignalsInWhole) {
+    TestClient client;
+    PlainFilter filter;
+    PropertyList list = TestClient::list("setup");
+    filter.tuneImpl(list.addChar("clientID", "client")
+                        .addInts("numChannels", {})
+                        .addInts("frameSize", {})
+                        .addDouble("numSignals", 2.9));
+    EXPECT_EQ(2, filter.numSignals);
+    EXPECT_EQ(0u, filter.getTotalNumChannels());
+    EXPECT_EQ(0u, filter.getNumPointsPerChannel(1));  // no such signal, nothing in hand
+}
+
+TEST(BaseFilter, setupNeedsTheFactsOfTheHost) {
+    TestClient client;
+    for (const char* missing : {"clientID", "numChannels", "frameSize", "numSignals"}) {
+        PropertyList list;
+        for (const auto* property : client.setup()) {
+            if (std::string(property->getName()) != missing) {
+                list.add(property->getName(),
+                         dynamic_cast<const streamplug::kit::array::PropertyEvent&>(*property).getValue());
+            }
+        }
+        PlainFilter filter;
+        EXPECT_THROW(filter.tuneImpl(list), streamplug::kit::array::OptionNotFound) << missing;
+    }
+}
+
+TEST(BaseFilter, knowsTheLayoutOfTheBuffer) {
+    const struct {
+        int channels, isComplex;
+        std::vector<bool> marks;
+        unsigned long inputLength, points;
+    } rows[] = {
+        {3, 0, {false}, 40, 10}, {3, 0, {true}, 40, 5},   {3, 1, {true}, 40, 10}, {3, 0, {}, 40, 10},
+        {0, 0, {true}, 40, 40},  {-1, 0, {}, 40, 40 / 1}, {2, 0, {}, 2, 0},
+    };
+    for (const auto& row : rows) {
+        TestClient client({row.channels});
+        client->setIsComplex({row.isComplex});
+        PlainFilter filter;
+        filter.tuneImpl(client.setup().addLogicals("magPhaseData", row.marks));
+        filter.setInputLength(row.inputLength);
+        EXPECT_EQ(row.channels < 0 ? 0 : row.points, filter.getNumPointsPerChannel(0)) << row.channels;
+    }
+    TestClient client({3});
+    PlainFilter filter;
+    filter.tuneImpl(client.setup());
+    filter.setInputLength(40);
+    const auto range = [&](int channel) {
+        filter.tuneImpl(TestClient::tune().addInt("measurementChannel", channel));
+        return filter.getDataRange(0);
+    };
+    EXPECT_EQ((std::vector<unsigned long>{20, 30}), range(1));
+    EXPECT_TRUE(filter.isRangeInFrame(range(2)));
+    EXPECT_FALSE(filter.isRangeInFrame(range(3)));
+    EXPECT_FALSE(filter.isRangeInFrame(range(-2)));
+    EXPECT_FALSE(filter.isRangeInFrame(range(-100)));
+}
+
+TEST(BaseFilter, keepsTheBoardOverASecondSetup) {
+    TestClient client;
+    PlainFilter filter;
+    filter.tuneImpl(client.setup().addInt("measurementChannel", 3).addInt("measurementSignal", 0));
+    filter.updateFilterSignalAndChannel();
+    filter.tuneImpl(client.setup());
+    const auto package = BaseFilter::packageImpl(client.name());
+    EXPECT_EQ(0, package->getValue<int>("signal"));
+    EXPECT_EQ(3, package->getValue<int>("channel"));
+
+    *client.board().find(BaseFilter::measurementChannel) = std::string("another type");
+    filter.updateFilterSignalAndChannel();  // writes nothing
+    EXPECT_EQ(0, BaseFilter::packageImpl(client.name())->getValue<int>("channel"));
+}
+
+TEST(BaseFilter, readsItsSpans) {
+    TestClient client;
+    PlainFilter filter;
+    EXPECT_TRUE(filter.getForceComputeSpan());
+    EXPECT_FALSE(filter.getCustomSpan());
+    filter.tuneImpl(client.setup().addDouble("customSpan", -1.0).addLogical("autoSpan", true));
+    EXPECT_TRUE(filter.getCustomSpan());
+    EXPECT_EQ(-1.0, filter.getCustomSpanSeconds());
+    EXPECT_TRUE(filter.getAutoSpan());
+}
+
+}  // namespace
+}  // namespace dspwavedecks

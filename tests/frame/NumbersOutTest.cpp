@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include <boost/lexical_cast.hpp>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <sstream>
+
+#include "JsonArrays.h"
+#include "NumberText.h"
+#include "QueryStructure.h"
+
+namespace dspwavedecks {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+TEST(NumberText, isTheLexicalCast) {
+    EXPECT_EQ("nan", numberText(std::copysign(nan, 1.0)));
+    EXPECT_EQ("-nan", numberText(std::copysign(nan, -1.0)));
+    EXPECT_EQ("3", numberText(3.0));
+    EXPECT_EQ("0.10000000000000001", numberText(0.1));
+    EXPECT_EQ("10", numberText(10ul));
+    std::uint64_t state = 1;
+    for (const double value :
+         {0.0, -0.0, infinity, -infinity, 1e16, 1e17, 123456789.0, 1e-5, 5e-324, 1.7976931348623157e308}) {
+        EXPECT_EQ(boost::lexical_cast<std::string>(value), numberText(value));
+    }
+    for (int i = 0; i < 20000; ++i) {
+        state = state * 6364136223846793005u + 1442695040888963407u;
+        double value;
+        std::memcpy(&value, &state, sizeof value);
+        if (std::isfinite(value)) {
+            ASSERT_EQ(boost::lexical_cast<std::string>(value), numberText(value));
+        }
+    }
+}
+
+std::string text(const Poco::JSON::Array::Ptr& array) {
+    std::ostringstream stream;
+    array->stringify(stream);
+    return stream.str();
+}
+
+TEST(JsonArrays, replaceWhatIsNotFinite) {
+    const double values[] = {1, nan, 3, infinity, -infinity, -0.5};
+    std::vector<int> places;
+    Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
+    JsonArrayWriter writer(*array);
+    writer.append(std::vector<int>{7});
+    writer.appendFinite(values, 6, 0, places);
+    writer.appendFinite(values, 2, 0.0, places);
+    writer.appendShifted(values, 1, 10);
+    writer.finish();
+    EXPECT_EQ("[7,1,0,3,0,0,-0.5,1,0,11]", text(array));
+    EXPECT_EQ((std::vector<int>{2, 4, 5, 8}), places);
+    EXPECT_TRUE(array->get(2).isInteger());
+    EXPECT_TRUE(array->get(8).isNumeric() && !array->get(8).isInteger());
+}
+
+TEST(JsonArrays, areWrittenOverOnceTheMessageIsGone) {
+    JsonArrayPool pool;
+    const auto fill = [&](const std::vector<double>& values) {
+        Poco::JSON::Array::Ptr array = pool.take(values.size());
+        std::vector<int> places;
+        JsonArrayWriter writer(*array);
+        writer.appendFinite(values.data(), values.size(), 0, places);
+        writer.finish();
+        return array;
+    };
+    Poco::JSON::Array::Ptr held = fill({1, 2, 3});
+    Poco::JSON::Array::Ptr second = fill({4, nan, 6});
+    EXPECT_NE(held.get(), second.get());
+    const Poco::JSON::Array* const recycled = second.get();
+    second = nullptr;
+    second = fill({7, 8.5});  // shorter, and a number where an integer stood
+    EXPECT_EQ(recycled, second.get());
+    EXPECT_EQ("[7,8.5]", text(second));
+    EXPECT_EQ("[1,2,3]", text(held));
+    second = nullptr;
+    second = fill({1, 2, 3, 4, 5});
+    EXPECT_EQ("[1,2,3,4,5]", text(second));
+    second = nullptr;
+    EXPECT_EQ("[]", text(fill({})));
+}
+
+TEST(QueryStructure, fillsItsFields) {
+    QueryStructure structure({"A", "B", "C", "D"});
+    structure.setDouble("A", 1.5);
+    structure.setColumn("B", {1, 2, 3});
+    structure.setLogical("C", true);
+    structure.setText("D", "text");
+    EXPECT_THROW(structure.setDouble("E", 1.0), numbench::Exception);
+    const NbArrayPointer result(structure.release());
+    EXPECT_EQ(1.5, nbGetScalar(nbGetField(result.get(), 0, "A")));
+    const nbArray* const column = nbGetField(result.get(), 0, "B");
+    EXPECT_EQ(3u, nbGetRows(column));
+    EXPECT_EQ(1u, nbGetColumns(column));
+    EXPECT_EQ(3.0, nbGetDoubles(column)[2]);
+    EXPECT_TRUE(nbIsLogical(nbGetField(result.get(), 0, "C")));
+    EXPECT_EQ("text", nbArrayToStdString(nbGetField(result.get(), 0, "D")));
+    EXPECT_EQ(4, nbGetNumberOfFields(result.get()));
+}
+
+}  // namespace
+}  // namespace dspwavedecks

@@ -1,0 +1,157 @@
+#include "OptionReaders.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "OptionTable.h"
+#include "streamplug/Exceptions.h"
+
+namespace dspwavedecks {
+namespace {
+
+using foundation::numbenchdata::Array;
+using foundation::numbenchdata::ArrayFactory;
+using streamplug::kit::array::OptionInvalidValue;
+using streamplug::kit::array::OptionNotExpectedType;
+using streamplug::kit::array::OptionNotFound;
+
+const Array aDouble = ArrayFactory::createDouble({2.5});
+const Array doubles = ArrayFactory::createDouble({1, 2});
+const Array anInt = ArrayFactory::createInt({7});
+const Array ints = ArrayFactory::createInt({7, 8});
+const Array noInts = ArrayFactory::createInt({});
+const Array aLogical = ArrayFactory::createLogical({true});
+const Array logicals = ArrayFactory::createLogical({true, false});
+const Array aText = ArrayFactory::createChar(std::string("hann"));
+const Array wideText = ArrayFactory::createChar(std::u16string(u"\u0080"));
+const Array aString = ArrayFactory::createString({u"rms"});
+const Array wideString = ArrayFactory::createString({u"a", u"\u00e9"});
+const Array missing = ArrayFactory::createString({std::nullopt});
+const Array strings = ArrayFactory::createString({u"a", u"b"});
+const Array cell = ArrayFactory::createCell({aText, aText});
+const Array mixedCell = ArrayFactory::createCell({aText, aDouble});
+const Array stringCell = ArrayFactory::createCell({aString});
+
+struct NotAnEvent : streamplug::interfaces::IPropertyInfo {
+    const char* getName() const override { return "x"; }
+};
+
+using Reader = std::function<void(const PropertyList&)>;
+const Reader u16 = [](const PropertyList& list) { readU16StringOption(list, "x"); };
+const Reader text = [](const PropertyList& list) { readStringOption(list, "x"); };
+const Reader number = [](const PropertyList& list) { readDoubleOption(list, "x"); };
+const Reader integer = [](const PropertyList& list) { readIntOption(list, "x"); };
+const Reader logical = [](const PropertyList& list) { readBoolOption(list, "x"); };
+const Reader integers = [](const PropertyList& list) { readIntVectorOption(list, "x"); };
+const Reader numbers = [](const PropertyList& list) { readDoubleVectorOption(list, "x"); };
+const Reader truths = [](const PropertyList& list) { readBoolVectorOption(list, "x"); };
+const Reader texts = [](const PropertyList& list) { readStringVectorOption(list, "x"); };
+const Reader either = [](const PropertyList& list) { readDoubleOrIntOption(list, "x"); };
+
+template <class Exception>
+void expectThrow(const Reader& reader, const PropertyList& list, const std::string& expected) {
+    try {
+        reader(list);
+        ADD_FAILURE() << "nothing thrown, expected " << expected;
+    } catch (const Exception& exception) {
+        EXPECT_EQ(expected, exception.what());
+    }
+}
+
+TEST(OptionReaders, sayWhatIsWrongWithAValue) {
+    const std::string type = "Option: x was not the expected type";
+    const std::string scalar = "Option: x was not a scalar";
+    const std::string charOrString = "Option: x was not a char or string";
+    const std::string list = "Option: x was not a cell array of chars or a string array";
+    const struct {
+        const Reader& reader;
+        const Array& value;
+        const std::string& text;
+    } rows[] = {
+        {number, anInt, type},    {number, doubles, scalar},      {number, aLogical, type},
+        {integer, aDouble, type}, {integer, ints, scalar},        {integer, noInts, scalar},
+        {logical, aDouble, type}, {logical, logicals, scalar},    {integers, doubles, type},
+        {numbers, ints, type},    {truths, ints, type},           {numbers, aText, type},
+        {u16, strings, scalar},   {u16, aDouble, charOrString},   {u16, cell, charOrString},
+        {text, strings, scalar},  {text, aLogical, charOrString}, {text, missing, charOrString},
+        {texts, aText, list},     {texts, mixedCell, list},       {texts, stringCell, list},
+        {texts, missing, list},   {texts, doubles, list},         {either, doubles, scalar},
+        {either, ints, scalar},   {either, aText, type},
+    };
+    for (const auto& row : rows) {
+        expectThrow<OptionNotExpectedType>(row.reader, PropertyList().add("x", row.value), row.text);
+    }
+    for (const Reader& reader : {u16, text, number, integer, logical, integers, numbers, truths, texts, either}) {
+        expectThrow<OptionNotFound>(reader, PropertyList().addInt("X", 1).addInt("xx", 1), "Option: x was not found");
+        PropertyList other;
+        other.add(std::make_shared<NotAnEvent>());
+        expectThrow<OptionNotExpectedType>(reader, other, "Option: x was not the expected PropertyEvent");
+    }
+    const std::string ascii = "Option: x value had non-ASCII characters";
+    expectThrow<OptionInvalidValue>(text, PropertyList().add("x", wideText), ascii);
+    expectThrow<OptionInvalidValue>(texts, PropertyList().add("x", wideString), ascii);
+}
+
+TEST(OptionReaders, readWhatSuitsThem) {
+    const auto list = [](const Array& value) { return PropertyList().add("x", value).addDouble("x", 9); };
+    EXPECT_EQ(2.5, readDoubleOption(list(aDouble), "x"));
+    EXPECT_EQ(7, readIntOption(list(anInt), "x"));
+    EXPECT_TRUE(readBoolOption(list(aLogical), "x"));
+    EXPECT_EQ(7.0, readDoubleOrIntOption(list(anInt), "x"));
+    EXPECT_EQ(2.5, readDoubleOrIntOption(list(aDouble), "x"));
+    EXPECT_EQ("hann", readStringOption(list(aText), "x"));
+    EXPECT_EQ("rms", readStringOption(list(aString), "x"));
+    EXPECT_EQ(u"\u0080", readU16StringOption(list(wideText), "x"));
+    EXPECT_EQ(std::vector<int>(), readIntVectorOption(list(noInts), "x"));
+    EXPECT_EQ((std::vector<double>{1, 2}), readDoubleVectorOption(list(doubles), "x"));
+    EXPECT_EQ((std::vector<bool>{true, false}), readBoolVectorOption(list(logicals), "x"));
+    EXPECT_EQ((std::vector<std::string>{"hann", "hann"}), readStringVectorOption(list(cell), "x"));
+    EXPECT_EQ((std::vector<std::string>{"a", "b"}), readStringVectorOption(list(strings), "x"));
+    EXPECT_FALSE(hasOption(list(aDouble), "xx"));
+}
+
+TEST(TruncateTo, losesTheFractionAndSaturates) {
+    EXPECT_EQ(2, truncateTo<int>(2.9));
+    EXPECT_EQ(-2, truncateTo<int>(-2.9));
+    EXPECT_EQ(0, truncateTo<int>(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_EQ(2147483647, truncateTo<int>(2147483647.5));
+    EXPECT_EQ(2147483647, truncateTo<int>(2147483648.0));
+    EXPECT_EQ(-2147483647 - 1, truncateTo<int>(-1e300));
+    EXPECT_EQ(0u, truncateTo<unsigned long>(-1.0));
+    EXPECT_EQ(~0ul, truncateTo<unsigned long>(18446744073709551616.0));
+}
+
+namespace rows {
+constexpr catalogue::Option length = catalogue::wholeNumber("length", "", "", "");
+constexpr catalogue::Option name = catalogue::text("name", "", "");
+constexpr catalogue::Option marks = catalogue::logicals("marks", "", "");
+}  // namespace rows
+
+struct Taker {
+    void setLength(const unsigned long& value) { length = value; }
+    unsigned long length = 0;
+};
+
+TEST(OptionTable, bringsValuesToVariablesSettersAndCallables) {
+    Taker taker;
+    std::vector<bool> marks = {true};
+    std::string name;
+    const auto read = [&](const PropertyList& list) {
+        readOptions(list, required<rows::length>(taker.length),  //
+                    ifPresent<rows::length>(taker, &Taker::setLength), ifPresent<rows::marks>(marks),
+                    ifPresent<rows::name>([&](const std::string& value) { name = "<" + value + ">"; }));
+    };
+    read(PropertyList().addDouble("length", 1024.75).addChar("name", "n"));
+    EXPECT_EQ(1024u, taker.length);
+    EXPECT_EQ("<n>", name);
+    EXPECT_EQ(std::vector<bool>{true}, marks);
+    EXPECT_THROW(read(PropertyList().addChar("name", "m")), OptionNotFound);
+    EXPECT_THROW(read(PropertyList().addDouble("length", 3).addInt("marks", 1).addChar("name", "m")),
+                 OptionNotExpectedType);
+    EXPECT_EQ(3u, taker.length);  // the rows before the fault are done, those behind it not
+    EXPECT_EQ("<n>", name);
+}
+
+}  // namespace
+}  // namespace dspwavedecks
