@@ -33,6 +33,23 @@ void PropertyList::add(std::shared_ptr<const IPropertyInfo> property) {
     properties_.push_back(std::move(property));
 }
 
+PropertyList& PropertyList::append(const PropertyList& other) {
+    const std::size_t count = other.properties_.size();  // the other list may be this one
+    for (std::size_t i = 0; i < count; ++i) {
+        add(std::shared_ptr<const IPropertyInfo>(other.properties_[i]));
+    }
+    return *this;
+}
+
+const IPropertyInfo* PropertyList::find(const std::string& name) const {
+    for (const IPropertyInfo* property : pointers_) {
+        if (name == property->getName()) {
+            return property;
+        }
+    }
+    return nullptr;
+}
+
 PropertyList& PropertyList::add(const std::string& name, const Array& value) {
     add(std::make_shared<kit::array::PropertyEvent>(name, value));
     return *this;

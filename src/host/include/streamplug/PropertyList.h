@@ -60,6 +60,12 @@ public:
     /// Appends a property; the list keeps it alive.
     void add(std::shared_ptr<const IPropertyInfo> property);
 
+    /// Appends all properties of another list, which both lists then keep alive.
+    PropertyList& append(const PropertyList& other);
+
+    /// The first property of that name, or null.
+    const IPropertyInfo* find(const std::string& name) const;
+
     /// Appends an option `name` with the given value.
     PropertyList& add(const std::string& name, const foundation::numbenchdata::Array& value);
 

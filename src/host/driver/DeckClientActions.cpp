@@ -1,0 +1,134 @@
+#include <algorithm>
+
+#include "ActionLists.h"
+#include "Chain.h"
+#include "DeckClient.h"
+#include "Display.h"
+#include "FactsCheck.h"
+#include "HistoryDisplay.h"
+#include "SampleStream.h"
+
+namespace wavedeck::driver {
+
+void DeckClient::act(Stage& stage, const PropertyList& list, const Action& action) {
+    if (const auto shows = logicalOption(list, "showSpectrogram")) {
+        showsSpectrogram_ = *shows;
+    }
+    try {
+        action(*stage.object);
+    } catch (...) {
+        finishAction(stage);  // what the stage did before it threw stands
+        throw;
+    }
+    finishAction(stage);
+}
+
+void DeckClient::finishAction(const Stage& stage) {
+    refreshChannelCounts();
+    if (!stage.object->isReadOnly()) {
+        display_->dropOutputs();
+    }
+}
+
+void DeckClient::setUp(Stage& stage) {
+    stage.isSetUp = false;
+    const PropertyList list = setupList(context(), stage, stage.options);
+    act(stage, list, [&](WaveDeckTransformImpl& object) { object.tuneImpl(list); });
+    stage.isSetUp = true;
+}
+
+void DeckClient::setup() {
+    const std::lock_guard lock(mutex_);
+    if (!info_->isDataSourceRepository()) {
+        stream_->restart();
+        display_->dropAll();
+        updatePeriods_ = 0;
+        isNew_ = false;
+    }
+    for (Stage& stage : chain_->stages()) {
+        stage.isSetUp = false;
+    }
+    for (Stage& stage : chain_->stages()) {
+        setUp(stage);
+    }
+}
+
+void DeckClient::setup(const std::string& name, const PropertyList& options) {
+    const std::lock_guard lock(mutex_);
+    Stage& stage = chain_->find(name);
+    stage.options = options;
+    setUp(stage);
+}
+
+void DeckClient::tune(const std::string& name, const PropertyList& options) {
+    const std::lock_guard lock(mutex_);
+    send(chain_->find(name), tuneList(context(), options));
+}
+
+void DeckClient::sendAsIs(const std::string& name, const PropertyList& list) {
+    const std::lock_guard lock(mutex_);
+    send(chain_->find(name), list);
+}
+
+void DeckClient::send(Stage& stage, const PropertyList& list) {
+    act(stage, list, [&](WaveDeckTransformImpl& object) { object.tuneImpl(list); });
+}
+
+void DeckClient::resize(const std::vector<int>& numChannels, const std::vector<int>& frameSizes) {
+    const std::lock_guard lock(mutex_);
+    checkSizes(facts_, numChannels, frameSizes);
+    stream_->resize(numChannels, frameSizes);
+    for (Stage& stage : chain_->stages()) {
+        send(stage, sizeList(context(), stage));
+    }
+}
+
+void DeckClient::rollback(const PropertyList& options) {
+    const std::lock_guard lock(mutex_);
+    if (const auto time = doubleOption(options, "rollbacktime")) {
+        stream_->rewind(*time);
+        display_->dropNewerThan(*time);
+        updatePeriods_ = std::min(updatePeriods_, periodsReached());
+    }
+    const PropertyList list = rollbackList(context(), options);
+    for (Stage& stage : chain_->stages()) {
+        act(stage, list, [&](WaveDeckTransformImpl& object) { object.rollbackImpl(list); });
+    }
+}
+
+void DeckClient::rollback(const std::string& name, const PropertyList& options) {
+    const std::lock_guard lock(mutex_);
+    const PropertyList list = rollbackList(context(), options);
+    act(chain_->find(name), list, [&](WaveDeckTransformImpl& object) { object.rollbackImpl(list); });
+}
+
+void DeckClient::reset() {
+    const std::lock_guard lock(mutex_);
+    for (Stage& stage : chain_->stages()) {
+        act(stage, {}, [](WaveDeckTransformImpl& object) { object.resetImpl(); });
+    }
+}
+
+void DeckClient::reset(const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    act(chain_->find(name), {}, [](WaveDeckTransformImpl& object) { object.resetImpl(); });
+}
+
+void DeckClient::setDisplaySpan(double seconds) {
+    const std::lock_guard lock(mutex_);
+    displaySpan_ = seconds;
+    facts_.displaySpan = seconds;
+    publishAxes();
+    stream_->setHistorySpan(2.0 * seconds);
+    for (std::size_t s = 0; s < facts_.signals.size(); ++s) {
+        display_->reserve(s, displayCapacity(seconds, facts_.signals[s]));
+    }
+    for (Stage& stage : chain_->stages()) {
+        if (stage.name == "magnitude_phase_filter" && stage.isSetUp) {
+            const std::vector<double> ranges(facts_.signals.size(), seconds);
+            send(stage, tuneList(context(), PropertyList().addDoubles("timeRange", ranges)));
+        }
+    }
+}
+
+}  // namespace wavedeck::driver

@@ -1,0 +1,7 @@
+#include "DriverError.h"
+
+namespace wavedeck::driver {
+
+DriverError::~DriverError() = default;
+
+}  // namespace wavedeck::driver

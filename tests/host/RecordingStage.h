@@ -1,0 +1,91 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "wavedeck/WaveDeckDataProcStrategy.h"
+#include "wavedeck/WaveDeckTransformImpl.h"
+
+/// What the stages of a chain were called with, in order.
+using CallLog = std::vector<std::string>;
+
+/// A stage that writes down every call. With `replace` set it puts out what that makes of the data.
+class RecordingStage : public wavedeck::WaveDeckTransformImpl {
+public:
+    using Replace = std::function<void(const std::vector<double>& data, std::vector<double>& out, int signal)>;
+
+    RecordingStage(std::string label, std::shared_ptr<CallLog> log, Replace replaceData = {})
+        : replace(std::move(replaceData)), label_(std::move(label)), log_(std::move(log)) {}
+
+    void preProcessImpl() override { note("pre"); }
+    void filterImpl(const double* data, std::vector<double>& out, int signal) override {
+        note("filter " + std::to_string(signal));
+        outputSizeBefore = out.size();
+        seen.resize(std::max<std::size_t>(seen.size(), static_cast<std::size_t>(signal) + 1));
+        seen[static_cast<std::size_t>(signal)].assign(data, data + inputLength);
+        if (replace) {
+            replace(seen[static_cast<std::size_t>(signal)], out, signal);
+        } else {
+            out.assign(3, -1.0);  // a tap's output is ignored
+        }
+    }
+    void tuneImpl(const wavedeck::PropertyList& list) override {
+        last = list;
+        note(action(list));
+        if (onAction) {
+            onAction(list);
+        }
+    }
+    void rollbackImpl(const wavedeck::PropertyList& list) override {
+        last = list;
+        note("rollback " + action(list));
+    }
+    bool isActive() override { return active; }
+    bool isReadOnly() override { return !replace; }
+    void resetImpl() override { note("reset"); }
+
+    static std::string action(const wavedeck::PropertyList& list) {
+        const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(list.find("action"));
+        const std::u16string text =
+            event ? foundation::numbenchdata::CharArray(event->getValue()).toUTF16() : std::u16string();
+        return {text.begin(), text.end()};
+    }
+
+    bool active = true;
+    Replace replace;
+    std::function<void(const wavedeck::PropertyList&)> onAction;
+    std::vector<std::vector<double>> seen;  ///< of each signal, in the last frame
+    std::size_t outputSizeBefore = 0;
+    wavedeck::PropertyList last;
+
+private:
+    void note(const std::string& what) { log_->push_back(label_ + " " + what); }
+
+    std::string label_;
+    std::shared_ptr<CallLog> log_;
+};
+
+/// A strategy that keeps what it was given.
+class RecordingStrategy : public wavedeck::WaveDeckDataProcStrategy {
+public:
+    void processDataAllSignals(const std::vector<std::vector<double>>& buffers, int count, std::vector<int>& channels,
+                               std::vector<int>& points, std::vector<std::string>& identifiers,
+                               Poco::SharedPtr<Poco::JSON::Object>& message) override {
+        data = buffers;
+        numSignals = count;
+        numChannels = channels;
+        numPoints = points;
+        ids = identifiers;
+        message->set("client", clientID);
+    }
+
+    std::vector<std::vector<double>> data;
+    int numSignals = 0;
+    std::vector<int> numChannels;
+    std::vector<int> numPoints;
+    std::vector<std::string> ids;
+};
