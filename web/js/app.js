@@ -1,0 +1,213 @@
+/** The page: decks, buttons, keys, status line; hands updates to the view in front. */
+
+import { Client } from './client.js';
+import { Connection } from './connection.js';
+import { buildControls, resetHold } from './controls.js';
+import { picture, savePicture, saveText, traceText } from './export.js';
+import { maps, theme, variable } from './palette.js';
+import { SpectrumView } from './spectrumView.js';
+import { TraceView } from './traceView.js';
+
+const byId = (id) => document.getElementById(id);
+const url = new URL('live', location.href);
+url.protocol = url.protocol === 'https:' ? 'wss:' : 'ws:';
+
+const state = {
+  clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, rate: 0,
+  connected: false, ended: false, dirty: false,
+};
+
+/** Everything that a test or a curious engineer may look at from the console. */
+window.wavedeck = { state, resetHold };
+
+function showError(error) {
+  const box = byId('message');
+  box.hidden = !error;
+  box.textContent = error ? error.message : '';
+  clearTimeout(showError.timer);
+  if (error) showError.timer = setTimeout(() => { box.hidden = true; }, 8000);
+}
+
+function select(name) {
+  state.current = name;
+  state.view?.destroy();
+  byId('plots').replaceChildren();
+  const client = state.clients.get(name);
+  const View = client.deck === 'spectrum' ? SpectrumView : TraceView;
+  state.view = new View(byId('plots'), client, (error) => {
+    if (error) showError(error);
+    state.dirty = true;
+  });
+  const colourMap = {
+    names: Object.keys(maps), current: () => state.view.waterfall?.map ?? 'viridis',
+    choose: (map) => {
+      state.view.waterfall.setMap(map);
+      state.view.panes.waterfall?.redraw();
+    },
+  };
+  buildControls(byId('controls'), client, showError, colourMap);
+  for (const tab of byId('decks').children) tab.setAttribute('aria-selected', String(tab.dataset.client === name));
+  if (state.latest.has(name)) draw(state.latest.get(name));
+}
+
+function hello(message) {
+  for (const description of message.clients) {
+    const known = state.clients.get(description.name);
+    if (known) {
+      known.describe(description);
+      known.connection = connection;
+    } else state.clients.set(description.name, new Client(description, connection));
+  }
+  byId('decks').replaceChildren(...message.clients.map((client) => {
+    const tab = document.createElement('button');
+    tab.role = 'tab';
+    tab.textContent = client.deck;
+    tab.dataset.client = client.name;
+    tab.addEventListener('click', () => select(client.name));
+    return tab;
+  }));
+  state.ended = false;
+  const first = message.clients.find((client) => client.deck === 'spectrum') ?? message.clients[0];
+  if (first) select(state.clients.has(state.current) ? state.current : first.name);
+}
+
+function draw(update) {
+  const begin = performance.now();
+  state.view.update(update.message);
+  state.drawMilliseconds = performance.now() - begin;
+  state.drawn = update.sequence;
+}
+
+function update(message) {
+  state.missed = message.missed;
+  state.ended = Boolean(message.last);
+  const now = performance.now();
+  if (state.lastArrival) state.rate += 0.1 * (1000 / Math.max(1, now - state.lastArrival) - state.rate);
+  if (message.client === state.current) state.lastArrival = now;
+  if (!state.running && state.wanted !== 'step' && state.wanted !== 'single') return;
+  state.latest.set(message.client, message);
+  if (message.client !== state.current) return;
+  ++state.updates;
+  draw(message);
+  if (state.wanted === 'step' || (state.wanted === 'single' && state.view.complete())) setRunning(false);
+}
+
+function setRunning(running) {
+  state.running = running;
+  state.wanted = null;
+  byId('run').textContent = running ? 'Hold' : 'Run';
+  byId('run').setAttribute('aria-pressed', String(!running));
+  state.dirty = true;
+}
+
+function want(what) {
+  state.running = false;
+  state.wanted = what;
+  byId('run').textContent = 'Run';
+  byId('run').setAttribute('aria-pressed', 'true');
+}
+
+function statusText() {
+  const parts = state.view?.message ? state.view.status() : {};
+  parts.Updates = `${state.rate.toFixed(0)}/s`;
+  parts.Missed = String(state.missed);
+  parts.State = !state.connected ? 'reconnecting' : state.running ? (state.ended ? 'ended' : 'running') : state.wanted ?? 'held';
+  return parts;
+}
+
+/** Tables and the status line follow the picture at most once a frame of the screen. */
+function refresh() {
+  if (state.dirty) {
+    state.dirty = false;
+    byId('status').replaceChildren(...Object.entries(statusText()).map(([name, text]) => {
+      const item = document.createElement('span');
+      const value = document.createElement('b');
+      value.textContent = text;
+      item.append(`${name} `, value);
+      return item;
+    }));
+    if (state.view?.message) byId('figures').replaceChildren(...state.view.figures());
+  }
+  requestAnimationFrame(refresh);
+}
+
+function panes() { return Object.values(state.view?.panes ?? {}).filter(Boolean); }
+
+const actions = {
+  run: () => setRunning(!state.running),
+  single: () => want('single'),
+  step: () => want('step'),
+  full: () => panes().forEach((pane) => pane.fullView()),
+  auto: () => state.view?.auto(),
+  picture: () => {
+    const text = Object.entries(statusText()).map(([name, value]) => `${name} ${value}`).join('   ');
+    savePicture('wavedeck.png', picture(panes(), variable('--background'), text, variable('--text')));
+  },
+  table: () => {
+    const pane = state.view?.main;
+    if (!pane) return;
+    const status = statusText();
+    saveText('wavedeck.csv', traceText(pane, [`deck: ${state.clients.get(state.current).deck}`,
+      ...(status.RBW ? [`RBW: ${status.RBW}`] : [])]));
+  },
+  theme: () => {
+    document.documentElement.dataset.theme = theme() === 'light' ? 'dark' : 'light';
+    state.view?.restyle();
+  },
+  help: () => byId('keys').showModal(),
+  clear: () => panes().forEach((pane) => pane.clearMarkers()),
+  hold: () => resetHold(state.clients.get(state.current)).catch(showError),
+};
+
+const keys = [
+  [' ', 'run', 'space', 'run or hold'], ['s', 'single', 's', 'one complete measurement, then hold'], ['.', 'step', '.', 'one update'],
+  ['f', 'full', 'f', 'full span'], ['a', 'auto', 'a', 'fit the level range'], ['h', 'hold', 'h', 'reset hold traces'],
+  ['p', 'picture', 'p', 'save the picture'], ['c', 'table', 'c', 'save the trace'], ['t', 'theme', 't', 'light or dark'],
+  ['Delete', 'clear', 'Delete', 'clear the markers'], ['?', 'help', '?', 'this page'],
+];
+
+const habits = [['wheel', 'zoom frequency or time; over the level axis, its range'], ['drag', 'zoom a box'], ['double click', 'full span'],
+  ['click', 'marker'], ['shift click', 'second marker, for the difference'], ['1 to 9', 'choose a deck']];
+
+function buildHelp() {
+  const rows = [...keys.map(([, , name, text]) => [name, text]), ...habits];
+  const table = document.createElement('table');
+  for (const [name, text] of rows) {
+    const line = table.insertRow();
+    const key = document.createElement('kbd');
+    key.textContent = name;
+    line.insertCell().append(key);
+    line.insertCell().textContent = text;
+  }
+  const close = document.createElement('button');
+  close.textContent = 'Close';
+  close.addEventListener('click', () => byId('keys').close());
+  byId('keys').replaceChildren(table, close);
+}
+
+document.addEventListener('keydown', (event) => {
+  if (event.ctrlKey || event.metaKey || event.altKey || /^(INPUT|SELECT)$/.test(event.target.tagName)) return;
+  const entry = keys.find(([key]) => key === event.key);
+  const tab = byId('decks').children[Number(event.key) - 1];
+  if (entry) actions[entry[1]]();
+  else if (tab) tab.click();
+  else return;
+  event.preventDefault();
+});
+for (const id of ['run', 'single', 'step', 'full', 'auto', 'picture', 'table', 'theme', 'help']) {
+  byId(id).addEventListener('click', () => {
+    actions[id]();
+    document.activeElement?.blur();
+  });
+}
+
+if (matchMedia('(prefers-color-scheme: light)').matches) document.documentElement.dataset.theme = 'light';
+buildHelp();
+const connection = new Connection(url, {
+  hello, update,
+  state: (connected) => {
+    state.connected = connected;
+    state.dirty = true;
+  },
+});
+requestAnimationFrame(refresh);

@@ -1,0 +1,29 @@
+/** What the page knows of one client of the program: its stages, their options as they stand, and a way to tune them. */
+
+export class Client {
+  /** description: from the program's hello; connection: where tunes go. */
+  constructor(description, connection) {
+    this.name = description.name;
+    this.deck = description.deck;
+    this.connection = connection;
+    this.describe(description);
+  }
+
+  describe(description) {
+    this.stages = new Map(description.stages.map((stage) => [stage.name, stage]));
+  }
+
+  /** The option's description {name, kind, words, unit, value} or undefined. */
+  option(stage, name) { return this.stages.get(stage)?.options.find((option) => option.name === name); }
+
+  value(stage, name, fallback) { return this.option(stage, name)?.value ?? fallback; }
+
+  /** Sends options to a stage and keeps their new values; rejects with the option's own error text. */
+  async tune(stage, options) {
+    await this.connection.tune(this.name, stage, options);
+    for (const [name, value] of Object.entries(options)) {
+      const option = this.option(stage, name);
+      if (option) option.value = value;
+    }
+  }
+}

@@ -1,0 +1,132 @@
+/** The settings that an engineer turns often, as fields that tune the stages. */
+
+/** Per deck: [title, [[label, stage, option], ...]]; an option of a stage that the client does not have is left out. */
+const groups = {
+  spectrum: [
+    ['Frequency', [
+      ['Span', 'spectrum_estimator_filter', 'span'], ['Centre', 'spectrum_estimator_filter', 'centerFrequency'],
+      ['Span mode', 'spectrum_estimator_filter', 'frequencySpan'], ['Range', 'spectrum_estimator_filter', 'frequencyRange'],
+    ]],
+    ['Resolution', [
+      ['Method', 'spectrum_estimator_filter', 'method'], ['RBW automatic', 'spectrum_estimator_filter', 'autoRBW'],
+      ['RBW', 'spectrum_estimator_filter', 'rbw'], ['Window', 'spectrum_estimator_filter', 'window'],
+      ['Overlap %', 'spectrum_estimator_filter', 'overlapPercent'],
+    ]],
+    ['Averaging', [
+      ['Method', 'spectrum_estimator_filter', 'averagingMethod'], ['Forgetting', 'spectrum_estimator_filter', 'forgettingFactor'],
+      ['Averages', 'spectrum_estimator_filter', 'spectralAverages'], ['Max hold', 'spectrum_estimator_filter', 'plotMaxHoldTrace'],
+      ['Min hold', 'spectrum_estimator_filter', 'plotMinHoldTrace'],
+    ]],
+    ['Display', [
+      ['Units', 'spectrum_estimator_filter', 'spectrumUnits'], ['Type', 'spectrum_estimator_filter', 'spectrumType'],
+      ['Spectrum', 'spectrum_estimator_filter', 'showSpectrum'], ['Spectrogram', 'spectrum_estimator_filter', 'showSpectrogram'],
+    ]],
+    ['Measure', [
+      ['Peaks', 'frequency_peak_finder_filter', 'peakFinderEnabled'], ['Peaks at most', 'frequency_peak_finder_filter', 'numPeaks'],
+      ['Channel', 'channel_measurements_filter', 'channelMeasurementsEnabled'],
+      ['Channel type', 'channel_measurements_filter', 'channelMeasurementsType'],
+      ['Distortion', 'distortion_measurements_filter', 'distortionMeasurementsEnabled'],
+      ['Distortion type', 'distortion_measurements_filter', 'distortionType'],
+      ['Phase noise', 'phase_noise_filter', 'phaseNoiseEnabled'], ['Mask', 'spectral_mask_tester_filter', 'spectralMaskEnabled'],
+    ]],
+  ],
+  time: [
+    ['Trigger', [
+      ['On', 'trigger_filter', 'triggerEnabled'], ['Mode', 'trigger_filter', 'mode'], ['Type', 'trigger_filter', 'type'],
+      ['Polarity', 'trigger_filter', 'polarity'], ['Level automatic', 'trigger_filter', 'autoLevel'], ['Level', 'trigger_filter', 'level'],
+      ['Hysteresis', 'trigger_filter', 'hysteresis'], ['Position %', 'trigger_filter', 'position'], ['Holdoff s', 'trigger_filter', 'holdoff'],
+    ]],
+    ['Measure', [
+      ['Statistics', 'time_signal_statistics_filter', 'signalStatisticsEnabled'], ['Peaks', 'time_peak_finder_filter', 'peakFinderEnabled'],
+      ['Pulses', 'bilevel_measurements_filter', 'bilevelMeasurementsEnabled'],
+    ]],
+  ],
+  frame: [
+    ['Measure', [
+      ['Statistics', 'signal_statistics_filter', 'signalStatisticsEnabled'], ['Peaks', 'peak_finder_filter', 'peakFinderEnabled'],
+    ]],
+  ],
+  response: [['Measure', [['Peaks', 'peak_finder_filter', 'peakFinderEnabled']]]],
+};
+
+const suffixes = { k: 1e3, M: 1e6, G: 1e9, m: 1e-3, u: 1e-6, 'µ': 1e-6, n: 1e-9 };
+
+/** "12.5k" as a number; the text itself where it is none, so that the program can say what is wrong with it. */
+export function parseNumber(text) {
+  const match = /^\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:e[-+]?\d+)?)\s*([kMGmuµn]?)\s*$/i.exec(text);
+  if (!match) return text;
+  return Number(match[1]) * (suffixes[match[2]] ?? 1);
+}
+
+function field(option) {
+  if (option.kind === 'logical') {
+    const node = document.createElement('input');
+    node.type = 'checkbox';
+    node.checked = Boolean(option.value);
+    return { node, read: () => node.checked };
+  }
+  if (option.words?.length) {
+    const node = document.createElement('select');
+    node.append(...option.words.map((word) => new Option(word, word)));
+    node.value = option.value ?? '';
+    return { node, read: () => node.value };
+  }
+  const node = document.createElement('input');
+  node.value = option.value ?? '';
+  node.inputMode = 'decimal';
+  return { node, read: () => parseNumber(node.value) };
+}
+
+/** Fills `host` with the settings of a client. onError(error or null) is told of each tune. */
+export function buildControls(host, client, onError, colourMap) {
+  host.replaceChildren();
+  for (const [title, rows] of groups[client.deck] ?? []) {
+    const present = rows.filter(([, stage, name]) => client.option(stage, name));
+    if (!present.length) continue;
+    const heading = document.createElement('h2');
+    heading.textContent = title;
+    host.append(heading);
+    for (const [text, stage, name] of present) {
+      const { node, read } = field(client.option(stage, name));
+      node.dataset.option = name;
+      node.dataset.stage = stage;
+      node.addEventListener('change', () => {
+        client.tune(stage, { [name]: read() }).then(() => {
+          node.classList.remove('rejected');
+          onError(null);
+        }, (error) => {
+          node.classList.add('rejected');
+          onError(error);
+        });
+      });
+      const label = document.createElement('label');
+      label.append(text, node);
+      host.append(label);
+    }
+  }
+  if (client.deck === 'spectrum') addSpectrumExtras(host, client, onError, colourMap);
+}
+
+function addSpectrumExtras(host, client, onError, colourMap) {
+  const map = document.createElement('select');
+  map.id = 'map';
+  map.append(...colourMap.names.map((name) => new Option(name, name)));
+  map.value = colourMap.current();
+  map.addEventListener('change', () => colourMap.choose(map.value));
+  const label = document.createElement('label');
+  label.append('Colours', map);
+  const reset = document.createElement('button');
+  reset.id = 'hold-reset';
+  reset.textContent = 'Reset hold traces';
+  reset.addEventListener('click', () => resetHold(client).then(() => onError(null), onError));
+  host.append(label, reset);
+}
+
+/** Hold traces start anew when they are switched off and on again. */
+export async function resetHold(client) {
+  const stage = 'spectrum_estimator_filter';
+  const held = ['plotMaxHoldTrace', 'plotMinHoldTrace'].filter((name) => client.value(stage, name, false));
+  if (!held.length) return;
+  await client.tune(stage, Object.fromEntries(held.map((name) => [name, false])));
+  await client.tune(stage, Object.fromEntries(held.map((name) => [name, true])));
+}

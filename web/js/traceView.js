@@ -1,0 +1,174 @@
+/** Time, frame and response decks: traces in one pane, or magnitude and phase in two. */
+
+import { engineering, figure } from './format.js';
+import { variable } from './palette.js';
+import { Plot } from './plot.js';
+import { markerTable, peakTable, pulseTable, statisticsTable, triggerTable } from './tables.js';
+import { align, positions, samples } from './trace.js';
+
+const triggerStage = 'trigger_filter';
+
+/** How each deck names its axis, and the member of a channel that holds its positions. */
+const axes = {
+  time: { key: 'time', offset: 'timeOffset', label: 'Time', unit: 's' },
+  frame: { key: 'sample', offset: null, label: 'Position', unit: 's' },
+  response: { key: 'sample', offset: null, label: 'Frequency', unit: 'Hz' },
+};
+
+export class TraceView {
+  constructor(host, client, onChange) {
+    this.host = host;
+    this.client = client;
+    this.onChange = onChange;
+    this.axis = axes[client.deck] ?? axes.time;
+    this.panes = [];
+  }
+
+  get main() { return this.panes[0]; }
+
+  pane(index) {
+    if (!this.panes[index]) {
+      const host = document.createElement('div');
+      host.className = index ? 'plot small' : 'plot';
+      host.dataset.pane = index ? 'phase' : 'trace';
+      this.host.append(host);
+      this.panes[index] = new Plot(host, {
+        xLabel: this.axis.label, xUnit: this.axis.unit, yLabel: index ? 'Phase' : 'Value', snap: this.client.deck === 'response',
+        onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, unit: index ? '°' : '' }; this.onChange(); },
+        onMarkers: () => this.onChange(),
+        onView: (plot) => this.panes.forEach((other) => { if (other !== plot) other.setX(plot.view.x); }),
+        overlay: (context, plot) => { if (index === 0) this.drawTrigger(context, plot); },
+      });
+      if (index === 0) this.watchLevel(host);
+    }
+    return this.panes[index];
+  }
+
+  update(message) {
+    this.message = message;
+    const lists = [[], []];
+    (message.signals ?? []).forEach((signal, s) => (signal?.channel ?? []).forEach((channel, c) => {
+      const half = Math.floor(signal.numChannels / 2);
+      lists[channel.subplotNum ? 1 : 0].push({
+        name: `signal ${s + 1}, channel ${(channel.subplotNum ? c - half : c) + 1}`,
+        x: positions(channel[this.axis.key], this.axis.offset ? channel[this.axis.offset] : 0), values: samples(channel),
+      });
+    }));
+    lists.forEach((traces, index) => {
+      if (!traces.length && !this.panes[index]) return;
+      const aligned = align(traces);
+      this.pane(index).setTraces(aligned.x, aligned.traces, index ? '°' : '');
+    });
+    this.onChange();
+  }
+
+  get trigger() { return this.message?.measurements?.trigger; }
+
+  /** Levels that the trigger compares with, with the option that a drag changes. */
+  levels() {
+    if (!this.client.value(triggerStage, 'triggerEnabled', false)) return [];
+    const type = this.client.value(triggerStage, 'type', 'edge');
+    if (['edge', 'pulse-width', 'timeout'].includes(type)) {
+      const automatic = this.client.value(triggerStage, 'autoLevel', true);
+      const value = automatic ? figure(this.trigger?.level) : this.client.value(triggerStage, 'level', 0);
+      return [{ option: 'level', value }];
+    }
+    return ['highLevel', 'lowLevel'].map((option) => ({ option, value: this.client.value(triggerStage, option, NaN) }));
+  }
+
+  drawTrigger(context, plot) {
+    const ratio = window.devicePixelRatio || 1;
+    const { bbox } = plot.chart;
+    context.strokeStyle = variable('--warn');
+    context.lineWidth = ratio;
+    for (const { option, value } of this.levels()) {
+      if (!Number.isFinite(value)) continue;
+      const y = plot.canvasY(this.dragged?.option === option ? this.dragged.value : value);
+      context.setLineDash([6 * ratio, 4 * ratio]);
+      context.beginPath();
+      context.moveTo(bbox.left, y);
+      context.lineTo(bbox.left + bbox.width, y);
+      context.stroke();
+      context.setLineDash([]);
+      plot.label(context, 'T', bbox.left + bbox.width, y - 3 * ratio, variable('--warn'));
+    }
+    const position = this.trigger?.triggerFound ? figure(this.trigger.position) : NaN;
+    if (Number.isFinite(position)) {
+      const x = plot.canvasX(position);
+      context.fillStyle = variable('--warn');
+      context.beginPath();
+      context.moveTo(x, bbox.top + 9 * ratio);
+      context.lineTo(x - 5 * ratio, bbox.top);
+      context.lineTo(x + 5 * ratio, bbox.top);
+      context.fill();
+    }
+  }
+
+  /** Dragging a level line tunes the trigger. */
+  watchLevel(host) {
+    const nearest = (event) => {
+      const { chart } = this.panes[0];
+      const y = event.clientY - chart.over.getBoundingClientRect().top;
+      return this.levels().find(({ value }) => Math.abs(chart.valToPos(value, 'y') - y) < 6);
+    };
+    host.addEventListener('mousedown', (event) => {
+      const line = this.panes[0]?.chart && nearest(event);
+      if (!line) return;
+      event.stopPropagation();
+      const { chart } = this.panes[0];
+      const top = chart.over.getBoundingClientRect().top;
+      const move = (e) => {
+        this.dragged = { option: line.option, value: chart.posToVal(e.clientY - top, 'y') };
+        this.panes[0].redraw();
+      };
+      const up = () => {
+        window.removeEventListener('mousemove', move);
+        const { dragged } = this;
+        this.dragged = null;
+        if (dragged) this.tuneLevel(dragged);
+      };
+      window.addEventListener('mousemove', move);
+      window.addEventListener('mouseup', up, { once: true });
+    }, true);
+  }
+
+  tuneLevel({ option, value }) {
+    const options = { [option]: value };
+    if (option === 'level') options.autoLevel = false;
+    this.client.tune(triggerStage, options).then(() => this.onChange(), (error) => this.onChange(error));
+  }
+
+  figures() {
+    const { measurements = {} } = this.message;
+    const out = [];
+    const markers = this.main?.markerReadings() ?? [];
+    if (markers.length) out.push(markerTable(markers, this.axis.unit, ''));
+    if (measurements.trigger) out.push(triggerTable(measurements.trigger));
+    if (measurements.stats) out.push(statisticsTable(measurements.stats, ''));
+    if (measurements.peaks) out.push(peakTable(measurements.peaks, '', this.client.deck === 'frame' ? '' : this.axis.unit));
+    if (measurements.bilevel) out.push(pulseTable(measurements.bilevel, ''));
+    return out;
+  }
+
+  status() {
+    const [from, to] = this.main?.rangeX() ?? [NaN, NaN];
+    const parts = { From: engineering(from, this.axis.unit, 6), Span: engineering(to - from, this.axis.unit, 6) };
+    if (this.trigger) parts.Trigger = this.trigger.triggerFound ? 'triggered' : 'waiting';
+    if (this.cursor) parts.Cursor = `${engineering(this.cursor.x, this.axis.unit, 7)}, ${engineering(this.cursor.y)}${this.cursor.unit}`;
+    return parts;
+  }
+
+  complete() { return !this.trigger || this.trigger.triggerFound; }
+
+  auto() { this.panes.forEach((pane) => pane.autoY()); }
+
+  restyle() { this.panes.forEach((pane) => { if (pane.chart) pane.build(); }); }
+
+  destroy() {
+    this.panes.forEach((pane) => {
+      pane.destroy();
+      pane.host.remove();
+    });
+    this.panes = [];
+  }
+}
