@@ -11,4 +11,7 @@ namespace dspwavedecks {
 /// returns the position; NaN if no point lies above the level, or the first one does already.
 double interpolateAtLevel(const double* levels, const double* positions, std::size_t n, double level);
 
+/// The same for levels in ascending order, in log n steps.
+double interpolateAtAscendingLevel(const double* levels, const double* positions, std::size_t n, double level);
+
 }  // namespace dspwavedecks
