@@ -96,6 +96,16 @@ struct Option {
     }
 };
 
+/// The word of that text, null if it is not among them.
+constexpr const Word* findWord(std::span<const Word> words, std::string_view text) {
+    for (const Word& word : words) {
+        if (word.text == text) {
+            return &word;
+        }
+    }
+    return nullptr;
+}
+
 /// True for the kinds that carry any number of values.
 constexpr bool isList(Kind kind) {
     return kind == Kind::Doubles || kind == Kind::Ints || kind == Kind::Logicals || kind == Kind::Texts;
