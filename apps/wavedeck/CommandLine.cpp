@@ -1,0 +1,87 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+/// A list option that takes one value each time it is given, so that it cannot swallow the inputs behind it.
+void addRepeated(CLI::App& app, const char* name, std::vector<std::string>& values, const char* meaning,
+                 const char* valueName) {
+    app.add_option(name, values, meaning)->type_name(valueName)->allow_extra_args(false);
+}
+
+CLI::Option* addText(CLI::App& app, const char* name, std::string& value, const char* meaning, const char* valueName) {
+    return app.add_option(name, value, meaning)->type_name(valueName);
+}
+
+void describePlay(CLI::App& app, PlayCommand& play) {
+    app.add_option("INPUT", play.inputs,
+                   "a sound file, raw samples (a file with --format, or - for standard input), or a test signal "
+                   "gen:NAME?key=value&...")
+        ->required();
+    addText(app, "--format", play.inputOptions.format, "raw samples: f32 f64 s16 u8 cf32 cf64 cs16 cs8 cu8", "FORMAT");
+    addText(app, "--rate", play.inputOptions.rate, "raw samples: sample rate", "HZ");
+    addText(app, "--channels", play.inputOptions.channels, "raw samples: channels (1)", "N");
+    addText(app, "--scale", play.inputOptions.scale, "multiplies every sample of a file (1)", "FACTOR");
+    addRepeated(app, "--deck", play.decks, "time, frame", "DECK");
+    addRepeated(app, "--set", play.settings, "sets an option of the stages; `wavedeck options` lists them",
+                "[STAGE.]NAME=VALUE");
+    app.add_option("--measure", play.measure, "measurements to switch on: stats; none for none")->type_name("LIST");
+    addText(app, "--frame", play.frame, "samples of a frame (1024)", "N");
+    addText(app, "--updates", play.updates, "updates a second of stream time (20)", "HZ");
+    addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");
+    app.add_flag("--realtime", play.realtime, "hands over the samples at their own rate");
+    addText(app, "--messages", play.messages, "writes each client message as a line of JSON; - is standard output",
+            "FILE|-");
+    addText(app, "--report", play.report, "form of the report at the end: text or json (text)", "FORM");
+}
+
+/// CLI11's texts may run over lines; the program's are one line.
+std::string oneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    while (!text.empty() && text.back() == ' ') {
+        text.pop_back();
+    }
+    return text;
+}
+
+}  // namespace
+
+Command parseCommandLine(int argc, const char* const* argv) {
+    CLI::App app("Measures signals: spectra, time displays, and measurements on them.", "wavedeck");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", WAVEDECK_VERSION);
+    PlayCommand play;
+    RunCommand run;
+    OptionsCommand options;
+    auto* playApp = app.add_subcommand("play", "plays signals through decks and reports what was measured");
+    describePlay(*playApp, play);
+    auto* runApp =
+        app.add_subcommand("run", "runs a script: a client, its chain and its steps; one JSON result a step");
+    runApp->add_option("SCRIPT", run.script, "a JSON file, or - for standard input")->required();
+    auto* optionsApp = app.add_subcommand("options", "lists every option of every stage, or of one");
+    optionsApp->add_option("STAGE", options.stage, "name of the stage, shortened as long as it is unique");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        const auto chosen = app.get_subcommands();
+        return PrintCommand{chosen.empty() ? app.help() : chosen.front()->help()};
+    } catch (const CLI::CallForVersion& version) {
+        return PrintCommand{std::string(version.what()) + '\n'};
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(oneLine(error.what()) + "; see wavedeck --help");
+    }
+    if (playApp->parsed()) {
+        return play;
+    }
+    if (runApp->parsed()) {
+        return run;
+    }
+    return options;
+}
+
+}  // namespace program

@@ -1,0 +1,55 @@
+#include "Deck.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "TextLists.h"
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+using wavedeck::driver::ChainKind;
+
+constexpr std::string_view timeStages[] = {
+    "simulation_meta_data_filter",
+    "magnitude_phase_filter",
+    "dsp_wavedeck_measurements_data_cache_filter",
+    "time_signal_statistics_filter",
+    "time_peak_finder_filter",
+    "bilevel_measurements_filter",
+    "trigger_filter",
+};
+
+constexpr std::string_view frameStages[] = {
+    "simulation_meta_data_filter",
+    "magnitude_phase_filter",
+    "signal_statistics_filter",
+    "peak_finder_filter",
+};
+
+constexpr std::array<Deck, 2> decks{{
+    {"time", ChainKind::Time, timeStages, "dsp_wavedeck_time_data_strategy"},
+    {"frame", ChainKind::Frame, frameStages, "dsp_wavedeck_frame_data_strategy"},
+}};
+
+}  // namespace
+
+const Deck& findDeck(std::string_view name) {
+    const auto* deck = std::find_if(decks.begin(), decks.end(), [&](const Deck& entry) { return entry.name == name; });
+    if (deck == decks.end()) {
+        std::vector<std::string_view> names;
+        for (const auto& entry : decks) {
+            names.push_back(entry.name);
+        }
+        throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(names, " "));
+    }
+    return *deck;
+}
+
+std::vector<std::string> defaultDecks() {
+    return {"time", "frame"};
+}
+
+}  // namespace program

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "ChainKind.h"
+
+namespace program {
+
+/// A deck that a person may choose: the chain of one client.
+struct Deck {
+    std::string_view name;  ///< also the client's
+    wavedeck::driver::ChainKind kind;
+    std::span<const std::string_view> stages;  ///< in the order in which they are called
+    std::string_view strategy;
+};
+
+/// The deck of a name. Throws UsageError naming those there are.
+const Deck& findDeck(std::string_view name);
+
+/// Names of the decks that are played when none is chosen.
+std::vector<std::string> defaultDecks();
+
+}  // namespace program

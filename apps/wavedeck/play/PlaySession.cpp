@@ -1,0 +1,185 @@
+#include "PlaySession.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "EngineeringNumber.h"
+#include "Measures.h"
+#include "ProgressLine.h"
+#include "StageLibraryPath.h"
+#include "StopRequest.h"
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+/// Sample times of a signal in the frames before frame k, in step with those of the first signal.
+std::uint64_t samplesBefore(std::uint64_t k, std::size_t frameSize, double rate, double firstRate) {
+    return static_cast<std::uint64_t>(
+        std::floor(static_cast<double>(k) * static_cast<double>(frameSize) * (rate / firstRate)));
+}
+
+}  // namespace
+
+PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtime) {
+    constexpr long long largestFrame = 1LL << 26;
+    const auto frame = readWholeNumber("--frame", command.frame, 1);
+    if (frame > largestFrame) {
+        throw UsageError("--frame: " + command.frame + " is more than " + std::to_string(largestFrame));
+    }
+    frameSize_ = static_cast<std::size_t>(frame);
+    if (command.report != "text" && command.report != "json") {
+        throw UsageError("--report: `" + command.report + "` is neither text nor json");
+    }
+    openInputs(command);
+    makeDecks(command);
+    if (!command.messages.empty()) {
+        messages_.emplace(command.messages);
+    }
+}
+
+void PlaySession::openInputs(const PlayCommand& command) {
+    for (const auto& input : command.inputs) {
+        inputs_.push_back(openInput(input, command.inputOptions));
+    }
+    summaries_.resize(inputs_.size());
+    frame_.resize(inputs_.size());
+    spans_.resize(inputs_.size());
+}
+
+SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
+    SessionFacts session{{}, readPositiveNumber("--updates", command.updates), std::nullopt};
+    if (!command.spanTime.empty()) {
+        session.displaySpan = readPositiveNumber("--span-time", command.spanTime);
+    }
+    const double firstRate = inputs_.front()->facts().sampleRate;
+    for (const auto& input : inputs_) {
+        const auto& facts = input->facts();
+        wavedeck::driver::SignalFacts signal;
+        signal.id = facts.name;
+        signal.numChannels = facts.rows();
+        signal.isComplex = facts.isComplex;
+        signal.sampleTime = 1.0 / facts.sampleRate;
+        signal.frameSize =
+            static_cast<int>(std::ceil(static_cast<double>(frameSize_) * std::max(facts.sampleRate / firstRate, 1e-9)));
+        session.signals.push_back(std::move(signal));
+    }
+    return session;
+}
+
+void PlaySession::makeDecks(const PlayCommand& command) {
+    const auto session = sessionFacts(command);
+    const wavedeck::driver::StageLibrary library(stageLibraryPath());
+    std::vector<const Deck*> decks;
+    for (const auto& name : command.decks.empty() ? defaultDecks() : command.decks) {
+        if (std::find(decks.begin(), decks.end(), &findDeck(name)) != decks.end()) {
+            throw UsageError("--deck: `" + name + "` is given twice");
+        }
+        decks.push_back(&findDeck(name));
+    }
+    std::vector<DeckSettings> settings;
+    for (const auto* deck : decks) {
+        std::vector<std::string_view> stages(deck->stages.begin(), deck->stages.end());
+        std::erase_if(stages, [&](std::string_view stage) { return !library.offers(std::string(stage)); });
+        settings.emplace_back(std::move(stages));
+    }
+    switchMeasuresOn(command.measure.value_or("stats"), settings);
+    for (const auto& setting : command.settings) {
+        if (const auto warning = applySetting(setting, settings); !warning.empty()) {
+            warnings_.push_back(warning);
+        }
+    }
+    for (std::size_t i = 0; i < decks.size(); ++i) {
+        decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
+    }
+}
+
+void PlaySession::play() {
+    ProgressLine progress;
+    const auto begin = std::chrono::steady_clock::now();
+    const auto whole = duration();
+    while (!readerGone_ && !StopRequest::requested() && readFrame() && (!realtime_ || keepPace(begin))) {
+        for (const auto& deck : decks_) {
+            feed(*deck);
+        }
+        progress.show(decks_.front()->client().streamTime(), whole);
+    }
+    // What came since the last update that was due goes out too.
+    for (const auto& deck : decks_) {
+        send(*deck);
+    }
+}
+
+bool PlaySession::readFrame() {
+    const double firstRate = inputs_.front()->facts().sampleRate;
+    bool any = false;
+    for (std::size_t i = 0; i < inputs_.size(); ++i) {
+        const double rate = inputs_[i]->facts().sampleRate;
+        const auto wanted = samplesBefore(frames_ + 1, frameSize_, rate, firstRate) -
+                            samplesBefore(frames_, frameSize_, rate, firstRate);
+        const auto samples = inputs_[i]->read(wanted, frame_[i]);
+        summaries_[i].add(frame_[i], samples);
+        spans_[i] = frame_[i];
+        any = any || samples > 0;
+    }
+    ++frames_;
+    return any;
+}
+
+void PlaySession::feed(DeckSession& deck) {
+    deck.client().frame(spans_);
+    if (deck.client().updateDue()) {
+        send(deck);
+    }
+}
+
+void PlaySession::send(DeckSession& deck) {
+    const auto update = deck.client().update();
+    if (update.message.isNull()) {
+        return;
+    }
+    deck.noteUpdate();
+    if (messages_ && !readerGone_) {
+        readerGone_ = !messages_->write(deck.name(), update.event, messageText_.write(*update.message));
+    }
+}
+
+bool PlaySession::keepPace(std::chrono::steady_clock::time_point begin) const {
+    const double streamTime =
+        static_cast<double>(frames_) * static_cast<double>(frameSize_) / inputs_.front()->facts().sampleRate;
+    return StopRequest::sleepUntil(begin + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                                               std::chrono::duration<double>(streamTime)));
+}
+
+std::optional<double> PlaySession::duration() const {
+    double longest = 0.0;
+    for (const auto& input : inputs_) {
+        if (!input->facts().length) {
+            return std::nullopt;
+        }
+        longest = std::max(longest, static_cast<double>(*input->facts().length) / input->facts().sampleRate);
+    }
+    return longest;
+}
+
+Report PlaySession::report() {
+    Report report;
+    for (std::size_t i = 0; i < inputs_.size(); ++i) {
+        report.inputs.push_back(summaries_[i].report(inputs_[i]->facts()));
+        const auto& notes = inputs_[i]->notes();
+        report.warnings.insert(report.warnings.end(), notes.begin(), notes.end());
+        if (summaries_[i].samples() == 0) {
+            report.warnings.push_back(inputs_[i]->facts().name + ": holds no samples");
+        }
+    }
+    report.warnings.insert(report.warnings.end(), warnings_.begin(), warnings_.end());
+    for (const auto& deck : decks_) {
+        report.decks.push_back(deck->report());
+    }
+    report.ended = readerGone_                ? "nobody reads the messages any more"
+                   : StopRequest::requested() ? "interrupted"
+                                              : "end of input";
+    return report;
+}
+
+}  // namespace program

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "DeckSession.h"
+#include "InputSummary.h"
+#include "MessageFile.h"
+#include "MessageText.h"
+#include "PlayCommand.h"
+#include "Report.h"
+#include "SignalReader.h"
+
+namespace program {
+
+/// `wavedeck play`: reads the inputs frame by frame, hands them to every deck, sends the messages out and gathers the
+/// report.
+class PlaySession {
+public:
+    /// Opens inputs and outputs and makes the decks. Throws UsageError, and what the library says of its options.
+    explicit PlaySession(const PlayCommand& command);
+
+    /// Plays until the inputs end, a stop is asked for, or nobody reads the messages any more.
+    void play();
+
+    /// What was measured so far.
+    Report report();
+
+private:
+    void openInputs(const PlayCommand& command);
+    void makeDecks(const PlayCommand& command);
+    SessionFacts sessionFacts(const PlayCommand& command) const;
+    /// Reads the next frame of every input; false when all have ended.
+    bool readFrame();
+    /// Hands the frame in hand to a deck and sends what is due.
+    void feed(DeckSession& deck);
+    void send(DeckSession& deck);
+    bool keepPace(std::chrono::steady_clock::time_point begin) const;
+    std::optional<double> duration() const;
+
+    // options
+    std::size_t frameSize_ = 0;  ///< samples of the first input
+    bool realtime_ = false;
+    // state
+    std::vector<std::unique_ptr<SignalReader>> inputs_;
+    std::vector<InputSummary> summaries_;
+    std::vector<std::unique_ptr<DeckSession>> decks_;
+    std::optional<MessageFile> messages_;
+    bool readerGone_ = false;
+    std::uint64_t frames_ = 0;
+    std::vector<std::string> warnings_;
+    // scratch
+    std::vector<std::vector<double>> frame_;
+    std::vector<std::span<const double>> spans_;
+    wavedeck::driver::MessageText messageText_;
+};
+
+}  // namespace program
