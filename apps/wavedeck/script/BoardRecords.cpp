@@ -59,6 +59,54 @@ std::string toJson(const dspwavedecks::channelMeasurementsStruct& record) {
     });
 }
 
+std::string toJson(const dspwavedecks::distortionStruct& record) {
+    return jsonObject({
+        {"type", toJson(static_cast<unsigned>(record.type))},
+        {"numHarmonics", toJson(record.numHarmonics)},
+        {"thd", toJson(record.thd)},
+        {"thdPercent", toJson(record.thdPercent)},
+        {"snr", toJson(record.snr)},
+        {"sinad", toJson(record.sinad)},
+        {"sfdr", toJson(record.sfdr)},
+        {"toi", toJson(record.toi)},
+        {"harmonicPower", toJson(record.harmonicPower)},
+        {"harmonicFrequency", toJson(record.harmonicFrequency)},
+        {"isNewDataReady", toJson(record.isNewDataReady)},
+    });
+}
+
+std::string toJson(const dspwavedecks::phaseNoiseStruct& record) {
+    return jsonObject({
+        {"totalNumChannels", toJson(record.totalNumChannels)},
+        {"numSpotFrequencyOffsets", toJson(record.numSpotFrequencyOffsets)},
+        {"maxNumPoints", toJson(record.maxNumPoints)},
+        {"numPoints", toJson(record.numPoints)},
+        {"spotFrequencyOffset", toJson(record.spotFrequencyOffset)},
+        {"spotPhaseNoise", toJson(record.spotPhaseNoise)},
+        {"frequencyOffset", toJson(record.frequencyOffset)},
+        {"phaseNoise", toJson(record.phaseNoise)},
+        {"frequencyOffsetLimits", toJson(record.frequencyOffsetLimits)},
+        {"phaseNoiseLimits", toJson(record.phaseNoiseLimits)},
+        {"isNewDataReady", toJson(record.isNewDataReady)},
+    });
+}
+
+std::string toJson(const dspwavedecks::spectralMaskStruct& record) {
+    return jsonObject({
+        {"successRate", toJson(record.successRate)},
+        {"numPassedTests", toJson(record.numPassedTests)},
+        {"numTotalTests", toJson(record.numTotalTests)},
+        {"spectrumPeak", toJson(record.spectrumPeak)},
+        {"currentStatus", toJson(record.currentStatus)},
+        {"failingMasks", toJson(record.failingMasks)},
+        {"upperMaskStatus", toJson(record.upperMaskStatus)},
+        {"lowerMaskStatus", toJson(record.lowerMaskStatus)},
+        {"isCurrentlyPassing", toJson(record.isCurrentlyPassing)},
+        {"isNewDataReady", toJson(record.isNewDataReady)},
+        {"failingChannels", toJson(record.failingChannels)},
+    });
+}
+
 std::string toJson(const dspwavedecks::spectrumEstimatorMetaDataStruct& record) {
     return jsonObject({
         {"segmentLength", toJson(record.segmentLength)},

@@ -3,8 +3,11 @@
 #include <string>
 
 #include "channelMeasurementsStruct.h"
+#include "distortionStruct.h"
 #include "peakFinderStruct.h"
+#include "phaseNoiseStruct.h"
 #include "signalStatsStruct.h"
+#include "spectralMaskStruct.h"
 #include "spectrumEstimatorMetaDataStruct.h"
 
 /// The records of the board as JSON objects: every field under its own name.
@@ -13,6 +16,9 @@ namespace program {
 std::string toJson(const dspwavedecks::signalStatsStruct& record);
 std::string toJson(const dspwavedecks::peakFinderStruct& record);
 std::string toJson(const dspwavedecks::channelMeasurementsStruct& record);
+std::string toJson(const dspwavedecks::distortionStruct& record);
+std::string toJson(const dspwavedecks::phaseNoiseStruct& record);
+std::string toJson(const dspwavedecks::spectralMaskStruct& record);
 std::string toJson(const dspwavedecks::spectrumEstimatorMetaDataStruct& record);
 
 }  // namespace program

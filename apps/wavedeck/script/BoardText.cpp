@@ -35,6 +35,9 @@ std::optional<std::string> boardEntryAsJson(const wavedeck::WaveDeckClientSettin
         writerOf<dspwavedecks::signalStatsStruct>(),
         writerOf<dspwavedecks::peakFinderStruct>(),
         writerOf<dspwavedecks::channelMeasurementsStruct>(),
+        writerOf<dspwavedecks::distortionStruct>(),
+        writerOf<dspwavedecks::phaseNoiseStruct>(),
+        writerOf<dspwavedecks::spectralMaskStruct>(),
         writerOf<dspwavedecks::spectrumEstimatorMetaDataStruct>(),
     };
     const auto* entry = board.find(key);
