@@ -31,6 +31,7 @@ TEST(Catalogue, NamesAreUniqueAndTold) {
         EXPECT_TRUE(classes.insert(stage.className).second) << stage.className;
         EXPECT_NE(stage.chains, Chains::None) << stage.name;
         EXPECT_FALSE(stage.meaning.empty()) << stage.name;
+        EXPECT_EQ(stage.options.empty(), stage.kind == StageKind::Strategy) << stage.name;
         std::set<std::string_view> options;
         for (const Option* option : stage.options) {
             EXPECT_TRUE(options.insert(option->name).second) << stage.name << '.' << option->name;

@@ -1,0 +1,240 @@
+// Sends every option of the catalogue through the exported factories: every kind of value at every action. A stage
+// takes the kind that the catalogue tells, refuses each other one in the reader's own words, needs what the catalogue
+// calls required and nothing else, and looks at an option only at the actions that the catalogue names.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Catalogue.h"
+#include "StageLibrary.h"
+#include "TestClient.h"
+#include "foundation/numbenchdata/Array.h"
+#include "streamplug/Exceptions.h"
+
+namespace dspwavedecks::catalogue {
+namespace {
+
+using foundation::numbenchdata::Array;
+using foundation::numbenchdata::ArrayFactory;
+using foundation::numbenchdata::ArrayType;
+using testsupport::PropertyList;
+using testsupport::TestClient;
+
+const wavedeck::driver::StageLibrary& library() {
+    static const wavedeck::driver::StageLibrary loaded(STAGE_LIBRARY);
+    return loaded;
+}
+
+struct Action {
+    When when;
+    const char* name;
+};
+constexpr Action actions[] = {{When::Setup, "setup"},
+                              {When::Tune, "tune"},
+                              {When::SizeChange, "onInputSizeChange"},
+                              {When::Rollback, "onRollback"}};
+
+/// A value, and whether it is a list of char arrays where it is a cell array.
+struct Value {
+    const char* name;
+    Array array;
+    bool isCellOfTexts = false;
+};
+
+/// One value of every kind; texts are what the option takes as text.
+std::vector<Value> valuesFor(const std::string& text) {
+    const std::u16string wide(text.begin(), text.end());
+    const Array characters = ArrayFactory::createChar(text);
+    return {
+        {"double", ArrayFactory::createDouble({1.0})},
+        {"two doubles", ArrayFactory::createDouble({1.0, 2.0})},
+        {"no double", ArrayFactory::createDouble({})},
+        {"int", ArrayFactory::createInt({1})},
+        {"two ints", ArrayFactory::createInt({1, 2})},
+        {"logical", ArrayFactory::createLogical({true})},
+        {"two logicals", ArrayFactory::createLogical({true, false})},
+        {"char", characters},
+        {"string", ArrayFactory::createString({wide})},
+        {"two strings", ArrayFactory::createString({wide, wide})},
+        {"cell of chars", ArrayFactory::createCell({characters, characters}), true},
+        {"cell of doubles", ArrayFactory::createCell({ArrayFactory::createDouble({1.0})})},
+    };
+}
+
+/// What follows the option's name in the fault, or an empty text for a value that is taken.
+std::string faultOf(Kind kind, const Value& value) {
+    const ArrayType type = value.array.getType();
+    const auto scalarOf = [&](std::initializer_list<ArrayType> taken) -> std::string {
+        if (std::find(taken.begin(), taken.end(), type) == taken.end()) {
+            return " was not the expected type";
+        }
+        return value.array.getNumberOfElements() == 1 ? "" : " was not a scalar";
+    };
+    const auto listOf = [&](ArrayType taken) -> std::string {
+        return type == taken ? "" : " was not the expected type";
+    };
+    switch (kind) {
+        case Kind::Double:
+            return scalarOf({ArrayType::Double});
+        case Kind::Int:
+            return scalarOf({ArrayType::Int});
+        case Kind::Logical:
+            return scalarOf({ArrayType::Logical});
+        case Kind::DoubleOrInt:
+            return scalarOf({ArrayType::Double, ArrayType::Int});
+        case Kind::Doubles:
+            return listOf(ArrayType::Double);
+        case Kind::Ints:
+            return listOf(ArrayType::Int);
+        case Kind::Logicals:
+            return listOf(ArrayType::Logical);
+        case Kind::Texts:
+            return type == ArrayType::String || value.isCellOfTexts
+                       ? ""
+                       : " was not a cell array of chars or a string array";
+        case Kind::Text:
+        case Kind::UnicodeText:
+            break;
+    }
+    if (type != ArrayType::Char && type != ArrayType::String) {
+        return " was not a char or string";
+    }
+    return type == ArrayType::Char || value.array.getNumberOfElements() == 1 ? "" : " was not a scalar";
+}
+
+class ExportedOptions : public testing::TestWithParam<const Stage*> {
+protected:
+    void SetUp() override {
+        if (!library().offers(std::string(stage().name))) {
+            GTEST_SKIP() << "not in the library yet";
+        }
+    }
+
+    const Stage& stage() const { return *GetParam(); }
+
+    /// A stage that is set up unless the action to come is its setup.
+    std::shared_ptr<wavedeck::WaveDeckTransformImpl> makeStage(const Action& action) {
+        auto made = library().makeFilter(std::string(stage().name));
+        if (action.when != When::Setup) {
+            made->tuneImpl(required(actions[0], ""));
+        }
+        return made;
+    }
+
+    /// What the catalogue says that the action needs, without one name.
+    PropertyList required(const Action& action, std::string_view without) {
+        PropertyList list;
+        for (const Option* option : stage().options) {
+            if (option->required && intersects(option->when, action.when) && option->name != without) {
+                const std::string name(option->name);
+                list.add(name, name == "action" ? ArrayFactory::createChar(std::string(action.name)) : fact(name));
+            }
+        }
+        return list;
+    }
+
+    Array fact(const std::string& name) const {
+        for (const auto* property : client.setup()) {
+            const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(property);
+            if (name == property->getName()) {
+                return event->getValue();
+            }
+        }
+        ADD_FAILURE() << "the host does not know " << name;
+        return {};
+    }
+
+    /// The text that a reader of the option's text can go on with.
+    std::string textFor(const Option& option, const Action& action) const {
+        if (option.name == "action") {
+            return action.name;
+        }
+        if (option.name == "clientID") {
+            return client.name();
+        }
+        return option.words.empty() ? "1" : std::string(option.words.front().text);
+    }
+
+    /// Sends the list and gives back the text of the fault.
+    static std::string send(wavedeck::WaveDeckTransformImpl& filter, const PropertyList& list, When when) {
+        try {
+            when == When::Rollback ? filter.rollbackImpl(list) : filter.tuneImpl(list);
+        } catch (const streamplug::kit::array::OptionNotExpectedType& fault) {
+            return fault.what();
+        } catch (const streamplug::kit::array::OptionNotFound& fault) {
+            return fault.what();
+        }
+        return "";
+    }
+
+    TestClient client;
+};
+
+/// Options that are looked at only together with another one.
+PropertyList withCompanion(PropertyList list, std::string_view option) {
+    if (option == "rearm") {
+        list.addChar("mode", "once");
+    } else if (option == "minDuration" || option == "maxDuration") {
+        list.addChar("type", "runt");
+    } else if (option == "minPulseWidth" || option == "maxPulseWidth") {
+        list.addChar("type", "edge");
+    }
+    return list;
+}
+
+TEST_P(ExportedOptions, AreReadAsTheCatalogueTells) {
+    if (stage().kind == StageKind::Strategy) {
+        EXPECT_NE(library().makeStrategy(std::string(stage().name)), nullptr);
+        return;
+    }
+    for (const Action& action : actions) {
+        for (const Option* option : stage().options) {
+            const std::string name(option->name);
+            const bool isRead = intersects(option->when, action.when);
+            for (const Value& value : valuesFor(textFor(*option, action))) {
+                SCOPED_TRACE(std::string(action.name) + " with " + name + " as " + value.name);
+                PropertyList list;
+                list.add(name, value.array);  // the first of a name counts
+                for (const auto* property : withCompanion(required(action, name), name)) {
+                    const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(property);
+                    list.add(property->getName(), event->getValue());
+                }
+                const std::string fault = isRead ? faultOf(option->kind, value) : "";
+                EXPECT_EQ(send(*makeStage(action), list, action.when), fault.empty() ? "" : "Option: " + name + fault);
+            }
+        }
+    }
+}
+
+TEST_P(ExportedOptions, AreRequiredAsTheCatalogueTells) {
+    if (stage().kind == StageKind::Strategy) {
+        return;
+    }
+    for (const Action& action : actions) {
+        EXPECT_EQ(send(*makeStage(action), required(action, ""), action.when), "") << action.name;
+        for (const Option* option : stage().options) {
+            if (option->required && intersects(option->when, action.when)) {
+                EXPECT_EQ(send(*makeStage(action), required(action, option->name), action.when),
+                          "Option: " + std::string(option->name) + " was not found");
+            }
+        }
+    }
+}
+
+std::vector<const Stage*> allStages() {
+    std::vector<const Stage*> result;
+    for (const Stage& stage : stages) {
+        result.push_back(&stage);
+    }
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Stages, ExportedOptions, testing::ValuesIn(allStages()),
+                         [](const auto& info) { return std::string(info.param->name); });
+
+}  // namespace
+}  // namespace dspwavedecks::catalogue
