@@ -1,0 +1,205 @@
+#include "LiveServer.h"
+
+#include <Poco/Exception.h>
+#include <Poco/Net/HTTPServer.h>
+#include <Poco/Net/HTTPServerParams.h>
+#include <Poco/Net/IPAddress.h>
+#include <Poco/Net/NetException.h>
+#include <Poco/Net/ServerSocket.h>
+#include <Poco/ThreadPool.h>
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "Browser.h"
+#include "RequestHandlers.h"
+#include "UsageError.h"
+
+namespace program {
+
+namespace {
+
+constexpr std::size_t fileThreads = 8;
+
+Poco::Net::ServerSocket listenOn(const LiveServer::Settings& settings) {
+    try {
+        const Poco::Net::SocketAddress address(settings.host, settings.port);
+        Poco::Net::ServerSocket socket;
+        socket.bind(address, true);
+        socket.listen(64);
+        return socket;
+    } catch (const Poco::Exception& wrong) {
+        throw UsageError("--serve " + settings.host + ":" + std::to_string(settings.port) +
+                         ": cannot listen: " + wrong.displayText());
+    }
+}
+
+/// The reply to one text from a browser: what became of its tune.
+std::string answerTune(const std::string& text, const LiveServer::Callbacks& callbacks,
+                       const std::function<void()>& refused) {
+    const auto request = nlohmann::json::parse(text, nullptr, false);
+    const auto isText = [&](const char* name) { return request.contains(name) && request[name].is_string(); };
+    if (!request.is_object() || !isText("type") || request["type"] != "tune" || !request.contains("request") ||
+        !request["request"].is_number_integer() || !isText("client") || !isText("stage") ||
+        !request.contains("options") || !request["options"].is_object()) {
+        refused();
+        return R"({"type":"error","request":null,"text":"not a tune: type, request, client, stage, options expected"})";
+    }
+    const std::string wrong = callbacks.tune({request["client"], request["stage"], request["options"]});
+    nlohmann::json reply = {{"type", "tuned"}, {"request", request["request"]}};
+    if (!wrong.empty()) {
+        reply["type"] = "error";
+        reply["text"] = wrong;
+    }
+    return reply.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace
+
+struct LiveServer::State {
+    State(const Settings& given, Callbacks answers)
+        : settings(given),
+          callbacks(std::move(answers)),
+          socket(listenOn(given)),
+          threads(2, static_cast<int>(given.maxBrowsers + fileThreads)) {}
+
+    void live(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response);
+    std::shared_ptr<Browser> take(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response);
+    void forget(const std::shared_ptr<Browser>& browser);
+
+    const Settings settings;
+    const Callbacks callbacks;
+    Poco::Net::ServerSocket socket;
+    Poco::ThreadPool threads;
+    std::unique_ptr<Poco::Net::HTTPServer> server;
+
+    mutable std::mutex mutex;
+    std::condition_variable left;
+    std::vector<std::shared_ptr<Browser>> browsers;
+    std::size_t places = 0;  ///< live connections taken or being taken
+    std::uint64_t sequence = 0;
+    bool stopping = false;
+    Counters counters;
+};
+
+LiveServer::LiveServer(const Settings& settings, Callbacks callbacks)
+    : state_(std::make_unique<State>(settings, std::move(callbacks))) {
+    if (!StaticFiles(settings.webFolder).find("/")) {
+        throw UsageError("--serve: no page (index.html) in " + settings.webFolder);
+    }
+    auto* parameters = new Poco::Net::HTTPServerParams;
+    parameters->setMaxThreads(static_cast<int>(settings.maxBrowsers + fileThreads));
+    parameters->setMaxQueued(256);
+    parameters->setTimeout(Poco::Timespan(5, 0));  // for a request to arrive
+    parameters->setKeepAliveTimeout(Poco::Timespan(2, 0));
+    auto* handlers = new RequestHandlers(
+        settings.webFolder, [state = state_.get()](auto& request, auto& response) { state->live(request, response); });
+    state_->server = std::make_unique<Poco::Net::HTTPServer>(handlers, state_->threads, state_->socket, parameters);
+    state_->server->start();
+}
+
+LiveServer::~LiveServer() {
+    {
+        const std::lock_guard lock(state_->mutex);
+        state_->stopping = true;
+        for (const auto& browser : state_->browsers) {
+            browser->close();
+        }
+    }
+    {
+        std::unique_lock lock(state_->mutex);
+        state_->left.wait(lock, [this] { return state_->places == 0; });
+    }
+    state_->server->stopAll(true);
+    state_->threads.joinAll();
+}
+
+std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& request,
+                                                 Poco::Net::HTTPServerResponse& response) {
+    Poco::Net::WebSocket webSocket(request, response);
+    auto browser = std::make_shared<Browser>(std::move(webSocket), callbacks.hello());
+    const std::lock_guard lock(mutex);
+    ++counters.connections;
+    browsers.push_back(browser);
+    if (stopping) {
+        browser->close();
+    }
+    return browser;
+}
+
+void LiveServer::State::forget(const std::shared_ptr<Browser>& browser) {
+    const std::lock_guard lock(mutex);
+    counters.missedMessages += browser->missed();
+    browsers.erase(std::remove(browsers.begin(), browsers.end(), browser), browsers.end());
+}
+
+void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response) {
+    const bool loopback = socket.address().host().isLoopback();
+    {
+        const std::lock_guard lock(mutex);
+        const bool own = isOwnOrigin(request, loopback);
+        if (!own || places >= settings.maxBrowsers || stopping) {
+            ++counters.refusedConnections;
+            response.setStatusAndReason(own ? Poco::Net::HTTPResponse::HTTP_SERVICE_UNAVAILABLE
+                                            : Poco::Net::HTTPResponse::HTTP_FORBIDDEN);
+            response.setContentLength(0);
+            response.send();
+            return;
+        }
+        ++places;
+    }
+    const auto refused = [this] {
+        const std::lock_guard lock(mutex);
+        ++counters.refusedMessages;
+    };
+    try {
+        const auto browser = take(request, response);
+        browser->run([&](const std::string& text) { return answerTune(text, callbacks, refused); }, refused);
+        forget(browser);
+    } catch (const Poco::Exception&) {
+        refused();  // not a WebSocket handshake
+        if (!response.sent()) {
+            response.setStatusAndReason(Poco::Net::HTTPResponse::HTTP_BAD_REQUEST);
+            response.setContentLength(0);
+            response.send();
+        }
+    }
+    const std::lock_guard lock(mutex);
+    --places;
+    left.notify_all();
+}
+
+void LiveServer::publish(const std::string& client, const std::string& event, const std::string& message) {
+    const std::lock_guard lock(state_->mutex);
+    ++state_->sequence;
+    if (state_->browsers.empty()) {
+        return;
+    }
+    const auto shared = std::make_shared<const LiveMessage>(LiveMessage{client, event, message, state_->sequence});
+    for (const auto& browser : state_->browsers) {
+        browser->offer(shared);
+    }
+}
+
+std::string LiveServer::address() const {
+    return "http://" + state_->settings.host + ":" + std::to_string(state_->socket.address().port()) + "/";
+}
+
+std::size_t LiveServer::numBrowsers() const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->browsers.size();
+}
+
+LiveServer::Counters LiveServer::counters() const {
+    const std::lock_guard lock(state_->mutex);
+    Counters counters = state_->counters;
+    for (const auto& browser : state_->browsers) {
+        counters.missedMessages += browser->missed();
+    }
+    return counters;
+}
+
+}  // namespace program

@@ -1,0 +1,199 @@
+#include "LiveServer.h"
+
+#include <Poco/Net/HTTPClientSession.h>
+#include <Poco/Net/HTTPRequest.h>
+#include <Poco/Net/HTTPResponse.h>
+#include <Poco/Net/NetException.h>
+#include <Poco/Net/WebSocket.h>
+#include <Poco/StreamCopier.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "UsageError.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using nlohmann::json;
+using Poco::Net::HTTPRequest;
+using Poco::Net::HTTPResponse;
+using Poco::Net::WebSocket;
+
+/// A server over a small folder, and browsers that talk to it.
+class LiveServerTest : public testing::Test {
+protected:
+    LiveServerTest() {
+        std::filesystem::create_directories(folder_ / "page");
+        std::ofstream(folder_ / "secret.txt") << "not for browsers";
+        std::ofstream(folder_ / "page" / "index.html") << "<html>the page</html>";
+        std::filesystem::create_symlink(folder_ / "secret.txt", folder_ / "page" / "link.txt");
+        server_ = std::make_unique<program::LiveServer>(
+            program::LiveServer::Settings{"127.0.0.1", 0, (folder_ / "page").string(), 3},
+            program::LiveServer::Callbacks{[] { return std::string(R"({"type":"hello","clients":[]})"); },
+                                           [this](const program::TuneRequest& request) { return tune(request); }});
+        port_ = static_cast<std::uint16_t>(std::stoi(server_->address().substr(server_->address().rfind(':') + 1)));
+    }
+    ~LiveServerTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string tune(const program::TuneRequest& request) {
+        tunes_.push_back(request.client + "/" + request.stage + "/" + request.options.dump());
+        return request.stage == "there" ? "" : "no stage " + request.stage;
+    }
+
+    HTTPResponse::HTTPStatus get(const std::string& path, std::string* body = nullptr) {
+        Poco::Net::HTTPClientSession session("127.0.0.1", port_);
+        HTTPRequest request(HTTPRequest::HTTP_GET, path, HTTPRequest::HTTP_1_1);
+        session.sendRequest(request);
+        HTTPResponse response;
+        std::string text;
+        Poco::StreamCopier::copyToString(session.receiveResponse(response), text);
+        if (body) {
+            *body = text;
+        }
+        return response.getStatus();
+    }
+
+    /// A live connection that has had its hello; throws WebSocketException if refused.
+    std::unique_ptr<WebSocket> connect(const std::string& origin = "", const std::string& host = "") {
+        Poco::Net::HTTPClientSession session("127.0.0.1", port_);
+        HTTPRequest request(HTTPRequest::HTTP_GET, "/live", HTTPRequest::HTTP_1_1);
+        if (!origin.empty()) {
+            request.set("Origin", origin);
+        }
+        if (!host.empty()) {
+            request.setHost(host);
+        }
+        HTTPResponse response;
+        auto socket = std::make_unique<WebSocket>(session, request, response);
+        socket->setReceiveTimeout(Poco::Timespan(5, 0));
+        EXPECT_EQ(receive(*socket)["type"], "hello");
+        return socket;
+    }
+
+    static json receive(WebSocket& socket) {
+        Poco::Buffer<char> buffer(0);
+        int flags = 0;
+        socket.receiveFrame(buffer, flags);
+        return json::parse(buffer.begin(), buffer.end());
+    }
+
+    static json ask(WebSocket& socket, const std::string& text) {
+        socket.sendFrame(text.data(), static_cast<int>(text.size()));
+        return receive(socket);
+    }
+
+    template <typename Condition>
+    static bool eventually(Condition condition) {
+        for (int i = 0; i < 500 && !condition(); ++i) {
+            std::this_thread::sleep_for(10ms);
+        }
+        return condition();
+    }
+
+    std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / ("live_server_" + std::to_string(::getpid()) + "_" +
+                                                  testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::vector<std::string> tunes_;
+    std::unique_ptr<program::LiveServer> server_;
+    std::uint16_t port_ = 0;
+};
+
+TEST_F(LiveServerTest, servesThePageAndNothingOutsideItsFolder) {
+    std::string body;
+    EXPECT_EQ(get("/", &body), HTTPResponse::HTTP_OK);
+    EXPECT_EQ(body, "<html>the page</html>");
+    for (const char* path :
+         {"/../secret.txt", "/%2e%2e/secret.txt", "/link.txt", "/nothing.js", "/page/", "//secret.txt"}) {
+        EXPECT_EQ(get(path), HTTPResponse::HTTP_NOT_FOUND) << path;
+    }
+}
+
+TEST_F(LiveServerTest, tunesReachTheProgramAndErrorsComeBackInItsWords) {
+    const auto socket = connect("http://127.0.0.1:" + std::to_string(port_));
+    const json good = ask(*socket, R"({"type":"tune","request":7,"client":"c","stage":"there","options":{"rbw":10}})");
+    EXPECT_EQ(good, json::parse(R"({"type":"tuned","request":7})"));
+    const json bad = ask(*socket, R"({"type":"tune","request":8,"client":"c","stage":"gone","options":{}})");
+    EXPECT_EQ(bad, json::parse(R"({"type":"error","request":8,"text":"no stage gone"})"));
+    ASSERT_EQ(tunes_.size(), 2u);
+    EXPECT_EQ(tunes_[0], R"(c/there/{"rbw":10})");
+    for (const char* text : {"", "{", "[]", "7", R"({"type":"tune"})",
+                             R"({"type":"tune","request":"x","client":"c","stage":"there","options":{}})",
+                             R"({"type":"tune","request":1,"client":2,"stage":"there","options":{}})", "\xff\xfe"}) {
+        EXPECT_EQ(ask(*socket, text)["type"], "error") << text;
+    }
+    EXPECT_EQ(tunes_.size(), 2u);
+    EXPECT_EQ(server_->counters().refusedMessages, 8u);
+}
+
+TEST_F(LiveServerTest, refusesForeignPagesForeignNamesAndTooManyBrowsers) {
+    const std::string port = ":" + std::to_string(port_);
+    EXPECT_THROW(connect("http://elsewhere.example"), Poco::Net::WebSocketException);
+    EXPECT_THROW(connect("http://elsewhere.example" + port, "elsewhere.example" + port), Poco::Net::WebSocketException);
+    EXPECT_EQ(server_->counters().refusedConnections, 2u);
+    std::vector<std::unique_ptr<WebSocket>> browsers;
+    for (int i = 0; i < 3; ++i) {
+        browsers.push_back(connect());
+    }
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_THROW(connect(), Poco::Net::WebSocketException);
+    }
+    EXPECT_EQ(server_->numBrowsers(), 3u);
+    EXPECT_EQ(get("/"), HTTPResponse::HTTP_OK);
+    browsers.pop_back();
+    EXPECT_TRUE(eventually([&] { return server_->numBrowsers() == 2u; }));
+    EXPECT_NO_THROW(connect());
+}
+
+TEST_F(LiveServerTest, aMegabyteOfGarbageEndsOnlyItsOwnConnection) {
+    const auto good = connect();
+    const auto bad = connect();
+    const std::string garbage(1 << 20, 'x');
+    try {
+        bad->sendFrame(garbage.data(), static_cast<int>(garbage.size()));
+    } catch (const Poco::Exception&) {
+        // the server may have hung up while it was still being sent
+    }
+    EXPECT_TRUE(eventually([&] { return server_->numBrowsers() == 1u; }));
+    EXPECT_EQ(server_->counters().refusedMessages, 1u);
+    server_->publish("c", "updateDataAsync", R"({"a":1})");
+    const json update = receive(*good);
+    EXPECT_EQ(update["message"], json::parse(R"({"a":1})"));
+    EXPECT_EQ(update["sequence"], 1);
+    EXPECT_EQ(update["event"], "updateDataAsync");
+}
+
+TEST_F(LiveServerTest, aSlowBrowserMissesMessagesAndHoldsNobodyUp) {
+    const auto slow = connect();
+    const auto quick = connect();
+    const std::string text = "\"" + std::string(200000, 'a') + "\"";
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 200; ++i) {
+        server_->publish("c", "updateDataAsync", text);
+        EXPECT_EQ(receive(*quick)["sequence"], i + 1);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 9s) << "the slow browser's time-out held the others up";
+    // What the slow one reads first lies in the sockets' buffers; behind that comes the newest message alone.
+    json last;
+    std::uint64_t got = 0;
+    while (last.is_null() || last["sequence"] != 200) {
+        last = receive(*slow);
+        ++got;
+    }
+    EXPECT_GT(last["missed"], 0);
+    EXPECT_EQ(got + last["missed"].get<std::uint64_t>(), 200u);
+}
+
+TEST(LiveServer, saysWhatIsWrongWithAnAddressOrFolder) {
+    program::LiveServer::Callbacks callbacks{[] { return std::string(); }, [](const auto&) { return std::string(); }};
+    EXPECT_THROW(program::LiveServer({"127.0.0.1", 0, "/nowhere", 1}, callbacks), program::UsageError);
+    EXPECT_THROW(program::LiveServer({"256.1.1.1", 0, "/nowhere", 1}, callbacks), program::UsageError);
+}
+
+}  // namespace
