@@ -178,20 +178,29 @@ void SpectrumBuffer::flush() {
         store);
 }
 
-void SpectrumBuffer::clear() {
-    if (segmentsPerBlock == 0 || segmentLength == 0) {
-        return;
-    }
+void SpectrumBuffer::drop(const std::size_t& channel, const std::size_t& numSamples) {
     std::visit(
-        [this](auto& runs) {
-            for (auto& run : runs) {
-                const std::size_t whole = run.size() / segmentLength / segmentsPerBlock * segmentsPerBlock;
-                const std::size_t used = whole * segmentLength;
-                std::copy(run.begin() + static_cast<std::ptrdiff_t>(used), run.end(), run.begin());
-                run.resize(run.size() - used);
+        [&](auto& runs) {
+            if (channel >= runs.size()) {
+                return;
             }
+            auto& run = runs[channel];
+            const std::size_t dropped = std::min(numSamples, run.size());
+            std::copy(run.begin() + static_cast<std::ptrdiff_t>(dropped), run.end(), run.begin());
+            run.resize(run.size() - dropped);
         },
         store);
+}
+
+void SpectrumBuffer::clear() {
+    if (segmentsPerBlock == 0) {
+        return;
+    }
+    const std::size_t channels = std::visit([](const auto& runs) { return runs.size(); }, store);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const std::size_t whole = getNumSegments(channel) / segmentsPerBlock * segmentsPerBlock;
+        drop(channel, whole * segmentLength);
+    }
 }
 
 }  // namespace dspwavedecks

@@ -72,6 +72,8 @@ public:
 
     /// Empties every channel; the memory is kept.
     void flush();
+    /// Drops the first samples of a channel, at most all.
+    void drop(const std::size_t& channel, const std::size_t& numSamples);
     /// Drops the whole blocks of every channel; an incomplete block stays, and with it the overlap.
     void clear();
 

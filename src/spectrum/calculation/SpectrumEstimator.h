@@ -344,6 +344,14 @@ private:
         bool operator==(const WindowKey&) const = default;
     };
 
+    /// What the decimator remembers from one segment to the next.
+    struct ZoomState {
+        std::vector<double> history;                   ///< [all channels * 48 d - 1] last input samples, as stored
+        std::vector<std::complex<double>> lastPoints;  ///< [all channels * O] what the next segment shares
+    };
+    /// How the first zoomed segment of a channel begins.
+    enum class ZoomStart { undecided, waitingForOverlap, done };
+
     template <class T>
     bool assign(T& field, const T& value, unsigned marks);
     template <class T>
@@ -375,6 +383,7 @@ private:
     std::size_t toCount(double value) const;
     std::size_t frequencyRangeStart() const { return isFrequencyVectorTrimmed() ? frequencyVectorRange[0] : 0; }
     bool isZoomInUse() const { return zoomFFTEnabled && !isFrequencyInputDomain(); }
+    bool isComplexSignal(const int& signal) const;
     bool isAnyHoldTraceOn() const { return plotMaxHoldTrace || plotMinHoldTrace; }
     bool isPlainFilterbank() const { return isFilterbankMode() && !isFilterbankInHybridMode(); }
     bool isLastSignal(const int& signal) const { return signal + 1 >= numSignals; }
@@ -394,12 +403,13 @@ private:
     void addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& numChannels,
                                  const std::size_t& frameSize, const bool& isComplex);
     std::size_t getNumSegments(const std::size_t& bufferIndex) const;
-    std::size_t computeTransientSegmentLength(const std::size_t& bufferIndex) const;
+    std::size_t computeTransientSegmentLength(const std::size_t& bufferIndex, bool ready) const;
     double computeTransientRBW(const std::size_t& length) const;
     void computeTransientNumSamplesPerUpdate();
     void beginTransientUpdate(bool ready);
-    void computeSegments(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
-    void finishFrame(bool ready);
+    void computeUpdate(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+    void countSegment(const int& signal);
+    void finishFrame(bool ready, std::size_t newSegments);
     void addFrequencyVectorToOutputBuffer(std::vector<double>& out) const;
     void addDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
     void addWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
@@ -411,6 +421,15 @@ private:
 
     // Zoom.
     void allocateZoomFFTResources();
+    void rotateZoomFilter();
+    void beginZoomChannel(const std::size_t& bufferIndex);
+    void takeZoomLeadIn(const std::size_t& bufferIndex);
+    bool isZoomLeadInPending(const std::size_t& bufferIndex) const;
+    std::size_t getNumZoomPointsBefore(const std::size_t& bufferIndex) const;
+    std::size_t zoomHistoryLength() const { return zoomFilter.empty() ? 0 : zoomFilter.size() - 1; }
+    void decimate(const std::size_t& bufferIndex, std::size_t offset, std::size_t samples,
+                  std::complex<double>* points);
+    void keepZoomHistory(const std::size_t& bufferIndex, std::size_t offset, std::size_t samples);
     void computeZoomSegment(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
     void addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
 
@@ -436,13 +455,16 @@ private:
     void aggregateSpectrum(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
 
     // Scaling.
-    void scaleSpectrum(std::vector<double>& out, const int& signal, const std::size_t& numChannels) const;
+    bool isSameUnitInAndOut() const;
+    void scaleSpectrum(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
     void scaleMaxMinHoldTraceSpectrum(const int& signal, const std::size_t& numChannels);
-    void scaleFrequencyDomainSpectrum(std::vector<double>& out) const;
+    void scaleFrequencyDomainSpectrum(std::vector<double>& out);
 
     // Filter bank.
     void allocateFilterbankResources();
     void computeFIRFilterGroupDelay();
+
+    static constexpr double firStopbandAttenuation = 140.0;  ///< dB, of every filter designed here
 
     // Options.
     InputDomain inputDomain = InputDomain::time;
@@ -547,6 +569,9 @@ private:
     std::array<std::size_t, 2> frequencyVectorRange{0, 0};
     std::vector<double> windowData;
     std::vector<double> filterbankPolyphaseMatrix;
+    std::vector<double> zoomFilter;  ///< [48 d] anti-alias filter, branch by branch
+    std::array<AlignedVector<double>, 2>
+        zoomMixedFilter;  ///< its real and imaginary taps at the centre, last tap first
 
     // State.
     std::mutex mutex;
@@ -572,6 +597,8 @@ private:
     std::vector<double> maxHoldPSD;
     std::vector<double> minHoldPSD;
     std::vector<double> spectrogramCarry;
+    ZoomState zoomState;
+    std::vector<ZoomStart> zoomStarts;  ///< of each channel
 
     std::optional<WindowKey> builtWindow;  ///< what windowData was built from, unless it is a custom one
     std::vector<std::pair<WindowKey, double>> knownENBWs;  ///< lengths tried for an RBW; windows take long to build
@@ -579,6 +606,10 @@ private:
     // Scratch.
     SpectrumTransform transform;
     std::vector<double> rowScratch;
+    std::vector<unsigned long> conversionRange;
+    std::vector<std::complex<double>> zoomOutput;  ///< [all channels * L] decimated samples of the segment at hand
+    SampleVector<double> zoomHead;                 ///< end of the history and beginning of a segment, side by side
+    ZoomState zoomStateAtStart;
 };
 
 }  // namespace dspwavedecks

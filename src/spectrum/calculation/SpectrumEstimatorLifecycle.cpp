@@ -75,7 +75,7 @@ void SpectrumEstimator::release(const bool& fullReset) {
 
 std::size_t SpectrumEstimator::getNumChannels(const int& signal) const {
     const int raw = std::max(entryOf(numChannels, signal), 0);
-    return static_cast<std::size_t>(entryOf(isComplex, signal) != 0 ? raw / 2 : raw);
+    return static_cast<std::size_t>(isComplexSignal(signal) ? raw / 2 : raw);
 }
 
 int SpectrumEstimator::getFrameSize(const int& signal) const {
@@ -83,6 +83,10 @@ int SpectrumEstimator::getFrameSize(const int& signal) const {
 }
 int SpectrumEstimator::getUnbufferedFrameSize(const int& signal) const {
     return entryOf(unbufferedFrameSize, signal);
+}
+
+bool SpectrumEstimator::isComplexSignal(const int& signal) const {
+    return entryOf(isComplex, signal) != 0;
 }
 
 bool SpectrumEstimator::isAnyInputComplex() const {

@@ -1,0 +1,357 @@
+#include <algorithm>
+#include <complex>
+
+#include "SpectrumEstimator.h"
+#include "VectorMath.h"
+
+namespace dspwavedecks {
+
+void SpectrumEstimator::setupBuffer() {
+    if (flushSpectrumBuffer) {
+        spectrumBuffer->setup(static_cast<std::size_t>(std::max(numSignals, 0)), totalNumChannels, isAnyInputComplex());
+    }
+    // Zoomed segments are stored as they come in, without their overlap: that is taken from the decimated samples.
+    spectrumBuffer->setSegmentLength(isZoomInUse() ? actualNumSamplesPerUpdate
+                                                   : std::max(actualSegmentLength, actualNumSamplesPerUpdate));
+    spectrumBuffer->setOverlapPercent(bufferOverlapPercent());
+    spectrumBuffer->setSegmentsPerBlock(numSegmentsPerBlock);
+    spectrumBuffer->setZerosInFirstSegment(isProcessingNewData || !overlapChanged);
+    overlapChanged = false;
+    if (flushSpectrumBuffer) {
+        spectrumBuffer->flush();
+    }
+}
+
+void SpectrumEstimator::allocateWelchResources() {
+    const bool fillingBank = isFilterbankInHybridMode();
+    if (!isFilterbankMode() || fillingBank) {
+        computeWindowPower();
+    }
+}
+
+void SpectrumEstimator::allocateFFTResources() {
+    transform.allocate(totalNumChannels, actualFFTLength);
+}
+
+void SpectrumEstimator::resetFFTResources() {
+    if (isLocked_ && !isFrequencyInputDomain()) {
+        transform.reset();
+    }
+}
+
+const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const double* data, std::vector<double>& out,
+                                                                          const int& signal) {
+    if (signal < 0 || signal >= numSignals || !spectrumBuffer) {
+        return metaData;
+    }
+    if (useCachedSpectrumData) {
+        repeatCachedSpectrum(out, signal);
+        return metaData;
+    }
+    propertyChanged = false;
+    const std::size_t channels = getNumChannels(signal);
+    addDataToSpectrumBuffer(data, signal, channels, toCount(getFrameSize(signal)), isComplexSignal(signal));
+    const bool ready = spectrumBuffer->isReady() && !isZoomLeadInPending(0);
+    if (!ready && (enableDesiredSegmentLengthThreshold || desiredSegmentLengthMet)) {
+        spectrumBuffer->setZerosInFirstSegment(true);
+        return metaData;
+    }
+    metaData.isNewDataReady = false;
+    // The signal's number stands for a channel of the buffer here. The two differ once a signal has several channels;
+    // that is meant.
+    const auto bufferIndex = static_cast<std::size_t>(signal);
+    transientSegmentLength = computeTransientSegmentLength(bufferIndex, ready);
+    if (!desiredSegmentLengthMet) {
+        beginTransientUpdate(ready);
+    }
+    // A signal that has no new segment keeps its output, its cached rows and its traces.
+    const std::size_t newSegments = getNumSegments(bufferIndex);
+    if (newSegments != 0) {
+        numSegments = newSegments;
+        numSpectrumBlocks = getNumSpectrumBlocks();
+        computeUpdate(out, signal, channels);
+    }
+    if (isLastSignal(signal)) {
+        finishFrame(ready, newSegments);
+    }
+    updateComputedSpectrumMetaData();
+    resetSignalBuffers = false;
+    return metaData;
+}
+
+/// Played-again frames whose settings did not change: the rows of the last update once more.
+void SpectrumEstimator::repeatCachedSpectrum(std::vector<double>& out, const int& signal) {
+    const std::size_t channels = getNumChannels(signal);
+    const bool bySegment = !propertyChanged && showSpectrogram;
+    const std::size_t rows = !bySegment ? 1 : numSegmentsPerBlock < 2 ? numSegments : numSpectrumBlocks;
+    out.assign((outputFrequencyVector + channels) * spectrumLength * rows, 0.0);
+    if (rows != 0) {
+        addFrequencyVectorToOutputBuffer(out);
+    }
+    const std::vector<double>& cached = metaData.spectrumData[static_cast<std::size_t>(signal)];
+    const std::size_t place = std::min(numSpectrumBlocks * spectrumLength, out.size());
+    std::copy_n(cached.begin(), std::min(cached.size(), out.size() - place),
+                out.begin() + static_cast<std::ptrdiff_t>(place));
+    metaData.resetSignalBuffers = resetSignalBuffers;
+}
+
+void SpectrumEstimator::addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& channels,
+                                                const std::size_t& samples, const bool& complex) {
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const std::size_t index = getChannelBufferIdx(signal, channel);
+        beginZoomChannel(index);
+        spectrumBuffer->addData(data + samples * channel, index, samples, channels, complex);
+        takeZoomLeadIn(index);
+    }
+}
+
+std::size_t SpectrumEstimator::getNumSegments(const std::size_t& bufferIndex) const {
+    const std::size_t held = isZoomLeadInPending(bufferIndex) ? 0 : spectrumBuffer->getNumSegments(bufferIndex);
+    return held == 0 && !enableDesiredSegmentLengthThreshold ? 1 : held;
+}
+
+std::size_t SpectrumEstimator::computeTransientSegmentLength(const std::size_t& bufferIndex, bool ready) const {
+    const std::size_t held = spectrumBuffer->size(bufferIndex);
+    if (!isZoomInUse()) {
+        return std::min(actualSegmentLength, held);
+    }
+    if (ready || desiredSegmentLengthMet) {
+        return actualSegmentLength;
+    }
+    return std::min(actualSegmentLength, getNumZoomPointsBefore(bufferIndex) + held / zoomDecimationFactor);
+}
+
+double SpectrumEstimator::computeTransientRBW(const std::size_t& length) const {
+    if (isPlainFilterbank() || desiredSegmentLengthMet) {
+        return actualRBW;
+    }
+    return enbw * actualSampleRate / static_cast<double>(length);
+}
+
+void SpectrumEstimator::computeTransientNumSamplesPerUpdate() {
+    transientNumSamplesPerUpdate = transientSegmentLength - std::min(numOverlapSamples, transientSegmentLength);
+    if (isZoomInUse()) {
+        transientNumSamplesPerUpdate *= zoomDecimationFactor;
+    }
+}
+
+/// An update before the first whole segment, or the one that has it.
+void SpectrumEstimator::beginTransientUpdate(bool ready) {
+    desiredSegmentLengthMet = ready;
+    numSamplesProcessed = 0;
+    totalNumSamplesProcessed = 0;
+    if (enableDesiredSegmentLengthThreshold) {
+        return;
+    }
+    if (transientSegmentLength != windowData.size() && window != Window::custom) {
+        computeENBW(transientSegmentLength);
+        computeWindowPower();
+    }
+    transientRBW = computeTransientRBW(transientSegmentLength);
+    computeActualForgettingFactor();
+    computeTransientNumSamplesPerUpdate();
+    allocateSpectrogramResources();
+    resetMaxMinHoldStates = true;
+    resetSignalBuffers = true;
+}
+
+void SpectrumEstimator::computeUpdate(std::vector<double>& out, const int& signal, const std::size_t& channels) {
+    out.resize(getOutputDataSize(channels));
+    addFrequencyVectorToOutputBuffer(out);
+    if (outputFrequencyVector != 0 && showSpectrogram) {
+        const auto grid = out.begin() + static_cast<std::ptrdiff_t>(spectrumLength);
+        std::fill(grid, grid + static_cast<std::ptrdiff_t>((numSegments - 1) * spectrumLength), 0.0);
+    }
+    if (isZoomInUse() && !desiredSegmentLengthMet) {
+        zoomStateAtStart = zoomState;
+    }
+    for (std::size_t segment = 0; segment < numSegments; ++segment) {
+        countSegment(signal);
+        addDataToFFTBuffer(signal, channels, segment);
+        transform.execute(channels);
+        computePSD(out, channels, segment);
+        if (desiredSegmentLengthMet) {
+            computeExponentialAverage(out, signal, channels, segment);
+        }
+        if (isAnyHoldTraceOn() && showSpectrum) {
+            if (desiredSegmentLengthMet) {
+                resetMaxAndMinHoldResources();
+            }
+            computeMaxAndMinHoldTracePSD(out, signal, channels, segment);
+        }
+    }
+    if (isZoomInUse() && !desiredSegmentLengthMet) {
+        zoomState = zoomStateAtStart;  // the same samples come again, in a longer segment
+    }
+    aggregateSpectrum(out, signal, channels);
+    scaleSpectrum(out, signal, channels);
+    if (showSpectrum) {
+        scaleMaxMinHoldTraceSpectrum(signal, channels);
+    }
+    cacheSpectrum(out, signal, channels);
+}
+
+/// The one counter goes on with each signal, the other with the last one alone; both are meant.
+void SpectrumEstimator::countSegment(const int& signal) {
+    const auto count = [this](std::size_t& counter) {
+        counter = (desiredSegmentLengthMet ? counter : 0) + transientSegmentLength;
+    };
+    count(numSamplesProcessed);
+    if (isLastSignal(signal)) {
+        count(totalNumSamplesProcessed);
+    }
+}
+
+void SpectrumEstimator::finishFrame(bool ready, std::size_t newSegments) {
+    if (desiredSegmentLengthMet) {
+        metaData.numAdditionalSamples = 0;
+        if (ready) {
+            spectrumBuffer->clear();
+        }
+        if (isProcessingNewData) {
+            numUpdatesProcessed += newSegments;
+        }
+    } else if (isZoomInUse()) {
+        metaData.numAdditionalSamples = zoomDecimationFactor * (actualSegmentLength - transientSegmentLength);
+    } else {
+        metaData.numAdditionalSamples = metaData.numSamplesPerUpdate + numOverlapSamples - transientSegmentLength;
+    }
+}
+
+void SpectrumEstimator::addDataToFFTBuffer(const int& signal, const std::size_t& channels, const std::size_t& segment) {
+    if (isZoomInUse()) {
+        computeZoomSegment(signal, channels, segment);
+    }
+    if (!isPlainFilterbank()) {
+        if (isZoomInUse()) {
+            addZoomFFTWindowedDataToFFTBuffer(signal, channels);
+        } else {
+            addWindowedDataToFFTBuffer(signal, channels, segment);
+        }
+    }
+}
+
+/// What the segment or the window does not reach is zero.
+void SpectrumEstimator::addWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels,
+                                                   const std::size_t& segment) {
+    const std::size_t offset = segment * transientSegmentLength;
+    const std::size_t wanted = std::min({transientSegmentLength, actualFFTLength, windowData.size()});
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const std::size_t index = getChannelBufferIdx(signal, channel);
+        const std::size_t held = spectrumBuffer->size(index);
+        const std::size_t count = std::min(wanted, held - std::min(offset, held));
+        double* in = transform.input(channel);
+        if (count != 0 && spectrumBuffer->holdsComplexSamples()) {
+            const auto* samples = spectrumBuffer->run<std::complex<double>>(index) + offset;
+            vectormath::windowComplex(reinterpret_cast<const double*>(samples), windowData.data(), in, count);
+        } else if (count != 0) {
+            vectormath::windowReal(spectrumBuffer->run<double>(index) + offset, windowData.data(), in, count);
+        }
+        std::fill(in + 2 * count, in + 2 * actualFFTLength, 0.0);
+    }
+}
+
+void SpectrumEstimator::computePSD(std::vector<double>& out, const std::size_t& channels, const std::size_t& segment) {
+    if (isTwoSidedSpectrum() && !propertyChanged) {
+        computeTwoSidedPSD(out, channels, segment);
+    } else {
+        computeOneSidedPSD(out, channels, segment);
+    }
+}
+
+/// Bins in the order of the grid: negative frequencies first, and for an even length the one at +Fs' / 2 last.
+void SpectrumEstimator::computeTwoSidedPSD(std::vector<double>& out, const std::size_t& channels,
+                                           const std::size_t& segment) {
+    const std::size_t N = actualFFTLength;
+    const std::size_t zeroHertz = (N - 1) / 2;
+    const double scale = getSpectrumScaleValue();
+    const bool trimmed = isFrequencyVectorTrimmed();
+    if (trimmed) {
+        rowScratch.resize(N);
+    }
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const double* bins = transform.output(channel);
+        double* const outRow = out.data() + getOutputDataIdx(channel, segment);
+        double* const row = trimmed ? rowScratch.data() : outRow;
+        vectormath::scaledPower(bins, scale, row + zeroHertz, N - zeroHertz);
+        vectormath::scaledPower(bins + 2 * (N - zeroHertz), scale, row, zeroHertz);
+        if (trimmed) {
+            const std::size_t start = std::min(frequencyVectorRange[0], N - 1);
+            const std::size_t count = std::min(spectrumLength, N - start);
+            std::copy_n(row + start, count, outRow);
+            std::fill(outRow + count, outRow + spectrumLength, row[N - 1]);
+        }
+    }
+}
+
+/// Bins that stand for two, the positive and the negative frequency, count double.
+void SpectrumEstimator::computeOneSidedPSD(std::vector<double>& out, const std::size_t& channels,
+                                           const std::size_t& segment) {
+    const bool even = actualFFTLength % 2 == 0;
+    const std::size_t lastBin = oneSidedLength() - 1;
+    const std::size_t start = std::min(frequencyRangeStart(), lastBin);
+    const std::size_t count = std::min(spectrumLength, lastBin + 1 - start);
+    const double scale = getSpectrumScaleValue();
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const double* bins = transform.output(channel);
+        double* const row = out.data() + getOutputDataIdx(channel, segment);
+        vectormath::scaledPower(bins + 2 * start, scale * 2.0, row, count);
+        for (const std::size_t single : {std::size_t{0}, spectrumLength - 1}) {
+            if (isDCOrNyquist(single, even) && single >= start && single < start + count) {
+                vectormath::scaledPower(bins + 2 * single, scale, row + (single - start), 1);
+            }
+        }
+        std::fill(row + count, row + spectrumLength, row[count - 1]);
+    }
+}
+
+/// The bin of the spectrum's last point counts as Nyquist by its number alone, also where the spectrum is only a part
+/// of the band and that bin lies inside it or outside. That is meant.
+bool SpectrumEstimator::isDCOrNyquist(std::size_t k, const bool& isEvenLength) const {
+    return k == 0 || (isEvenLength && k == spectrumLength - 1);
+}
+
+void SpectrumEstimator::cacheSpectrum(const std::vector<double>& out, const int& signal, const std::size_t& channels) {
+    std::vector<double>& cached = metaData.spectrumData[static_cast<std::size_t>(signal)];
+    const std::size_t start = std::min(numSpectrumBlocks * spectrumLength, out.size());
+    cached.resize(channels * numSpectrumBlocks * spectrumLength);
+    std::copy_n(out.begin() + static_cast<std::ptrdiff_t>(start), std::min(cached.size(), out.size() - start),
+                cached.begin());
+}
+
+const spectrumEstimatorMetaDataStruct& SpectrumEstimator::processSpectrum(const double* data, std::vector<double>& out,
+                                                                          const int& signal) {
+    if (signal < 0 || signal >= numSignals) {
+        return metaData;
+    }
+    metaData.isNewDataReady = false;
+    numSegments = 1;
+    const std::size_t channels = getNumChannels(signal);
+    const std::size_t S = spectrumLength;
+    const std::size_t frame = toCount(getFrameSize(signal));
+    out.resize((outputFrequencyVector + channels) * S);
+    addFrequencyVectorToOutputBuffer(out);
+    if (S >= frame) {
+        std::fill(out.begin() + static_cast<std::ptrdiff_t>(outputFrequencyVector * S), out.end(), 0.0);
+        const std::size_t place = std::min(frame, out.size());
+        std::copy_n(data, std::min(channels * frame, out.size() - place), out.data() + place);
+    } else {
+        // Of frames longer than the spectrum the last values count.
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            std::copy_n(data + channel * frame + (frame - S), S, out.data() + (channel + outputFrequencyVector) * S);
+        }
+    }
+    scaleFrequencyDomainSpectrum(out);
+    if (!propertyChanged && isAnyHoldTraceOn() && showSpectrum) {
+        computeMaxAndMinHoldTraceSpectrum(out, signal, channels);
+    }
+    numSamplesProcessed += S;
+    ++numUpdatesProcessed;
+    numSpectrumBlocks = 1;
+    metaData.spectrumData[static_cast<std::size_t>(signal)].assign(
+        out.begin() + static_cast<std::ptrdiff_t>(outputFrequencyVector * S), out.end());
+    updateProcessedSpectrumMetaData();
+    return metaData;
+}
+
+}  // namespace dspwavedecks
