@@ -49,6 +49,7 @@ DeckClient::DeckClient(ClientFacts facts) : facts_(std::move(facts)) {
     displaySpan_ = facts_.displaySpan.value_or(defaultSpanPoints * facts_.signals.front().sampleTime);
     info_ = WaveDeckClientRegistry::sInstance.addClient(facts_.name);
     publishFacts();
+    publishSampleTimes();
     publishAxes();
     const std::size_t count = facts_.signals.size();
     const auto numPorts = std::count_if(facts_.signals.begin(), facts_.signals.end(),
@@ -74,21 +75,26 @@ DeckClient::~DeckClient() {
 
 void DeckClient::publishFacts() {
     std::vector<int> isComplex;
-    std::vector<double> sampleTimes;
     std::vector<double> offsets;
     for (const SignalFacts& signal : facts_.signals) {
         isComplex.push_back(signal.isComplex ? 1 : 0);
-        sampleTimes.push_back(signal.sampleTime);
         offsets.push_back(signal.offset);
     }
     info_->setIsComplex(std::move(isComplex));
-    info_->setSampleTimes(std::move(sampleTimes));
     info_->setOffsets(std::move(offsets));
     info_->setTimeBased(facts_.timeBased);
     info_->setSimStartTime(facts_.startTime);
     info_->setSimulationTime(facts_.startTime);
     info_->setSimStopTime(facts_.stopTime);
     info_->setUsingStreamPlugInBF(facts_.kind == ChainKind::BlockflowSpectrum);
+}
+
+void DeckClient::publishSampleTimes() {
+    std::vector<double> sampleTimes;
+    for (const SignalFacts& signal : facts_.signals) {
+        sampleTimes.push_back(signal.sampleTime);
+    }
+    info_->setSampleTimes(std::move(sampleTimes));
 }
 
 void DeckClient::publishAxes() {
@@ -127,6 +133,11 @@ std::vector<std::string> DeckClient::stageNames() const {
 std::shared_ptr<WaveDeckTransformImpl> DeckClient::stage(const std::string& name) const {
     const std::lock_guard lock(mutex_);
     return chain_->find(name).object;
+}
+
+ClientFacts DeckClient::facts() const {
+    const std::lock_guard lock(mutex_);
+    return facts_;
 }
 
 ActionContext DeckClient::context() const {

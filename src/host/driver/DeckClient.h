@@ -74,6 +74,8 @@ public:
     void tune(const std::string& stage, const PropertyList& options);
     /// Sends all stages other counts of raw channels and other frame sizes, one a signal.
     void resize(const std::vector<int>& numChannels, const std::vector<int>& frameSizes);
+    /// Sends all stages other frame sizes. In a simulation the frame period stays, so that sample times change.
+    void resizeFrames(const std::vector<int>& frameSizes);
     /// Tells all stages of a step back. With a number as option "rollbacktime" (seconds) the stream goes on behind that
     /// time, and what the display holds of later times is dropped.
     void rollback(const PropertyList& options);
@@ -81,6 +83,8 @@ public:
     /// Calls resetImpl of all stages, or of one.
     void reset();
     void reset(const std::string& stage);
+    /// Begins the stream anew without setting stages up: they are reset, and what was stored or displayed is dropped.
+    void restart();
     /// Hands a stage's tuneImpl a list exactly as it stands.
     void sendAsIs(const std::string& stage, const PropertyList& list);
     /// Changes the display span, seconds, on the axes and at the stages that follow it.
@@ -132,7 +136,7 @@ public:
     /// Reads or changes the client's facts and board under the client's lock.
     void withInfo(const std::function<void(WaveDeckClientInfo&)>& change);
     const std::string& name() const { return facts_.name; }
-    const ClientFacts& facts() const { return facts_; }
+    ClientFacts facts() const;
     /// Seconds of signal that picture and cached measurements cover.
     double displaySpan() const;
 
@@ -141,6 +145,7 @@ private:
     using Action = std::function<void(WaveDeckTransformImpl&)>;
 
     void publishFacts();
+    void publishSampleTimes();
     void publishAxes();
     ActionContext context() const;
     std::size_t lineLength();
@@ -149,6 +154,9 @@ private:
     void act(Stage& stage, const PropertyList& list, const Action& action);
     void finishAction(const Stage& stage);
     void send(Stage& stage, const PropertyList& list);
+    void beginStream();
+    void resetStages();
+    void changeSizes(const std::vector<int>& numChannels, const std::vector<int>& frameSizes);
 
     void requireReady(std::size_t numSignals) const;
     void requireBoardEntries() const;

@@ -37,13 +37,17 @@ void DeckClient::setUp(Stage& stage) {
     stage.isSetUp = true;
 }
 
+void DeckClient::beginStream() {
+    stream_->restart();
+    display_->dropAll();
+    updatePeriods_ = 0;
+    isNew_ = false;
+}
+
 void DeckClient::setup() {
     const std::lock_guard lock(mutex_);
     if (!info_->isDataSourceRepository()) {
-        stream_->restart();
-        display_->dropAll();
-        updatePeriods_ = 0;
-        isNew_ = false;
+        beginStream();
     }
     for (Stage& stage : chain_->stages()) {
         stage.isSetUp = false;
@@ -76,7 +80,25 @@ void DeckClient::send(Stage& stage, const PropertyList& list) {
 
 void DeckClient::resize(const std::vector<int>& numChannels, const std::vector<int>& frameSizes) {
     const std::lock_guard lock(mutex_);
+    changeSizes(numChannels, frameSizes);
+}
+
+void DeckClient::resizeFrames(const std::vector<int>& frameSizes) {
+    const std::lock_guard lock(mutex_);
+    changeSizes(std::vector<int>(stream_->numChannels()), frameSizes);
+}
+
+void DeckClient::changeSizes(const std::vector<int>& numChannels, const std::vector<int>& frameSizes) {
     checkSizes(facts_, numChannels, frameSizes);
+    for (std::size_t s = 0; s < facts_.signals.size(); ++s) {
+        SignalFacts& signal = facts_.signals[s];
+        if (isBlockflow(facts_.kind) && frameSizes[s] > 0) {
+            signal.sampleTime *= static_cast<double>(signal.frameSize) / frameSizes[s];
+        }
+        signal.numChannels = numChannels[s];
+        signal.frameSize = frameSizes[s];
+    }
+    publishSampleTimes();
     stream_->resize(numChannels, frameSizes);
     for (Stage& stage : chain_->stages()) {
         send(stage, sizeList(context(), stage));
@@ -104,9 +126,20 @@ void DeckClient::rollback(const std::string& name, const PropertyList& options) 
 
 void DeckClient::reset() {
     const std::lock_guard lock(mutex_);
+    resetStages();
+}
+
+void DeckClient::resetStages() {
     for (Stage& stage : chain_->stages()) {
         act(stage, {}, [](WaveDeckTransformImpl& object) { object.resetImpl(); });
     }
+}
+
+void DeckClient::restart() {
+    const std::lock_guard lock(mutex_);
+    info_->setIsDataSourceRepository(false);
+    beginStream();
+    resetStages();
 }
 
 void DeckClient::reset(const std::string& name) {
@@ -118,6 +151,9 @@ void DeckClient::setDisplaySpan(double seconds) {
     const std::lock_guard lock(mutex_);
     displaySpan_ = seconds;
     facts_.displaySpan = seconds;
+    for (auto& [id, axes] : facts_.axes) {
+        axes.timeSpan = seconds;
+    }
     publishAxes();
     stream_->setHistorySpan(2.0 * seconds);
     for (std::size_t s = 0; s < facts_.signals.size(); ++s) {

@@ -150,7 +150,9 @@ bool DeckClient::runChain(FrameSource source) {
             signal.blocks.assign(signal.raw.begin(), signal.raw.end());
             signal.current = &signal.blocks;
         }
-        stream_->noteOutput(s);
+        if (source == FrameSource::Stream) {
+            stream_->noteOutput(s);
+        }
         display_->take(
             s, DisplayInput{*signal.current, static_cast<std::size_t>(outputChannels_[s]),
                             static_cast<std::size_t>(stream_->frameSize(s)), length, source == FrameSource::Replay});

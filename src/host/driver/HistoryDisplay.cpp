@@ -35,12 +35,10 @@ void HistoryDisplay::take(std::size_t signal, const DisplayInput& input) {
     if (n == 0) {
         return;
     }
-    // Times rise in the history: a stream that begins again overwrites what lies ahead of it.
-    history.dropNewerThan(input.buffer.front());
     if (n > history.capacity()) {
         reserve(signal, n);
     }
-    history.append(input.buffer.data(), n);
+    history.appendTimed(input.buffer.data(), n);
 }
 
 void HistoryDisplay::setChannels(std::size_t signal, std::size_t channels) {

@@ -48,6 +48,13 @@ void SampleHistory::append(const double* block, std::size_t n) {
     size_ = std::min(total, capacity_);
 }
 
+void SampleHistory::appendTimed(const double* block, std::size_t n) {
+    while (n > 0 && size_ > 0 && at(0, size_ - 1) >= block[0]) {
+        --size_;
+    }
+    append(block, n);
+}
+
 void SampleHistory::dropNewest(std::size_t n) {
     size_ -= std::min(n, size_);
 }

@@ -17,6 +17,8 @@ public:
 
     /// Adds n points a row: block is [rows][n], row after row. Of more than fit the newest stay.
     void append(const double* block, std::size_t n);
+    /// As append() for rows whose first is times: a stream that has gone back overwrites what lies ahead of it.
+    void appendTimed(const double* block, std::size_t n);
     /// Forgets the newest n points.
     void dropNewest(std::size_t n);
     /// Forgets the points whose time, row 0, is above `time`. Times rise.

@@ -115,6 +115,9 @@ void SampleStream::rewind(double time) {
         }
         time_ = std::max(time_, timeOf(s, index));
     }
+    if (isBlockflow(facts_.kind)) {
+        time_ = std::max(time, facts_.startTime);  // a simulation brings its own times
+    }
 }
 
 void SampleStream::begin(std::size_t signal, std::span<const double> raw) {
@@ -226,7 +229,11 @@ void SampleStream::store(std::size_t signal, const double* rows, std::size_t n) 
     if (sinceOutput_[signal] > history.capacity() && history.capacity() < longestHistory) {
         history.grow(std::min(longestHistory, 2 * static_cast<std::size_t>(sinceOutput_[signal])));
     }
-    history.append(rows, n);
+    if (storesTimes_) {
+        history.appendTimed(rows, n);
+    } else {
+        history.append(rows, n);
+    }
 }
 
 void SampleStream::takeStored(std::size_t signal) {
