@@ -2,67 +2,83 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "DriverError.h"
-#include "MessageText.h"
-#include "RecordingStage.h"
-#include "StageLibrary.h"
+#include "DriverRig.h"
 #include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace {
 
 using wavedeck::PropertyList;
+using wavedeck::WaveDeckClientInfo;
+using wavedeck::WaveDeckClientRegistry;
 using wavedeck::driver::ChainKind;
 using wavedeck::driver::ClientFacts;
 using wavedeck::driver::DeckClient;
 using wavedeck::driver::DriverError;
 using wavedeck::driver::SignalFacts;
-using Buffers = std::vector<std::vector<double>>;
-
-ClientFacts factsOf(ChainKind kind, std::vector<SignalFacts> signals) {
-    ClientFacts facts;
-    facts.name = "driver test";
-    facts.kind = kind;
-    facts.signals = std::move(signals);
-    return facts;
-}
-
-/// A client with recording stages and strategy.
-struct Rig {
-    explicit Rig(const ClientFacts& facts) : client(facts) { client.setStrategy("recording", strategy); }
-
-    std::shared_ptr<RecordingStage> add(const std::string& name, RecordingStage::Replace replace = {}) {
-        auto stage = std::make_shared<RecordingStage>(name, log, std::move(replace));
-        client.addStage(name, stage);
-        return stage;
-    }
-
-    std::shared_ptr<CallLog> log = std::make_shared<CallLog>();
-    std::shared_ptr<RecordingStrategy> strategy = std::make_shared<RecordingStrategy>();
-    DeckClient client;
-};
-
-const SignalFacts oneChannel{"a", 1, false, 0.5, 0.0, 2, false};
-const SignalFacts twoChannels{"b", 2, false, 0.25, 0.0, 2, false};
 
 TEST(DeckClient, CallsStageByStageAndWithinAStageSignalBySignal) {
-    Rig rig(factsOf(ChainKind::Time, {oneChannel, twoChannels}));
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.5, 2), realSignal(2, 0.25, 2)}));
     rig.add("first");
-    const auto silent = rig.add("second");
+    rig.add("second")->active = false;
     rig.add("third");
     rig.client.setup();
-    silent->active = false;
     rig.log->clear();
     rig.client.frame(Buffers{{1, 2}, {3, 4, 5, 6}});
     EXPECT_EQ(*rig.log, (CallLog{"first pre", "second pre", "third pre", "first filter 0", "first filter 1",
                                  "third filter 0", "third filter 1"}));
 }
 
-TEST(DeckClient, HandsTheRecordTheRawFrameAndTheOthersTimesAndChannels) {
-    Rig rig(factsOf(ChainKind::Time, {oneChannel, twoChannels}));
+TEST(DeckClient, SetupListsCarryTheRawCountsForEveryStage) {
+    SignalFacts complexSignal = realSignal(2, 0.5, 8);
+    complexSignal.isComplex = true;
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(3, 0.5, 4), complexSignal}));
+    const auto doubling = rig.add("magnitude_phase_filter", [](const auto& data, auto& out, int) { out = data; });
+    const auto behind = rig.add("behind");
+    doubling->onAction = [](const PropertyList&) {
+        WaveDeckClientRegistry::sInstance("driver test")->channelSizeFactors = {2.0, 1.0};
+    };
+    rig.client.setup();
+    for (const auto& stage : {doubling, behind}) {
+        EXPECT_EQ(optionText(stage->last, "action"), "setup");
+        EXPECT_EQ(optionText(stage->last, "clientID"), "driver test");
+        EXPECT_EQ(optionValues<double>(stage->last, "numSignals"), std::vector<double>{2.0});
+        EXPECT_EQ(optionValues<int>(stage->last, "numChannels"), (std::vector<int>{3, 2}));
+        EXPECT_EQ(optionValues<int>(stage->last, "frameSize"), (std::vector<int>{4, 8}));
+    }
+    // The display span is what the plain cache holds of signal 0.
+    EXPECT_EQ(optionValues<double>(doubling->last, "timeRange"), (std::vector<double>{2500.0, 2500.0}));
+    EXPECT_EQ(optionValues<bool>(doubling->last, "magPhaseData"), (std::vector<bool>{false, false}));
+    EXPECT_FALSE(behind->last.find("timeRange"));
+
+    rig.client.tune("behind", PropertyList().addDouble("x", 1.0));
+    EXPECT_EQ(optionText(behind->last, "action"), "tune");
+    EXPECT_FALSE(behind->last.find("numChannels"));
+    rig.client.resize({1, 4}, {16, 2});
+    EXPECT_EQ(optionText(behind->last, "action"), "onInputSizeChange");
+    EXPECT_EQ(optionValues<int>(behind->last, "numChannels"), (std::vector<int>{1, 4}));
+    rig.client.rollback("behind", PropertyList().addDouble("rollbacktime", 1.0));
+    EXPECT_EQ(rig.log->back(), "behind rollback onRollback");
+    rig.client.reset("behind");
+    EXPECT_EQ(rig.log->back(), "behind reset");
+}
+
+TEST(DeckClient, AnOptionGivenTakesThePlaceOfTheDriversOwn) {
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 4)}));
+    const auto stage = rig.add("stage");
+    rig.client.setup("stage", PropertyList().addDouble("numChannels", 7.0));
+    EXPECT_EQ(optionValues<double>(stage->last, "numChannels"), std::vector<double>{7.0});
+    EXPECT_EQ(optionValues<int>(stage->last, "frameSize"), std::vector<int>{4});
+    rig.client.sendAsIs("stage", PropertyList().addDouble("only", 1.0));
+    EXPECT_FALSE(stage->last.find("action"));
+}
+
+TEST(DeckClient, HandsEachStageItsForm) {
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.5, 2), realSignal(2, 0.25, 2)}));
     const auto record = rig.add("simulation_meta_data_filter");
     const auto tap = rig.add("time_signal_statistics_filter");
     rig.client.setup();
@@ -70,39 +86,124 @@ TEST(DeckClient, HandsTheRecordTheRawFrameAndTheOthersTimesAndChannels) {
     rig.client.frame(Buffers{{7, 8}, {9, 10, 11, 12}});
     EXPECT_EQ(record->seen, (Buffers{{7, 8}, {9, 10, 11, 12}}));
     EXPECT_EQ(tap->seen, (Buffers{{1.0, 1.5, 7, 8}, {0.5, 0.75, 9, 10, 11, 12}}));
+    // A last short frame is handed as short as it is; a signal that has ended gives no points.
+    rig.client.frame(Buffers{{9}, {}});
+    EXPECT_EQ(tap->seen, (Buffers{{2.0, 9}, {}}));
+    rig.client.frameAsIs(Buffers{{5, 6}, {1, 2, 3}});
+    EXPECT_EQ(record->seen, (Buffers{{5, 6}, {1, 2, 3}}));
+    EXPECT_EQ(tap->seen, (Buffers{{5, 6}, {1, 2, 3}}));
+}
+
+TEST(DeckClient, AReplacingStageThatPutsNothingOutEndsTheSignalsRoadForThisFrame) {
+    DriverRig rig(factsOf(ChainKind::Spectrum, {realSignal(1, 1.0, 2), realSignal(1, 1.0, 2)}));
+    const auto estimator = rig.add("estimator", [](const auto& data, auto& out, int signal) {
+        if (signal == 1 || data[0] < 0.0) {
+            out = {0.0, 1.0, data[0], data[1]};
+        }
+    });
+    const auto tap = rig.add("tap");
+    rig.client.setup();
+    rig.client.setKeepOutputs(true);
+    rig.client.frame(Buffers{{-1, 2}, {3, 4}});
+    EXPECT_EQ(tap->seen, (Buffers{{0, 1, -1, 2}, {0, 1, 3, 4}}));
+    EXPECT_EQ(estimator->outputSizeBefore, 0U);
+    rig.log->clear();
+    rig.client.frame(Buffers{{5, 6}, {7, 8}});
+    EXPECT_EQ(*rig.log,
+              (CallLog{"estimator pre", "tap pre", "estimator filter 0", "estimator filter 1", "tap filter 1"}));
+    EXPECT_EQ(rig.client.output("estimator", 0), std::vector<double>{});
+    EXPECT_EQ(rig.client.output("estimator", 1), (std::vector<double>{0, 1, 7, 8}));
+    EXPECT_EQ(rig.client.output("tap", 1), std::vector<double>{}) << "a tap's output is ignored";
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data,
-              (Buffers{{0, 0.5, 1, 1.5, 1, 2, 7, 8}, {0, 0.25, 0.5, 0.75, 3, 4, 9, 10, 5, 6, 11, 12}}));
-    EXPECT_EQ(rig.strategy->numChannels, (std::vector<int>{1, 2}));
-    EXPECT_EQ(rig.strategy->numPoints, (std::vector<int>{4, 4}));
+    EXPECT_EQ(rig.strategy->data, (Buffers{{0, 1, -1, 2}, {0, 1, 7, 8}})) << "the last output is kept";
 }
 
-TEST(StageLibrary, LoadsByNameAndMakesStagesThatRun) {
-    const wavedeck::driver::StageLibrary library(FAKEDECK_PATH);
-    EXPECT_EQ(library.version(), "1.2.3");
-    EXPECT_EQ(library.buildDate(), "");
-    DeckClient client(factsOf(ChainKind::Frame, {oneChannel}));
-    client.addStage("fake_tap_filter", library.makeFilter("fake_tap_filter"));
-    client.addStage("fake_gain_filter", library.makeFilter("fake_gain_filter"));
-    client.setStrategy("fake_strategy", library.makeStrategy("fake_strategy"));
-    client.setup();
-    client.frame(Buffers{{1, 2, 3}});
-    const auto update = client.update();
-    EXPECT_EQ(update.event, "updateDataAsync");
-    EXPECT_EQ(wavedeck::driver::MessageText().write(*update.message), R"({"size":6})");
-    EXPECT_TRUE(client.update().message.isNull());
-    const auto seen = client.query(library.query("getDoublesSeenImpl"));
-    ASSERT_EQ(seen.size(), 1U);
-    EXPECT_EQ(nbGetScalar(seen[0].get()), 6.0);
+TEST(DeckClient, WhatAStageThrowsPassesThroughAndTheClientStaysUsable) {
+    DriverRig rig(factsOf(ChainKind::Frame, {realSignal(1, 1.0, 2)}));
+    const auto stage = rig.add("stage");
+    rig.add("other");
+    stage->onAction = [](const PropertyList&) { throw std::runtime_error("bad option"); };
+    EXPECT_THROW(rig.client.setup(), std::runtime_error);
+    EXPECT_THROW(rig.client.frame(Buffers{{1, 2}}), DriverError) << "a stage is called after its setup only";
+    stage->onAction = {};
+    rig.client.setup();
+    stage->onAction = [](const PropertyList&) { throw std::runtime_error("bad option"); };
+    EXPECT_THROW(rig.client.tune("stage", {}), std::runtime_error);
+    rig.client.frame(Buffers{{1, 2}});
+    EXPECT_FALSE(rig.client.update().message.isNull());
 }
 
-TEST(StageLibrary, SaysWhatIsMissing) {
-    EXPECT_THROW(wavedeck::driver::StageLibrary("libnosuchdeck.so"), DriverError);
-    const wavedeck::driver::StageLibrary library(FAKEDECK_PATH);
-    EXPECT_THROW((void)library.makeFilter("no_such_filter"), DriverError);
-    EXPECT_THROW((void)library.makeFilter("fake_strategy"), DriverError);
-    EXPECT_THROW((void)library.query("malloc"), DriverError);
-    EXPECT_FALSE(library.offers("malloc"));
+TEST(DeckClient, RefusesWhatCannotBe) {
+    const SignalFacts good = realSignal(1, 1.0, 2);
+    const auto changed = [&](auto change) {
+        ClientFacts facts = factsOf(ChainKind::Time, {good, good});
+        change(facts);
+        return facts;
+    };
+    const std::vector<ClientFacts> wrong = {
+        changed([](ClientFacts& facts) { facts.name = "sixteen letters!"; }),
+        changed([](ClientFacts& facts) { facts.name.clear(); }),
+        changed([](ClientFacts& facts) { facts.signals.clear(); }),
+        changed([](ClientFacts& facts) { facts.signals[1].numChannels = -1; }),
+        changed([](ClientFacts& facts) { facts.signals[0].isComplex = true; }),
+        changed([](ClientFacts& facts) { facts.signals[0].isInputPort = true; }),
+        changed([](ClientFacts& facts) { facts.signals[0].sampleTime = -1.0; }),
+        changed([](ClientFacts& facts) { facts.updatesPerSecond = 0.0; }),
+    };
+    for (std::size_t i = 0; i < wrong.size(); ++i) {
+        EXPECT_THROW(DeckClient client(wrong[i]), DriverError) << i;
+        EXPECT_FALSE(WaveDeckClientRegistry::sInstance.isClientValid(wrong[i].name)) << i;
+    }
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(2, 1.0, 2)}));
+    EXPECT_THROW(DeckClient twin(factsOf(ChainKind::Time, {good})), DriverError);
+    rig.add("stage");
+    EXPECT_THROW(rig.add("stage"), DriverError);
+    EXPECT_THROW(rig.client.tune("nobody", {}), DriverError);
+    EXPECT_THROW(rig.client.resize({1, 2}, {1, 2}), DriverError);
+    rig.client.setup();
+    EXPECT_THROW(rig.client.frame(Buffers{{1, 2, 3}}), DriverError) << "no whole points for two channels";
+    EXPECT_THROW(rig.client.frame(Buffers{{1, 2}, {1, 2}}), DriverError);
+    EXPECT_THROW(rig.client.simulationFrame(Buffers{{1, 2}}), DriverError);
+}
+
+TEST(DeckClient, StagesGoWithTheClientAndTheBoardStaysWithItsHolders) {
+    std::shared_ptr<WaveDeckClientInfo> record;
+    std::weak_ptr<RecordingStage> stage;
+    {
+        DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 2)}));
+        stage = rig.add("stage");
+        rig.client.setup();
+        record = WaveDeckClientRegistry::sInstance("driver test");
+        record->getClientSettings().addCustomSetting("key", 7);
+        EXPECT_TRUE(record->getFilterImpl("stage")->isActive());
+        EXPECT_FALSE(record->getFilterImpl("not in the chain")->isActive());
+    }
+    EXPECT_TRUE(stage.expired());
+    EXPECT_FALSE(record->getFilterImpl("stage")->isActive());
+    EXPECT_FALSE(WaveDeckClientRegistry::sInstance.isClientValid("driver test"));
+    EXPECT_EQ(boost::any_cast<int>(*record->getClientSettings().find("key")), 7);
+}
+
+TEST(DeckClient, UpdatesAreDueByStreamTime) {
+    ClientFacts facts = factsOf(ChainKind::Time, {realSignal(1, 0.01, 3)});
+    facts.updatesPerSecond = 10.0;
+    DriverRig rig(facts);
+    rig.add("stage");
+    rig.client.setup();
+    std::vector<int> updatesAt;
+    for (int frame = 1; frame <= 20; ++frame) {
+        rig.client.frame(Buffers{{1, 2, 3}});
+        if (rig.client.updateDue()) {
+            EXPECT_EQ(rig.client.update().event, "updateDataAsync");
+            updatesAt.push_back(frame);
+        }
+    }
+    // Frames end at 0.03, 0.06, ...: the first behind each tenth of a second, and exactly at 0.3 and 0.6.
+    EXPECT_EQ(updatesAt, (std::vector<int>{4, 7, 10, 14, 17, 20}));
+    const auto nothing = rig.client.update();
+    EXPECT_EQ(nothing.event, "onProcessNoData");
+    EXPECT_TRUE(nothing.message.isNull());
+    EXPECT_FALSE(rig.client.updateNow().message.isNull());
 }
 
 }  // namespace

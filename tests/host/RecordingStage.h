@@ -56,7 +56,7 @@ public:
     }
 
     bool active = true;
-    Replace replace;
+    Replace replace;  ///< null: a tap
     std::function<void(const wavedeck::PropertyList&)> onAction;
     std::vector<std::vector<double>> seen;  ///< of each signal, in the last frame
     std::size_t outputSizeBefore = 0;

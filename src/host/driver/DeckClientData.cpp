@@ -153,8 +153,13 @@ bool DeckClient::runChain(FrameSource source) {
         if (source == FrameSource::Stream) {
             stream_->noteOutput(s);
         }
+        std::vector<double>* output = signal.current;
+        if (keepsOutputs_) {
+            kept_ = *output;  // the display may swap what it is given
+            output = &kept_;
+        }
         display_->take(
-            s, DisplayInput{*signal.current, static_cast<std::size_t>(outputChannels_[s]),
+            s, DisplayInput{*output, static_cast<std::size_t>(outputChannels_[s]),
                             static_cast<std::size_t>(stream_->frameSize(s)), length, source == FrameSource::Replay});
         isNew_ = true;
     }

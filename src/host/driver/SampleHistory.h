@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <vector>
 
+#include "wavedeck/Visibility.h"
+
 namespace wavedeck::driver {
 
 /// A ring of the newest points of parallel rows: times and channels of one signal. Rows are laid out as blocks only
 /// when somebody asks for them.
-class SampleHistory {
+class WAVEDECK_API SampleHistory {
 public:
     /// Empties the ring and gives it `rows` rows of at most `capacity` points.
     void configure(std::size_t rows, std::size_t capacity);

@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <vector>
+
+#include "DriverRig.h"
+#include "SampleHistory.h"
+#include "wavedeck/WaveDeckClientRegistry.h"
+
+namespace {
+
+using wavedeck::PropertyList;
+using wavedeck::WaveDeckClientInfo;
+using wavedeck::driver::ChainKind;
+using wavedeck::driver::ClientFacts;
+using wavedeck::driver::SampleHistory;
+using wavedeck::driver::SignalFacts;
+
+std::vector<double> ramp(double first, std::size_t count) {
+    std::vector<double> values(count);
+    std::iota(values.begin(), values.end(), first);
+    return values;
+}
+
+TEST(SampleHistory, KeepsTheNewestPointsForAnySplitIntoFrames) {
+    constexpr std::size_t total = 100;
+    for (const std::size_t capacity : {1U, 7U, 99U, 100U, 128U}) {
+        for (const std::size_t frame : {1U, 3U, 7U, 50U, 100U}) {
+            SampleHistory history;
+            history.configure(2, capacity);
+            for (std::size_t first = 0; first < total; first += frame) {
+                const std::size_t n = std::min(frame, total - first);
+                std::vector<double> block = ramp(static_cast<double>(first), n);
+                const std::vector<double> channel = ramp(static_cast<double>(first) + 1000.0, n);
+                block.insert(block.end(), channel.begin(), channel.end());
+                history.append(block.data(), n);
+            }
+            const std::size_t kept = std::min(capacity, total);
+            std::vector<double> expected = ramp(static_cast<double>(total - kept), kept);
+            const std::vector<double> channel = ramp(static_cast<double>(total - kept) + 1000.0, kept);
+            expected.insert(expected.end(), channel.begin(), channel.end());
+            std::vector<double> blocks;
+            history.layOut(blocks);
+            EXPECT_EQ(blocks, expected) << capacity << " " << frame;
+            history.grow(200);
+            history.layOut(blocks);
+            EXPECT_EQ(blocks, expected) << "grown from " << capacity;
+        }
+    }
+}
+
+TEST(SampleHistory, ForgetsWhatLiesBehindATime) {
+    SampleHistory history;
+    history.configure(1, 5);
+    const std::vector<double> times = ramp(0, 8);
+    history.append(times.data(), 8);
+    history.dropNewerThan(5.5);
+    std::vector<double> left;
+    history.layOut(left);
+    EXPECT_EQ(left, (std::vector<double>{3, 4, 5}));
+    const std::vector<double> again{4, 4.5};
+    history.appendTimed(again.data(), 2);
+    history.layOut(left);
+    EXPECT_EQ(left, (std::vector<double>{3, 4, 4.5}));
+    history.dropNewest(9);
+    EXPECT_EQ(history.size(), 0U);
+}
+
+TEST(Display, HistoryHoldsTwiceTheSpanAndAFrameOrWhatAMessageShows) {
+    struct Case {
+        double span;
+        std::size_t expected;
+    };
+    for (const Case& c : {Case{10.0, 15361}, Case{10000.0, 20004}}) {
+        ClientFacts facts = factsOf(ChainKind::Time, {realSignal(1, 1.0, 4)});
+        facts.displaySpan = c.span;
+        DriverRig rig(facts);
+        rig.add("stage");
+        rig.client.setup();
+        rig.client.frame(Buffers{ramp(0, 12000)});
+        rig.client.frame(Buffers{ramp(12000, 12000)});
+        rig.client.update();
+        ASSERT_EQ(rig.strategy->numPoints[0], static_cast<int>(c.expected));
+        EXPECT_EQ(rig.strategy->data[0].front(), 24000.0 - static_cast<double>(c.expected)) << "oldest time";
+        EXPECT_EQ(rig.strategy->data[0].back(), 23999.0);
+        rig.client.withInfo(
+            [&](WaveDeckClientInfo& info) { EXPECT_EQ(info.getClientSettings().axesTimeTable[0].timeSpan, c.span); });
+    }
+}
+
+TEST(Display, HistoryIsDroppedWhenAChannelCountChanges) {
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 2)}));
+    const auto stage = rig.add("magnitude_phase_filter", [](const auto& data, auto& out, int) {
+        out = data;
+        out.insert(out.end(), {0.0, 180.0});
+    });
+    stage->onAction = [&](const PropertyList& list) {
+        const bool marked = list.find("mark") != nullptr;
+        wavedeck::WaveDeckClientRegistry::sInstance("driver test")->channelSizeFactors = {marked ? 2.0 : 1.0};
+        stage->active = marked;
+    };
+    rig.client.setup();
+    rig.client.frame(Buffers{{1, 2}});
+    rig.client.tune("magnitude_phase_filter", {});
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 1, 1, 2})) << "a tune alone leaves the samples";
+    rig.client.tune("magnitude_phase_filter", PropertyList().addLogical("mark", true));
+    rig.client.updateNow();
+    EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
+    rig.client.frame(Buffers{{3, 4}});
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{2, 3, 3, 4, 0, 180}));
+    EXPECT_EQ(rig.strategy->numChannels[0], 2);
+}
+
+TEST(Display, AFrameStandsAgainstItsOwnSamples) {
+    DriverRig rig(factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)}));
+    rig.add("stage");
+    rig.client.setup();
+    rig.client.frame(Buffers{{1, 2}});
+    rig.client.frame(Buffers{{3, 4}});
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.5, 3, 4}));
+}
+
+/// A spectrum client whose estimator puts out `lines` lines of 2 points for 2 channels: values channel + line / 10.
+struct SpectrumRig : DriverRig {
+    SpectrumRig() : DriverRig(factsOf(ChainKind::Spectrum, {realSignal(2, 1.0, 2)})) {
+        add("spectrum_estimator_filter", [this](const auto&, auto& out, int) {
+            const std::size_t block = 2 * lines;
+            out.assign(3 * block, 0.0);
+            out[0] = 10.0;
+            out[1] = 20.0;
+            for (std::size_t i = 0; i < 2 * block; ++i) {
+                out[block + i] =
+                    static_cast<double>(1 + i / block) + 0.1 * (count + static_cast<double>(i % block / 2));
+            }
+            count += static_cast<double>(lines);
+        });
+        tap = add("channel_measurements_filter");
+        client.withInfo(
+            [](WaveDeckClientInfo& info) { info.getClientSettings().addCustomSetting("spectrumLength", 2UL); });
+        client.setup();
+    }
+
+    std::size_t lines = 1;
+    double count = 0.0;
+    std::shared_ptr<RecordingStage> tap;
+};
+
+TEST(Display, ASpectrogramsLinesAreGatheredAndTapsSeeTheNewest) {
+    SpectrumRig rig;
+    rig.client.tune("spectrum_estimator_filter", PropertyList().addLogical("showSpectrogram", true));
+    const Buffers frame{{1, 2, 3, 4}};
+    rig.client.frame(frame);
+    rig.lines = 2;
+    rig.client.frame(frame);
+    EXPECT_EQ(rig.tap->seen[0], (std::vector<double>{10, 20, 1.2, 1.2, 2.2, 2.2}));
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0],
+              (std::vector<double>{10, 20, 0, 0, 0, 0, 1, 1, 1.1, 1.1, 1.2, 1.2, 2, 2, 2.1, 2.1, 2.2, 2.2}));
+    EXPECT_EQ(rig.strategy->numPoints[0], 6);
+    rig.lines = 1;
+    rig.client.frame(frame);
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{10, 20, 1.3, 1.3, 2.3, 2.3})) << "lines go out once";
+}
+
+TEST(Display, EveryActionOnAReplacingStageDropsItsOutput) {
+    using Act = void (*)(wavedeck::driver::DeckClient&);
+    const std::vector<Act> actions = {
+        [](auto& client) { client.setup("spectrum_estimator_filter", {}); },
+        [](auto& client) { client.tune("spectrum_estimator_filter", {}); },
+        [](auto& client) { client.resize({2}, {4}); },
+        [](auto& client) { client.rollback(PropertyList{}); },
+        [](auto& client) { client.reset(); },
+    };
+    for (const bool spectrogram : {false, true}) {
+        SpectrumRig rig;
+        rig.client.tune("channel_measurements_filter", PropertyList().addLogical("showSpectrogram", spectrogram));
+        for (const Act act : actions) {
+            rig.client.frame(Buffers{{1, 2, 3, 4}});
+            act(rig.client);
+            rig.client.updateNow();
+            EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
+        }
+        rig.client.frame(Buffers{{1, 2, 3, 4}});
+        rig.client.tune("channel_measurements_filter", {});
+        rig.client.updateNow();
+        EXPECT_EQ(rig.strategy->data[0].size(), 6U) << "an action on a tap drops nothing";
+    }
+}
+
+TEST(Display, AComplexSignalsSpectrumHasHalfTheChannels) {
+    SignalFacts signal = realSignal(4, 1.0, 2);
+    signal.isComplex = true;
+    DriverRig rig(factsOf(ChainKind::Spectrum, {signal}));
+    const auto estimator = rig.add("estimator", [](const auto&, auto& out, int) { out.assign(9, 1.0); });
+    estimator->onAction = [](const PropertyList&) {
+        wavedeck::WaveDeckClientRegistry::sInstance("driver test")->channelSizeFactors = {0.5};
+    };
+    rig.client.setup();
+    rig.client.frame(Buffers{ramp(0, 8)});
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->numChannels[0], 2);
+    EXPECT_EQ(rig.strategy->numPoints[0], 3);
+}
+
+TEST(Display, ARollbackMovesTheStreamBack) {
+    for (const double time : {0.75, 0.8}) {
+        DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.25, 8)}));
+        const auto stage = rig.add("stage");
+        rig.client.setup();
+        rig.client.frame(Buffers{ramp(0, 8)});
+        rig.client.rollback(PropertyList().addDouble("rollbacktime", time));
+        EXPECT_EQ(rig.client.streamTime(), 1.0);
+        rig.client.frame(Buffers{{-1}});
+        EXPECT_EQ(stage->seen[0], (std::vector<double>{1.0, -1}));
+        rig.client.update();
+        EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.25, 0.5, 0.75, 1, 0, 1, 2, 3, -1}));
+    }
+}
+
+}  // namespace
