@@ -16,7 +16,7 @@ constexpr double smallestNormal = 0x1p-1022;
 /// a part with 42 bits, whose product with e is exact, and the rest.
 VECTOR_INLINE Doubles decibelsOfNormal(Doubles x, Doubles shift) {
     const Integers raised = (Integers)x + (oneBits - rootHalfBits);
-    const Integers biased = (raised >> 52) | exponentAsDouble;
+    const Integers biased = (Integers)((Naturals)raised >> 52) | exponentAsDouble;
     const Doubles e = ((Doubles)biased - (0x1p52 + 1023.0)) - shift;
     const Doubles m = (Doubles)((raised & mantissaMask) + rootHalfBits);
     const Doubles s = (m - 1.0) / (m + 1.0);

@@ -10,6 +10,7 @@
 constexpr std::size_t lanes = VECTOR_LANES;
 typedef double Doubles __attribute__((vector_size(VECTOR_LANES * sizeof(double))));
 typedef std::int64_t Integers __attribute__((vector_size(VECTOR_LANES * sizeof(double))));
+typedef std::uint64_t Naturals __attribute__((vector_size(VECTOR_LANES * sizeof(double))));  // shifts in one step
 
 VECTOR_INLINE Doubles load(const double* source) {
     Doubles vector;
