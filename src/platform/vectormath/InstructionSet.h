@@ -6,12 +6,21 @@ namespace dspwavedecks {
 enum class InstructionSet {
     portable,  ///< what every machine of the architecture has: SSE2 on x86-64, Neon on 64-bit Arm
     avx2,      ///< AVX2 with fused multiply-add
+    avx512,    ///< AVX-512
 };
 
 /// Whether the machine at hand can run kernels built for `set`.
 inline bool isSupported(InstructionSet set) {
 #if defined(__x86_64__)
-    return set == InstructionSet::portable || (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"));
+    switch (set) {
+        case InstructionSet::avx512:
+            return __builtin_cpu_supports("avx512f");
+        case InstructionSet::avx2:
+            return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+        case InstructionSet::portable:
+            break;
+    }
+    return true;
 #else
     return set == InstructionSet::portable;
 #endif

@@ -17,7 +17,7 @@ const VectorKernels& kernels() {
 
 const VectorKernels& kernelsFor(InstructionSet set) {
 #if defined(__x86_64__)
-    if (set == InstructionSet::avx2) {
+    if (set != InstructionSet::portable) {  // wider vectors gain nothing here: divisions and stores are the limit
         return avx2Kernels;
     }
 #endif

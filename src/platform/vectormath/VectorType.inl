@@ -1,7 +1,7 @@
 // A vector of doubles and what kernels do with it, for one instruction set. Included inside a namespace that is the
 // including source's own, after these macros are defined:
 //   VECTOR_TARGET  attributes of a function for that instruction set
-//   VECTOR_LANES   doubles in a vector: 2 or 4
+//   VECTOR_LANES   doubles in a vector: 2, 4 or 8
 //   VECTOR_FUSED   defined if `multiplyAdd` rounds once
 // Functions that take or return vectors are always inlined, so that no calling convention for them is ever needed.
 
@@ -22,42 +22,11 @@ VECTOR_INLINE void store(double* destination, Doubles vector) {
     __builtin_memcpy(destination, &vector, sizeof vector);
 }
 
-/// The first `n` doubles of a vector, the others `filler`.
-VECTOR_INLINE Doubles loadSome(const double* source, std::size_t n, double filler) {
-    Doubles vector = filler - Doubles{};
-    __builtin_memcpy(&vector, source, n * sizeof(double));
-    return vector;
-}
-
-VECTOR_INLINE void storeSome(double* destination, std::size_t n, Doubles vector) {
-    __builtin_memcpy(destination, &vector, n * sizeof(double));
-}
-
-VECTOR_INLINE Doubles select(Integers mask, Doubles yes, Doubles no) {
-    return (Doubles)((mask & (Integers)yes) | (~mask & (Integers)no));
-}
-
-VECTOR_INLINE bool any(Integers mask) {
-#if VECTOR_LANES == 4
-    return _mm256_movemask_pd((__m256d)mask) != 0;
-#elif defined(__SSE2__)
-    return _mm_movemask_pd((__m128d)mask) != 0;
-#else
-    return (mask[0] | mask[1]) != 0;
-#endif
-}
-
-VECTOR_INLINE Doubles squareRoot(Doubles x) {
-#if VECTOR_LANES == 2
-    return Doubles{__builtin_sqrt(x[0]), __builtin_sqrt(x[1])};
-#else
-    return (Doubles)_mm256_sqrt_pd((__m256d)x);
-#endif
-}
-
 /// a * b + c
 VECTOR_INLINE Doubles multiplyAdd(Doubles a, Doubles b, Doubles c) {
-#ifdef VECTOR_FUSED
+#if VECTOR_LANES == 8
+    return (Doubles)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)c);
+#elif defined(VECTOR_FUSED)
     return (Doubles)_mm256_fmadd_pd((__m256d)a, (__m256d)b, (__m256d)c);
 #else
     return a * b + c;
@@ -69,6 +38,9 @@ VECTOR_INLINE void interleave(Doubles a, Doubles b, Doubles& low, Doubles& high)
 #if VECTOR_LANES == 2
     low = __builtin_shufflevector(a, b, 0, 2);
     high = __builtin_shufflevector(a, b, 1, 3);
+#elif VECTOR_LANES == 8
+    low = __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+    high = __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
 #else
     low = __builtin_shufflevector(a, b, 0, 4, 1, 5);
     high = __builtin_shufflevector(a, b, 2, 6, 3, 7);

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+namespace dspwavedecks::polyphase {
+
+/// How the stores are laid out: in strips of bands, each with all its rows one after the other. A strip and its taps
+/// fit into the first cache together, rows are walked in order, and no stride is a power of two as long as a page.
+struct Layout {
+    /// Bands in a strip; the last one may be narrower, in steps of 8, and is filled up with taps of 0.
+    static constexpr std::size_t stripWidth = 64;
+    /// Segments that are filtered together: each tap that is loaded serves all of them.
+    static constexpr std::size_t groupSize = 8;
+    /// Doubles before the strips: the position of the next row, and how many bands have been reached so far.
+    static constexpr std::size_t headerSize = 8;
+
+    std::size_t numBands;
+    std::size_t numTaps;
+    std::size_t numPlanes;  ///< 1 for real samples, 2 for complex ones: real parts and imaginary parts lie apart
+
+    std::size_t numStrips() const { return (numBands + stripWidth - 1) / stripWidth; }
+    std::size_t widthOf(std::size_t strip) const {
+        return std::min(stripWidth, (numBands - strip * stripWidth + 7) / 8 * 8);
+    }
+    std::size_t paddedBands() const { return (numBands + 7) / 8 * 8; }
+
+    /// Rows go round: the past that the taps reach and a group of new ones.
+    std::size_t period() const { return std::max<std::size_t>(numTaps, 1) - 1 + groupSize; }
+    /// The first rows stand a second time behind the last, so that any `groupSize` rows in sequence lie in sequence.
+    std::size_t numRows() const { return period() + groupSize - 1; }
+    /// The rows of a plane and, behind them, what the band gives to the next segment.
+    std::size_t rowsWithCarry() const { return numRows() + 1; }
+
+    std::size_t delayStoreSize() const { return headerSize + rowsWithCarry() * numPlanes * paddedBands(); }
+    std::size_t stripOffset(std::size_t strip) const {
+        return headerSize + rowsWithCarry() * numPlanes * strip * stripWidth;
+    }
+    /// Begin of a plane within its strip.
+    std::size_t planeOffset(std::size_t strip, std::size_t plane) const {
+        return stripOffset(strip) + rowsWithCarry() * plane * widthOf(strip);
+    }
+};
+
+}  // namespace dspwavedecks::polyphase
