@@ -34,7 +34,8 @@ AlignedVector<double> noise(std::size_t n) {
 struct Variant {
     InstructionSet set;
     polyphase::SampleKind kind;
-    std::size_t numSegments;  ///< in a frame
+    std::size_t numSegments;                                                             ///< in a frame
+    std::size_t numFrames() const { return std::max<std::size_t>(8 / numSegments, 1); }  ///< in a round
 };
 
 /// A channel with a frame of samples that is filtered over and over.
@@ -44,29 +45,40 @@ public:
         polyphase::arrangeTaps(branches_.data(), numBands, numTaps, taps_.data());
     }
     void filter() {
-        polyphase::analyzeWith(polyphase::groupKernelFor(variant_.set), {numBands, numTaps, taps_.data()},
-                               variant_.kind, delays_.data(), samples_.data(), numBands, variant_.numSegments,
-                               polyphase::Output::complexRows, rows_.data(), rowStride);
+        for (std::size_t frame = 0; frame < variant_.numFrames(); ++frame) {
+            filterFrame();
+        }
     }
     void transform() {
-        for (std::size_t g = 0; g < variant_.numSegments; ++g) {
-            fftbridge::interleavedFFT1D<double, 2>({}, plans_, rows_.data() + g * rowStride, spectrum_.data(), numBands,
-                                                   1, -1, true);
+        for (std::size_t g = 0; g < numSegments(); ++g) {
+            transformRow(g % variant_.numSegments);
         }
     }
     void filterTransformAndSquare() {
-        filter();
-        for (std::size_t g = 0; g < variant_.numSegments; ++g) {
-            fftbridge::interleavedFFT1D<double, 2>({}, plans_, rows_.data() + g * rowStride, spectrum_.data(), numBands,
-                                                   1, -1, true);
-            dspwavedecks::vectormath::scaledPower(spectrum_.data(), 0.5, power_.data(), numBands);
+        for (std::size_t frame = 0; frame < variant_.numFrames(); ++frame) {
+            filterFrame();
+            for (std::size_t g = 0; g < variant_.numSegments; ++g) {
+                transformRow(g);
+                dspwavedecks::vectormath::scaledPower(spectrum_.data(), 0.5, power_.data(), numBands);
+            }
         }
     }
-    std::size_t numSamples() const { return variant_.numSegments * numBands; }
+    std::size_t numSegments() const { return variant_.numSegments * variant_.numFrames(); }
+    std::size_t numSamples() const { return numSegments() * numBands; }
     const AlignedVector<double>& samples() const { return samples_; }
     const AlignedVector<double>& branches() const { return branches_; }
 
 private:
+    void filterFrame() {
+        polyphase::analyzeWith(polyphase::groupKernelFor(variant_.set), {numBands, numTaps, taps_.data()},
+                               variant_.kind, delays_.data(), samples_.data(), numBands, variant_.numSegments,
+                               polyphase::Output::complexRows, rows_.data(), rowStride);
+    }
+    void transformRow(std::size_t g) {
+        fftbridge::interleavedFFT1D<double, 2>({}, plans_, rows_.data() + g * rowStride, spectrum_.data(), numBands, 1,
+                                               -1, true);
+    }
+
     Variant variant_;
     AlignedVector<double> branches_{noise(numBands * numTaps)};
     AlignedVector<double> taps_ = AlignedVector<double>(polyphase::tapStoreSize(numBands, numTaps));
@@ -87,8 +99,8 @@ void filtersAgainstPlain(benchmark::State& state, const Variant& variant) {
     compare(
         state, channel.numSamples(), [&] { channel.filter(); },
         [&] {
-            for (std::size_t g = 0; g < variant.numSegments; ++g) {
-                plain.addSegment(samples + g * numBands, numBands);
+            for (std::size_t g = 0; g < channel.numSegments(); ++g) {
+                plain.addSegment(samples + g % variant.numSegments * numBands, numBands);
                 plain.takeRow(reinterpret_cast<Complex*>(row.data()));
             }
         });
@@ -133,7 +145,7 @@ void addBenchmark(const std::string& name, void (*run)(benchmark::State&, const 
     benchmark::RegisterBenchmark(
         (name + "/" + sets[static_cast<int>(variant.set)] + "/segments:" + std::to_string(variant.numSegments)).c_str(),
         run, variant)
-        ->Iterations(static_cast<benchmark::IterationCount>(8000 / variant.numSegments))
+        ->Iterations(static_cast<benchmark::IterationCount>(8000 / (variant.numFrames() * variant.numSegments)))
         ->UseManualTime();
 }
 

@@ -86,8 +86,8 @@ VECTOR_INLINE void filterRows(const double* taps, std::size_t numTaps, const dou
     }
 }
 
-VECTOR_INLINE void filterPlane(const Group& group, const double* taps, const double* plane, std::size_t width,
-                               Sums& sums) {
+VECTOR_INLINE void filterGroupOfRows(const Group& group, const double* taps, const double* plane, std::size_t width,
+                                     Sums& sums) {
     const std::size_t numTaps = group.layout.numTaps;
     const std::size_t period = group.layout.period();
     for (std::size_t j = 0; j < group.numSegments;) {
@@ -108,6 +108,55 @@ VECTOR_INLINE void filterPlane(const Group& group, const double* taps, const dou
             filterRows<1>(taps, numTaps, newest, width, direct, period, sums.rows + j);
             j += 1;
         }
+    }
+}
+
+/// The sums of a segment, and those of the next one over all it shares with this one.
+VECTOR_INLINE void filterAndLookAhead(const double* taps, std::size_t numTaps, const double* newest, std::size_t width,
+                                      std::size_t direct, std::size_t period, double* sums, double* ahead) {
+    for (std::size_t column = 0; column < width; column += lanes) {
+        const double* tap = taps + column;
+        const double* row = newest + column;
+        const double* const turn = tap + direct * width;
+        const double* const end = tap + numTaps * width;
+        Doubles samples = load(row);
+        Doubles sum = load(tap) * samples;
+        Doubles next{};
+        for (tap += width, row -= width; tap != turn; tap += width, row -= width) {
+            const Doubles weight = load(tap);
+            next = multiplyAdd(weight, samples, next);
+            samples = load(row);
+            sum = multiplyAdd(weight, samples, sum);
+        }
+        for (row += period * width; tap != end; tap += width, row -= width) {
+            const Doubles weight = load(tap);
+            next = multiplyAdd(weight, samples, next);
+            samples = load(row);
+            sum = multiplyAdd(weight, samples, sum);
+        }
+        store(sums + column, sum);
+        store(ahead + column, next);
+    }
+}
+
+VECTOR_INLINE void finishAhead(const double* taps, const double* newest, std::size_t width, const double* ahead,
+                               double* sums) {
+    for (std::size_t column = 0; column < width; column += lanes) {
+        store(sums + column, multiplyAdd(load(taps + column), load(newest + column), load(ahead + column)));
+    }
+}
+
+VECTOR_INLINE void filterPlane(const Group& group, const double* taps, double* plane, std::size_t width, Sums& sums) {
+    const std::size_t numTaps = group.layout.numTaps;
+    const double* newest = plane + group.position * width;
+    double* ahead = plane + group.layout.aheadRow() * width;
+    if (group.pairing == Pairing::closes) {
+        finishAhead(taps, newest, width, ahead, sums.rows[0]);
+    } else if (group.pairing == Pairing::opens) {
+        const std::size_t direct = group.position + 1 < numTaps ? group.position + 1 : numTaps;
+        filterAndLookAhead(taps, numTaps, newest, width, direct, group.layout.period(), sums.rows[0], ahead);
+    } else {
+        filterGroupOfRows(group, taps, plane, width, sums);
     }
 }
 
@@ -175,7 +224,7 @@ VECTOR_INLINE void filterStrip(const Group& group, std::size_t strip) {
         for (std::size_t j = 0; j < group.numSegments && n < width; ++j) {
             zeroRow(sums[p].rows[j] + n, width - n);
         }
-        carries[p] = plane + layout.numRows() * width;
+        carries[p] = plane + layout.carryRow() * width;
     }
     if (group.output != Output::none) {
         const std::size_t bands = layout.numBands - firstBand;

@@ -15,10 +15,19 @@ enum class Output {
     none,         ///< added to what the next segment will get: a further turn of the commutator
 };
 
+/// How a segment that comes alone is filtered. Its time goes into fetching taps and past, which the segment after it
+/// needs again but for one row; so the first of two begins the sums of the second, all taps but the newest.
+enum class Pairing {
+    none,
+    opens,   ///< begins the sums of the next segment
+    closes,  ///< finds its sums begun
+};
+
 /// One to `Layout::groupSize` segments to be filtered together.
 struct Group {
     Layout layout;
     Output output;
+    Pairing pairing;
     const double* tapStore;
     double* delayStore;
     std::size_t position;  ///< row of the first segment

@@ -12,7 +12,7 @@ struct Layout {
     static constexpr std::size_t stripWidth = 64;
     /// Segments that are filtered together: each tap that is loaded serves all of them.
     static constexpr std::size_t groupSize = 8;
-    /// Doubles before the strips: the position of the next row, and how many bands have been reached so far.
+    /// Doubles before the strips: the state of the channel.
     static constexpr std::size_t headerSize = 8;
 
     std::size_t numBands;
@@ -29,16 +29,18 @@ struct Layout {
     std::size_t period() const { return std::max<std::size_t>(numTaps, 1) - 1 + groupSize; }
     /// The first rows stand a second time behind the last, so that any `groupSize` rows in sequence lie in sequence.
     std::size_t numRows() const { return period() + groupSize - 1; }
-    /// The rows of a plane and, behind them, what the band gives to the next segment.
-    std::size_t rowsWithCarry() const { return numRows() + 1; }
+    /// Behind the rows of a plane: what the bands give to the next segment, and sums begun ahead of it.
+    std::size_t carryRow() const { return numRows(); }
+    std::size_t aheadRow() const { return numRows() + 1; }
+    std::size_t numAllRows() const { return numRows() + 2; }
 
-    std::size_t delayStoreSize() const { return headerSize + rowsWithCarry() * numPlanes * paddedBands(); }
+    std::size_t delayStoreSize() const { return headerSize + numAllRows() * numPlanes * paddedBands(); }
     std::size_t stripOffset(std::size_t strip) const {
-        return headerSize + rowsWithCarry() * numPlanes * strip * stripWidth;
+        return headerSize + numAllRows() * numPlanes * strip * stripWidth;
     }
     /// Begin of a plane within its strip.
     std::size_t planeOffset(std::size_t strip, std::size_t plane) const {
-        return stripOffset(strip) + rowsWithCarry() * plane * widthOf(strip);
+        return stripOffset(strip) + numAllRows() * plane * widthOf(strip);
     }
 };
 
