@@ -40,7 +40,7 @@ private:
 
     std::size_t position() const { return static_cast<std::size_t>(delayStore_[0]); }
     std::size_t numReached() const { return static_cast<std::size_t>(delayStore_[1]); }
-    std::size_t lengthBegun() const { return static_cast<std::size_t>(delayStore_[2]); }
+    bool isNextBegun() const { return delayStore_[2] != 0; }
 
     GroupKernel kernel_;
     Layout layout_;
@@ -84,14 +84,14 @@ void Channel::filterTogether(const double* samples, std::size_t length, std::siz
         {layout_, output, pairing, tapStore_, delayStore_, position(), samples, length, numSegments, rows, rowStride});
     delayStore_[0] = static_cast<double>((position() + numSegments) % layout_.period());
     delayStore_[1] = static_cast<double>(std::max(numReached(), length));
-    delayStore_[2] = pairing == Pairing::opens ? static_cast<double>(length) : 0.0;
+    delayStore_[2] = pairing == Pairing::opens ? 1 : 0;
 }
 
 Pairing Channel::pairingOf(std::size_t length, std::size_t numSegments) const {
     if (numSegments != 1 || layout_.numTaps == 0 || length == 0 || length > layout_.numBands || length < numReached()) {
         return Pairing::none;
     }
-    return lengthBegun() == length ? Pairing::closes : Pairing::opens;
+    return isNextBegun() ? Pairing::closes : Pairing::opens;
 }
 
 /// The rows move on with each segment; a band that a segment doesn't reach has its past moved along.

@@ -1,5 +1,6 @@
 #include "FftFixture.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <atomic>
@@ -60,27 +61,40 @@ TEST(PlanImprovement, GoesOnBesideTransformsAndPlanningInOtherThreads) {
     EXPECT_EQ(errno, ECHILD);
 }
 
-TEST(PlanImprovement, IsRememberedWhenALengthComesBack) {
-    Signal in(40);
-    Signal out(40);
-    in.fillWithNoise(3);
-    for (const bool first : {true, false}) {
+TEST(PlanImprovement, ReachesCachesInUseAndIsRememberedWhenALengthComesBack) {
+    const fftbridge::FftPlanKey key{40, 1, -1, true};
+    {
         fftbridge::FftPlanCache cache;
-        fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 40, 1, -1, false);
-        EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), first ? 1U : 0U);
+        const fftbridge::FftPlan* quick = &cache.find({}, key, false);
+        EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 1U);
+        EXPECT_EQ(&cache.find({}, key, false), quick);
         EXPECT_TRUE(improveAll());
+        EXPECT_NE(&cache.find({}, key, false), quick);
     }
     fftbridge::FftPlanCache cache;
-    fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 36, 1, -1, true);
+    cache.find({}, key, false);
+    EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U) << "known from before";
+    cache.find({}, {36, 1, -1, true}, true);
     EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U) << "measured before it was used";
+}
+
+TEST(PlanImprovement, LeavesAPlanThatCannotBeMeasured) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit noMoreFiles = before;
+    noMoreFiles.rlim_cur = 0;
+    fftbridge::FftPlanCache cache;
+    cache.find({}, {52, 1, -1, true}, false);
+    setrlimit(RLIMIT_NOFILE, &noMoreFiles);
+    EXPECT_TRUE(improveAll());
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 1U);
 }
 
 TEST(PlanImprovement, WorksWhereTheProgramIgnoresItsChildren) {
     const auto before = std::signal(SIGCHLD, SIG_IGN);
-    Signal in(44);
-    Signal out(44);
     fftbridge::FftPlanCache cache;
-    fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), 44, 1, -1, false);
+    cache.find({}, {44, 1, -1, true}, false);
     EXPECT_TRUE(improveAll());
     EXPECT_EQ(fftwApi::getInstance().numQuickPlans(), 0U);
     std::signal(SIGCHLD, before);
