@@ -20,4 +20,11 @@ struct ExtremePositions {
 /// without a NaN take a vectorised pass for the two values and short searches for their places.
 ExtremePositions findExtremes(const double* data, std::size_t count, MeasurementMinMaxSortOrder order);
 
+/// The values at the positions that findExtremes gives for MinMaxLastMaximum.
+struct ExtremeValues {
+    double minimum = 0.0;
+    double maximum = 0.0;
+};
+ExtremeValues findExtremeValues(const double* data, std::size_t count);
+
 }  // namespace dspwavedecks

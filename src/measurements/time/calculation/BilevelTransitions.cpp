@@ -1,0 +1,239 @@
+// Transitions of a pulse waveform between its two states, and the figures averaged over them.
+#include <algorithm>
+
+#include "BilevelMeasurements.h"
+#include "SpanKernels.h"
+
+namespace dspwavedecks {
+
+namespace {
+
+using Index = std::ptrdiff_t;
+
+constexpr Index none = -1;
+constexpr unsigned inLowState = 1;
+constexpr unsigned inHighState = 2;
+
+/// The states that a sample lies in: none in the band between the bounds and for NaN, and both when the bounds are out
+/// of order.
+unsigned statesOf(double x, const BilevelLevels& levels) {
+    return (x < levels.lowStateBound ? inLowState : 0) | (x > levels.highStateBound ? inHighState : 0);
+}
+
+/// The states that occur in a block of samples, for bounds in order.
+unsigned statesIn(const double* x, Index count, const BilevelLevels& levels, const SpanKernels& kernels) {
+    const ScannedExtremes extremes = kernels.scanExtremes(x, static_cast<std::size_t>(count));
+    return (statesOf(extremes.minimum, levels) & inLowState) | (statesOf(extremes.maximum, levels) & inHighState);
+}
+
+bool isTransition(unsigned from, unsigned to) {
+    return ((from & inLowState) && (to & inHighState)) || ((from & inHighState) && (to & inLowState));
+}
+
+Index lastStateSampleBefore(const BilevelSpan& span, const BilevelLevels& levels, Index index) {
+    do {
+        --index;
+    } while (statesOf(span.x[index], levels) == 0);
+    return index;
+}
+
+/// Finds the pairs of neighbouring state samples in different states. Only the state of the last state sample is kept,
+/// so that a block of samples in that same state or in none is passed over whole.
+class TransitionWalk {
+public:
+    TransitionWalk(const BilevelSpan& walkedSpan, const BilevelLevels& stateLevels, BilevelTransitions& found)
+        : span(walkedSpan),
+          levels(stateLevels),
+          transitions(found),
+          kernels(spanKernels()),
+          boundsInOrder(stateLevels.lowStateBound <= stateLevels.highStateBound) {}
+
+    void run() {
+        constexpr Index blockSize = 512;
+        for (Index begin = 0; begin < span.count; begin += blockSize) {
+            walkBlock(begin, std::min(begin + blockSize, span.count));
+        }
+        transitions.hasStateSamples = state != 0;
+    }
+
+private:
+    /// The parts of a block that hold a transition are walked sample by sample.
+    void walkBlock(Index begin, Index end) {
+        constexpr Index partSize = 32;
+        if (isPassedOver(begin, end)) {
+            return;
+        }
+        for (Index part = begin; part < end; part += partSize) {
+            const Index partEnd = std::min(part + partSize, end);
+            if (!isPassedOver(part, partEnd)) {
+                walkSamples(part, partEnd);
+            }
+        }
+    }
+
+    bool isPassedOver(Index begin, Index end) const {
+        if (!boundsInOrder) {
+            return false;
+        }
+        const unsigned states = statesIn(span.x + begin, end - begin, levels, kernels);
+        return states == 0 || states == state;
+    }
+
+    void walkSamples(Index begin, Index end) {
+        for (Index i = begin; i < end; ++i) {
+            const unsigned next = statesOf(span.x[i], levels);
+            if (isTransition(state, next)) {
+                transitions.startIndices.push_back(lastStateSampleBefore(span, levels, i));
+                transitions.endIndices.push_back(i);
+            }
+            state = next != 0 ? next : state;
+        }
+    }
+
+    const BilevelSpan& span;
+    const BilevelLevels& levels;
+    BilevelTransitions& transitions;
+    const SpanKernels& kernels;
+    const bool boundsInOrder;
+    unsigned state = 0;
+};
+
+/// Finds the sample intervals in which one transition crosses its reference levels. A falling transition is the mirror
+/// image of a rising one, but for the equal sign of the search for the start.
+class CrossingSearch {
+public:
+    CrossingSearch(const BilevelSpan& searchedSpan, const BilevelLevels& referenceLevels)
+        : span(searchedSpan), levels(referenceLevels) {}
+
+    /// First interval from start to end in which the mid level is crossed; interval 0 if there is none.
+    Index mid(Index start, Index end, bool rising) const {
+        for (Index k = start; k < end; ++k) {
+            const double here = span.x[k];
+            const double next = span.x[k + 1];
+            if (rising ? here <= levels.mid && levels.mid < next : here >= levels.mid && levels.mid > next) {
+                return k;
+            }
+        }
+        return 0;
+    }
+
+    /// Interval of the crossing of the start level: downward from the mid interval to the start of the transition. If
+    /// no sample lies on the near side it is the mid interval, and `none` for a transition that starts at sample 0,
+    /// where the search would go on below it.
+    Index first(Index mid, Index start, double startLevel, bool rising) const {
+        if (mid + 1 < start) {
+            return mid;
+        }
+        for (Index i = mid + 1; i >= start; --i) {
+            if (rising ? span.x[i] < startLevel : span.x[i] >= startLevel) {
+                return i;
+            }
+        }
+        return start == 0 ? none : mid;
+    }
+
+    /// Interval of the crossing of the end level, upward from the mid interval to the end of the transition; may lie
+    /// below 0 if there is none.
+    Index last(Index mid, Index end, double endLevel, bool rising, Index first) {
+        Index f = mid;
+        if (mid == 0) {
+            f = fromSpanStart(endLevel, rising);
+        } else {
+            while (f <= end && !isPast(span.x[f], endLevel, rising)) {
+                ++f;
+            }
+        }
+        return (f <= end ? f : first) - 1;
+    }
+
+private:
+    static bool isPast(double x, double level, bool rising) { return rising ? x > level : x < level; }
+
+    /// First sample of the span past the end level, found once for each polarity: transitions without a mid crossing
+    /// all search from there.
+    Index fromSpanStart(double endLevel, bool rising) {
+        Index& found = rising ? firstAbove : firstBelow;
+        if (found == none) {
+            found = 0;
+            while (found < span.count && !isPast(span.x[found], endLevel, rising)) {
+                ++found;
+            }
+        }
+        return found;
+    }
+
+    const BilevelSpan& span;
+    const BilevelLevels& levels;
+    Index firstAbove = none;
+    Index firstBelow = none;
+};
+
+}  // namespace
+
+void BilevelMeasurements::computeTransitionsMetrics(const BilevelSpan& span, const BilevelLevels& levels,
+                                                    BilevelTransitions& transitions) {
+    TransitionWalk(span, levels, transitions).run();
+    if (!transitions.hasStateSamples) {
+        return;
+    }
+    const std::size_t count = transitions.startIndices.size();
+    transitions.polarities.reserve(count);
+    transitions.midCrossTimes.reserve(count);
+    transitions.durations.reserve(count);
+    std::vector<double> slewRates;
+    slewRates.reserve(count);
+    CrossingSearch search(span, levels);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Index start = transitions.startIndices[i];
+        const Index end = transitions.endIndices[i];
+        const bool rising = span.x[start] < levels.lowStateBound;
+        const int polarity = rising ? 1 : -1;
+        const double startLevel = levelByPolarity(levels.lower, levels.upper, polarity);
+        const double endLevel = levelByPolarity(levels.upper, levels.lower, polarity);
+        const Index mid = search.mid(start, end, rising);
+        const Index first = search.first(mid, start, startLevel, rising);
+        const Index last = search.last(mid, end, endLevel, rising, first);
+
+        const double midCross = span.crossing(levels.mid, mid);
+        const double duration = span.crossing(endLevel, last) - span.crossing(startLevel, first);
+        transitions.polarities.push_back(polarity);
+        transitions.midCrossTimes.push_back(midCross);
+        transitions.durations.push_back(duration);
+        slewRates.push_back(duration == 0.0 ? bilevelMeasurementsStruct::unmeasured
+                                            : (endLevel - startLevel) / duration);
+        if (span.contains(midCross)) {
+            transitions.inSpan.push_back(i);
+        }
+    }
+    if (computeTransitions) {
+        averageTransitions(transitions, slewRates);
+    }
+}
+
+void BilevelMeasurements::averageTransitions(const BilevelTransitions& transitions,
+                                             const std::vector<double>& slewRates) {
+    struct Side {
+        double edges = 0.0;
+        double duration = 0.0;
+        double slewRate = 0.0;
+    };
+    Side positive;
+    Side negative;
+    // The entries at the positions of the list of transitions in the span, not those of the numbers it holds: where a
+    // transition lies outside the span the last ones fall away, whichever it was. Meant so.
+    for (std::size_t n = 0; n < transitions.inSpan.size(); ++n) {
+        Side& side = transitions.polarities[n] >= 1 ? positive : negative;
+        side.edges += 1.0;
+        side.duration += transitions.durations[n];
+        side.slewRate += slewRates[n];
+    }
+    // A side without transitions gives 0 / 0.
+    metrics.posEdges = positive.edges;
+    metrics.riseTime = positive.duration / positive.edges;
+    metrics.posSlewRate = positive.slewRate / positive.edges;
+    metrics.negEdges = negative.edges;
+    metrics.fallTime = negative.duration / negative.edges;
+    metrics.negSlewRate = negative.slewRate / negative.edges;
+}
+
+}  // namespace dspwavedecks

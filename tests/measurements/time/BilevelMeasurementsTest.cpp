@@ -1,0 +1,355 @@
+// Pulse measurements against closed forms: trapezoids, a second-order step response, histograms counted by the plain
+// formula, and the rules for what cannot be measured.
+#include "BilevelMeasurements.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace dspwavedecks {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+using Metrics = bilevelMeasurementsStruct;
+
+BilevelMeasurements measuring(double low, double high) {
+    BilevelMeasurements bilevel;
+    bilevel.setAutoStateLevel(false);
+    bilevel.setLowStateLevel(low);
+    bilevel.setHighStateLevel(high);
+    bilevel.setComputeTransitions(true);
+    bilevel.setComputeAberrations(true);
+    bilevel.setComputeCycles(true);
+    return bilevel;
+}
+
+Metrics measure(BilevelMeasurements& bilevel, const std::vector<double>& times, const std::vector<double>& values) {
+    std::vector<double> frame = times;
+    frame.insert(frame.end(), values.begin(), values.end());
+    return *bilevel.computeBilevelMetrics(frame.data(), {times.size(), 2 * times.size()});
+}
+
+/// Samples one unit of time apart.
+Metrics measure(BilevelMeasurements& bilevel, const std::vector<double>& values) {
+    std::vector<double> times;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        times.push_back(static_cast<double>(i));
+    }
+    return measure(bilevel, times, values);
+}
+
+void expectFigure(double actual, double expected, double tolerance, const char* name) {
+    if (std::isnan(expected)) {
+        EXPECT_TRUE(std::isnan(actual)) << name << " is " << actual;
+    } else {
+        EXPECT_LE(std::fabs(actual - expected), tolerance * std::max(1.0, std::fabs(expected)))
+            << name << ": " << actual << ", expected " << expected;
+    }
+}
+
+void expectFigures(const Metrics& actual, const Metrics& expected, double tolerance) {
+    for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
+        expectFigure(actual.*field.value, expected.*field.value, tolerance, field.name);
+    }
+}
+
+struct Trapezoid {
+    double low, high, riseTime, highTime, fallTime, lowTime;  // s, from corner to corner
+    double period() const { return riseTime + highTime + fallTime + lowTime; }
+    double operator()(double time) const {
+        const double t = time - std::floor(time / period()) * period() - 0.5 * lowTime;
+        if (t < 0.0 || t > riseTime + highTime + fallTime) {
+            return low;
+        }
+        const double level = std::min({t / riseTime, 1.0, (riseTime + highTime + fallTime - t) / fallTime});
+        return low + (high - low) * level;
+    }
+};
+
+// The corners lie on samples (multiples of 1/1024 s, exact in binary), so that lines between samples are the waveform's
+// own and the closed forms hold but for the rounding of a few hundred operations.
+TEST(BilevelMeasurements, trapezoidsReadTheirClosedForms) {
+    const Trapezoid shapes[] = {{-1.0, 3.0, 0.125, 0.25, 0.0625, 0.5625}, {0.5, 0.75, 0.25, 0.5, 0.5, 1.0}};
+    for (const Trapezoid& shape : shapes) {
+        for (const double sign : {1.0, -1.0}) {
+            std::vector<double> times;
+            std::vector<double> values;
+            for (int i = 0; i <= static_cast<int>(3.0 * shape.period() * 1024.0); ++i) {
+                times.push_back(i / 1024.0);
+                values.push_back(sign * shape(i / 1024.0));
+            }
+            const double amplitude = shape.high - shape.low;
+            const double width = 0.5 * shape.riseTime + shape.highTime + 0.5 * shape.fallTime;
+            const double rest = shape.period() - width;
+            Metrics expected;
+            expected.lowStateLevel = sign > 0 ? shape.low : -shape.high;
+            expected.highStateLevel = sign > 0 ? shape.high : -shape.low;
+            expected.amplitude = amplitude;
+            expected.posEdges = expected.negEdges = 3.0;
+            expected.riseTime = 0.8 * (sign > 0 ? shape.riseTime : shape.fallTime);
+            expected.fallTime = 0.8 * (sign > 0 ? shape.fallTime : shape.riseTime);
+            expected.posSlewRate = 0.8 * amplitude / expected.riseTime;
+            expected.negSlewRate = -0.8 * amplitude / expected.fallTime;
+            expected.posPreshoot = expected.posOvershoot = expected.negPreshoot = expected.negOvershoot = 0.0;
+            // The stretch behind a transition begins with the first sample in the state: on the ramp, below the level.
+            // A falling one has the last part of the ramp above its level, which is overshoot.
+            const auto beyondBound = [&](double rampTime) {
+                const double step = 100.0 / (rampTime * 1024.0);
+                return 2.0 - (step - std::fmod(98.0, step));
+            };
+            expected.posUndershoot = beyondBound(expected.riseTime / 0.8);
+            expected.negUndershoot = 0.0;
+            expected.negOvershoot = beyondBound(expected.fallTime / 0.8);
+            expected.posSettlingTime = 0.48 * expected.riseTime / 0.8;  // from 50 % to 98 % of the ramp
+            expected.negSettlingTime = 0.48 * expected.fallTime / 0.8;
+            expected.period = shape.period();
+            expected.frequency = 1.0 / shape.period();
+            expected.posPulses = expected.negPulses = sign > 0 ? 3.0 : 2.0;
+            expected.negPulses = sign > 0 ? 2.0 : 3.0;
+            expected.posWidth = sign > 0 ? width : rest;
+            expected.negWidth = sign > 0 ? rest : width;
+            expected.posDutyCycle = 100.0 * expected.posWidth / shape.period();
+            expected.negDutyCycle = 100.0 * expected.negWidth / shape.period();
+            BilevelMeasurements bilevel = measuring(expected.lowStateLevel, expected.highStateLevel);
+            bilevel.setSettleSeek(0.6 * width);
+            expectFigures(measure(bilevel, times, values), expected, 1e-10);
+        }
+    }
+}
+
+/// Step response of a second-order system, 0 before t = 0; w = 1.
+double stepResponse(double damping, double t) {
+    const double d = std::sqrt(1.0 - damping * damping);
+    return t < 0.0 ? 0.0 : 1.0 - std::exp(-damping * t) * (std::cos(d * t) + damping / d * std::sin(d * t));
+}
+
+double bisect(const std::function<double(double)>& f, double low, double high) {
+    for (int i = 0; i < 80; ++i) {
+        const double middle = 0.5 * (low + high);
+        ((f(low) < 0.0) == (f(middle) < 0.0) ? low : high) = middle;
+    }
+    return low;
+}
+
+// Chords of a curve with |x''| <= 1 depart from it by at most dt^2 / 8 = 1.3e-7; at slopes of 0.05 and more that is
+// less than 3e-6 in time, and the peak lies within dt^2 / 8 of a sample's value.
+TEST(BilevelMeasurements, stepResponseReadsOvershootPreshootAndSettlingTime) {
+    constexpr double damping = 0.3;
+    constexpr double interval = 1e-3;
+    const auto response = [](double t) { return stepResponse(damping, t); };
+    const auto timeAt = [&](double level) { return bisect([&](double t) { return response(t) - level; }, 0.0, 3.0); };
+    // The envelope stays inside 2 % from ln(50 / d) / damping = 13.2 on; between extremes pi / d = 3.29 apart the last
+    // entry lies between the extremes at 3 pi / d = 9.88 (outside: 5.2 % above) and 4 pi / d (inside: 1.9 % below).
+    const double lastExtreme = 3.0 * 3.14159265358979 / std::sqrt(1.0 - damping * damping);
+    const double settled = bisect([&](double t) { return response(t) - 1.02; }, lastExtreme, lastExtreme + 1.6);
+    for (const double sign : {1.0, -1.0}) {
+        std::vector<double> times;
+        std::vector<double> values;
+        for (int i = -5000; i <= 40000; ++i) {
+            const double t = i * interval;
+            times.push_back(t);
+            // Before the step a dip of 5 %, inside the stretch of three rise times.
+            values.push_back(sign * (t < -0.5 && t > -1.0 ? -0.05 : response(t)));
+        }
+        BilevelMeasurements bilevel = sign > 0 ? measuring(0.0, 1.0) : measuring(-1.0, 0.0);
+        bilevel.setSettleSeek(30.0);
+        const Metrics metrics = measure(bilevel, times, values);
+        const double overshoot = 100.0 * std::exp(-3.14159265358979 * damping / std::sqrt(1.0 - damping * damping));
+        const bool up = sign > 0;
+        expectFigure(up ? metrics.riseTime : metrics.fallTime, timeAt(0.9) - timeAt(0.1), 1e-5, "transition");
+        expectFigure(up ? metrics.posPreshoot : metrics.negPreshoot, 5.0, 1e-12, "preshoot");
+        expectFigure(up ? metrics.posOvershoot : metrics.negUndershoot, overshoot, 1e-6, "overshoot");
+        expectFigure(up ? metrics.posSettlingTime : metrics.negSettlingTime, settled - timeAt(0.5), 1e-5, "settling");
+        // Looking only up to where it still rings, there is no settling time.
+        bilevel.setSettleSeek(lastExtreme - timeAt(0.5));
+        const Metrics ringing = measure(bilevel, times, values);
+        EXPECT_TRUE(std::isnan(up ? ringing.posSettlingTime : ringing.negSettlingTime));
+    }
+}
+
+struct Levels {
+    double low, high;
+};
+
+/// The histogram method as a plain loop with ceil().
+Levels plainStateLevels(const std::vector<double>& values) {
+    const auto [leastAt, mostAt] = std::minmax_element(values.begin(), values.end());
+    const double least = *leastAt;
+    const double most = *mostAt;
+    std::array<std::uint64_t, 100> bins{};
+    for (const double x : values) {
+        const double place = std::ceil((x - least) * 100 / (most - least)) - 1;
+        ++bins[place >= 0 && std::isfinite(place) ? static_cast<std::size_t>(std::min(place, 99.0)) : 0];
+    }
+    std::size_t low = 0;
+    std::size_t high = 49;
+    for (std::size_t i = 1; i < 100; ++i) {
+        low = i <= 49 && bins[i] > bins[low] ? i : low;
+        high = i >= 49 && bins[i] > bins[high] ? i : high;
+    }
+    const double width = (most - least) / 100;
+    return {least + (static_cast<double>(low) + 0.5) * width, least + (static_cast<double>(high) + 0.5) * width};
+}
+
+TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
+    BilevelMeasurements bilevel;
+    expectFigure(measure(bilevel, {0, 0, 1, 1}).lowStateLevel, 0.005, 1e-15, "low");
+    EXPECT_EQ(measure(bilevel, {0, 0, 1, 1}).highStateLevel, 0.995);
+    EXPECT_EQ(measure(bilevel, {7, 7, 7}).amplitude, 0.0);
+    // Nothing to find: the levels of the last good span stay.
+    measure(bilevel, {0, 0, 1, 1});
+    for (const double odd : {infinity, -infinity}) {
+        EXPECT_EQ(measure(bilevel, {odd, 5, 6}).highStateLevel, 0.995);
+    }
+    std::mt19937 random(3);
+    std::normal_distribution<double> noise(0.0, 0.02);
+    for (int run = 0; run < 20; ++run) {
+        std::vector<double> values;
+        for (int i = 0; i < 1000 + run; ++i) {
+            const double value = (i / 37 % 2 == 0 ? 0.3 : 1.9) + noise(random);
+            // Also values on a coarse grid, many of which lie exactly on the borders of bins.
+            values.push_back(run % 2 == 0 ? value : std::nearbyint(value * 50) / 50);
+        }
+        if (run % 3 ==
+            0) {  // the pairwise scan forgets the maximum at a NaN: what lies above it later counts in bin 99
+            values.insert(values.begin() + 200, nan);
+        }
+        const Levels expected = plainStateLevels(values);
+        const Metrics metrics = measure(bilevel, values);
+        EXPECT_EQ(metrics.lowStateLevel, expected.low) << run;
+        EXPECT_EQ(metrics.highStateLevel, expected.high) << run;
+    }
+}
+
+TEST(BilevelMeasurements, whatCannotBeMeasuredReadsNaN) {
+    BilevelMeasurements bilevel = measuring(0.0, 1.0);
+    const auto expectUnmeasured = [](const Metrics& metrics, std::size_t from, std::size_t to, const char* what) {
+        for (std::size_t i = from; i < to; ++i) {
+            const bilevelMeasurementsField& field = bilevelMeasurementsFields[i];
+            EXPECT_TRUE(std::isnan(metrics.*field.value)) << what << ": " << field.name << " " << metrics.*field.value;
+        }
+    };
+    expectUnmeasured(measure(bilevel, {0.5, 0.5, 0.5, nan}), 3, 25, "no sample in a state");
+    const Metrics oneState = measure(bilevel, {2, 2, 0.5, 0.5, 2});
+    EXPECT_EQ(oneState.posEdges, 0.0);
+    EXPECT_EQ(oneState.negEdges, 0.0);
+    expectUnmeasured(oneState, 7, 25, "one state, with a stop in the band");
+    expectUnmeasured(measure(bilevel, {5}), 7, 25, "one sample");
+
+    BilevelMeasurements off = measuring(0.0, 1.0);
+    off.setComputeTransitions(false);
+    off.setComputeAberrations(false);
+    off.setComputeCycles(false);
+    const Metrics levelsOnly = measure(off, {-1, 2, -1, 2});
+    EXPECT_EQ(levelsOnly.amplitude, 1.0);
+    expectUnmeasured(levelsOnly, 3, 25, "stages switched off");
+    // An empty span leaves everything as it was.
+    EXPECT_EQ(off.computeBilevelMetrics(nullptr, {0, 0})->amplitude, 1.0);
+
+    // Two transitions hold a whole pulse, but no period: no figure of the cycles.
+    expectUnmeasured(measure(bilevel, {-1, -1, 2, 2, -1, -1}), 17, 25, "two transitions");
+    const Metrics three = measure(bilevel, {-1, -1, 2, 2, 2, -1, -1, 2, 2});
+    EXPECT_DOUBLE_EQ(three.period, 5.0);
+    EXPECT_DOUBLE_EQ(three.posDutyCycle, 60.0);
+    EXPECT_EQ(three.negPulses, 1.0);
+    EXPECT_DOUBLE_EQ(three.negWidth, 2.0);
+    EXPECT_TRUE(std::isnan(three.negDutyCycle));
+
+    // No amplitude, no percent of it.
+    BilevelMeasurements flat = measuring(0.5, 0.5);
+    const Metrics noAmplitude = measure(flat, {0, 0, 1, 1, 0, 0, 1, 1});
+    EXPECT_EQ(noAmplitude.posEdges, 2.0);
+    EXPECT_EQ(noAmplitude.period, 4.0);
+    expectUnmeasured(noAmplitude, 9, 12, "aberrations without amplitude");
+    EXPECT_TRUE(std::isnan(noAmplitude.posSlewRate));
+    // Time that stands still has no frequency.
+    const Metrics noTime = measure(bilevel, std::vector<double>(8, 3.0), {0, 0, 1, 1, 0, 0, 1, 1});
+    EXPECT_EQ(noTime.period, 0.0);
+    EXPECT_TRUE(std::isnan(noTime.frequency));
+    EXPECT_TRUE(std::isnan(noTime.posDutyCycle));
+    EXPECT_TRUE(std::isnan(noTime.posSlewRate));
+}
+
+// A transition of 0 to 1 in 5 intervals lasts 4 (10 % to 90 %), so that the stretches are 12 long: that of the second
+// rise would reach back to the dip before the first one, but ends at the fall between.
+TEST(BilevelMeasurements, stretchBeforeTheThirdTransitionEndsAtTheSecond) {
+    BilevelMeasurements bilevel = measuring(0.0, 1.0);
+    const std::vector<double> values{0,   0,   0,   -0.4, 0,   0.2, 0.4, 0.6, 0.8, 1.0, 0.8,
+                                     0.6, 0.4, 0.2, 0.0,  0.2, 0.4, 0.6, 0.8, 1.0, 1.0, 1.0};
+    // 40 % before the first rise and 0 % before the second.
+    EXPECT_NEAR(measure(bilevel, values).posPreshoot, 20.0, 1e-9);
+}
+
+TEST(BilevelMeasurements, referenceLevelsOutsideTheTransitionTakeTheFirstInterval) {
+    BilevelMeasurements bilevel = measuring(0.0, 1.0);
+    bilevel.setMidReferenceLevel(250.0);
+    // No interval crosses 2.5: the line of the first one, 0.1 a unit of time from -0.1, reaches it at 26.
+    const Metrics metrics = measure(bilevel, {-0.1, 0.0, -0.1, -0.1, 1.1, 1.1});
+    EXPECT_EQ(metrics.posEdges, 0.0);  // 26 lies outside the span
+    bilevel.setMidReferenceLevel(1.0);
+    bilevel.setLowerReferenceLevel(-50.0);
+    // No sample of the transition lies below -0.5. It starts at sample 0: the crossing of the start level is not known.
+    const Metrics atStart = measure(bilevel, {-0.1, 1.1, 1.1});
+    EXPECT_EQ(atStart.posEdges, 1.0);
+    EXPECT_TRUE(std::isnan(atStart.riseTime));
+    // Further inside it is that of the mid interval: from 0.5 below 0 to 0.9 on a line of 1.2.
+    EXPECT_NEAR(measure(bilevel, {-0.1, -0.1, 1.1, 1.1}).riseTime, 1.4 / 1.2, 1e-12);
+}
+
+// Random spans, in order and not, with odd values and levels: no access outside, and the transitions are those that a
+// plain walk over all samples finds.
+TEST(BilevelMeasurements, randomSpansGiveTheTransitionsOfAPlainWalk) {
+    std::mt19937 random(17);
+    std::uniform_real_distribution<double> uniform(-0.5, 1.5);
+    for (int run = 0; run < 3000; ++run) {
+        const std::size_t count = 1 + random() % 400;
+        std::vector<double> times;
+        std::vector<double> values;
+        double held = 0.0;
+        for (std::size_t i = 0; i < count; ++i) {
+            times.push_back(run % 5 == 0 ? 100.0 * uniform(random) : static_cast<double>(i));
+            held = random() % 40 == 0 || run % 2 == 0 ? uniform(random) : held;
+            values.push_back(random() % 100 == 0 && run % 7 == 0 ? (random() % 2 ? nan : infinity) : held);
+        }
+        const double low = run % 3 == 0 ? uniform(random) : 0.0;
+        const double high = run % 3 == 0 ? uniform(random) : 1.0;
+        BilevelMeasurements bilevel = measuring(low, high);
+        bilevel.setStateLevelTolerance(run % 11 == 0 ? 60.0 : 5.0);
+        bilevel.setSettleSeek(run % 4 == 0 ? -1.0 : 5.0);
+        bilevel.setMidReferenceLevel(run % 6 == 0 ? 150.0 * uniform(random) : 50.0);
+        const Metrics metrics = measure(bilevel, times, values);
+        if (run % 5 == 0 || run % 6 == 0 || run % 7 == 0) {
+            continue;  // crossings may lie outside the span and are not counted then
+        }
+        const double band = (high - low) / 100.0 * (run % 11 == 0 ? 60.0 : 5.0);
+        std::vector<double> states;
+        for (const double x : values) {
+            if (x < low + band || x > high - band) {
+                states.push_back(x);
+            }
+        }
+        double transitions = 0.0;
+        for (std::size_t i = 1; i < states.size(); ++i) {
+            const bool up = states[i - 1] < low + band && states[i] > high - band;
+            const bool down = states[i - 1] > high - band && states[i] < low + band;
+            transitions += up || down ? 1.0 : 0.0;
+        }
+        if (states.empty()) {
+            EXPECT_TRUE(std::isnan(metrics.posEdges));
+        } else if (high > low && run % 11 != 0) {
+            EXPECT_EQ(metrics.posEdges + metrics.negEdges, transitions) << run;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dspwavedecks
