@@ -64,7 +64,9 @@ TEST(MeasurementsDataCache, fullRingLosesItsOldestAndKeepsItsOldestOnResize) {
     EXPECT_TRUE(cache.getDataInRange({8, 7}).empty());
 
     EXPECT_THROW(cache.setCapacity(std::numeric_limits<unsigned long>::max()), std::length_error);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they stop the program at such a size
     EXPECT_THROW(cache.setCapacity(1ul << 55), std::bad_alloc);
+#endif
     EXPECT_EQ(cache.size(), 5000u);
     cache.setCapacity(3);
     expectTimes(cache, {1, 2, 3});

@@ -175,7 +175,7 @@ TEST(TriggerWindowTest, WindowsComeWhenTheyAreCompleteOrFlushed) {
     };
     Engine engine = risingEdge();
     engine.setPosition(0.5);
-    for (int i = 0; i <= 110; ++i) {
+    for (std::size_t i = 0; i <= 110; ++i) {
         engine.processSample(samples[i].time, samples[i].value, samples[i].time, 0.5);
     }
     EXPECT_FALSE(request(engine, samples[110].time, false));
@@ -187,7 +187,7 @@ TEST(TriggerWindowTest, WindowsComeWhenTheyAreCompleteOrFlushed) {
     EXPECT_EQ(end, samples[110].time);
     EXPECT_NEAR(0.5 * (start + end), 0.995, 1e-12);
     // At 1.24 the window to 1.245 is not complete, at 1.25 it is.
-    for (int i = 111; i <= 125; ++i) {
+    for (std::size_t i = 111; i <= 125; ++i) {
         EXPECT_FALSE(request(engine, samples[i - 1].time, false));
         engine.processSample(samples[i].time, samples[i].value, samples[i].time, 0.5);
     }
@@ -227,7 +227,7 @@ TEST(TriggerWindowTest, ChangesOfModeOrConditionAndTimeFallingBackDiscardWhatWai
     };
     for (const auto& change : changes) {
         Engine engine = risingEdge();
-        for (int i = 0; i <= 120; ++i) {
+        for (std::size_t i = 0; i <= 120; ++i) {
             engine.processSample(samples[i].time, samples[i].value, samples[i].time, 0.5);
         }
         change(engine);
