@@ -1,0 +1,112 @@
+#include "SimulationMetaDataFilter.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "BFSimulationPacerFilter.h"
+#include "BaseOptions.h"
+#include "Board.h"
+#include "OptionTable.h"
+
+namespace dspwavedecks {
+
+SimulationMetaDataFilter::SimulationMetaDataFilter() {
+    registerUsualActions();
+}
+
+SimulationMetaDataFilter::~SimulationMetaDataFilter() = default;
+
+void SimulationMetaDataFilter::setPropertiesOnSetup(const PropertyList& list) {
+    namespace options = catalogue::base;
+    readOptions(list,                                         //
+                required<options::clientID>(clientID),        //
+                required<options::numChannels>(numChannels),  //
+                required<options::frameSize>(frameSize));
+    const auto client = findClient(clientID);
+    isComplex = client->isComplex();
+    timeBased = client->getTimeBased();
+    numSignals = static_cast<int>(numChannels.size());
+    totalNumChannels = getTotalNumChannels();
+    // A reset during a replay does nothing, but the frames that follow must find their places.
+    frameSamples.resize(numChannels.size());
+    signalTime.resize(numChannels.size());
+    setPropertiesImpl(list);
+    reset();
+}
+
+void SimulationMetaDataFilter::setPropertiesImpl(const PropertyList& list) {
+    BaseFilter::setPropertiesImpl(list);
+    auto& settings = getBoard();
+    board::addIfAbsent<unsigned long>(settings, framesProcessed);
+    board::addIfAbsent<unsigned long>(settings, samplesProcessed);
+    board::addIfAbsent<double>(settings, simTime);
+}
+
+void SimulationMetaDataFilter::reset() {
+    const auto client = findClient(clientID);
+    if (client->isDataSourceRepository()) {
+        return;
+    }
+    framesProcessed_ = 0;
+    samplesProcessed_ = 0;
+    const auto count = static_cast<std::size_t>(numSignals);
+    frameSamples.assign(count, 0);
+    signalTime.resize(count);
+    for (int signal = 0; signal < numSignals; ++signal) {
+        signalTime[static_cast<std::size_t>(signal)] = -client->getSampleTime(signal);
+    }
+}
+
+unsigned long SimulationMetaDataFilter::getDataChannelCount(int signal) const {
+    const int count = std::max(getChannelCount(signal), 0);
+    return static_cast<unsigned long>(isComplexSignal(signal) ? count / 2 : count);
+}
+
+void SimulationMetaDataFilter::filterImpl(const double* data, std::vector<double>&, int signal) {
+    const auto index = static_cast<std::size_t>(signal);
+    if (index >= frameSamples.size()) {
+        return;
+    }
+    frameSamples[index] = isComplexSignal(signal) ? inputLength / 2 : inputLength;
+    if (findClient(clientID)->isDataSourceRepository()) {
+        return;
+    }
+    computeSimMetaDataImpl(data, signal);
+    if (isLastSignal(signal)) {
+        publish();
+    }
+}
+
+void SimulationMetaDataFilter::publish() {
+    auto& settings = getBoard();
+    board::write(settings, framesProcessed, framesProcessed_);
+    board::write(settings, samplesProcessed, samplesProcessed_);
+    if (!signalTime.empty()) {
+        board::write(settings, simTime, *std::max_element(signalTime.begin(), signalTime.end()));
+    }
+}
+
+void SimulationMetaDataFilter::computeSimMetaDataImpl(const double*, int signal) {
+    const auto index = static_cast<std::size_t>(signal);
+    if (isLastSignal(signal)) {
+        framesProcessed_ += 1;
+    }
+    samplesProcessed_ += frameSamples[index];
+    const unsigned long channels = getDataChannelCount(signal);
+    const unsigned long steps = channels == 0 ? 0 : frameSamples[index] / channels;
+    signalTime[index] += findClient(clientID)->getSampleTime(signal) * static_cast<double>(steps);
+}
+
+Poco::SharedPtr<Poco::JSON::Object> SimulationMetaDataFilter::packageImpl(const std::string& clientID) {
+    const auto& settings = findBoard(clientID);
+    Poco::SharedPtr<Poco::JSON::Object> package = new Poco::JSON::Object;
+    package->set(framesProcessed, board::read<unsigned long>(settings, framesProcessed));
+    package->set(samplesProcessed, board::read<unsigned long>(settings, samplesProcessed));
+    package->set(simTime, board::read<double>(settings, simTime));
+    if (const auto* const rate = board::find<double>(settings, BFSimulationPacerFilter::simDriftRate)) {
+        package->set(BFSimulationPacerFilter::simDriftRate, *rate);
+    }
+    return package;
+}
+
+}  // namespace dspwavedecks

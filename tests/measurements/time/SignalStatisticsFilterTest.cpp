@@ -1,0 +1,115 @@
+#include "SignalStatisticsFilter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "Board.h"
+#include "MagPhaseFilter.h"
+#include "TestClient.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::feed;
+using testsupport::TestClient;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+signalStatsStruct read(const TestClient& client) {
+    return board::read<signalStatsStruct>(client.board(), SignalStatisticsFilter::signalStats);
+}
+
+TEST(SignalStatisticsFilter, measuresTheChosenChannel) {
+    TestClient client({2, 1});
+    client.board().addCustomSetting(MagPhaseFilter::magPhaseData, std::vector<bool>{false, true});
+    SignalStatisticsFilter filter;
+    filter.tuneImpl(client.setup().addInt("measurementChannel", 1));
+    EXPECT_FALSE(filter.isActive());
+    filter.tuneImpl(TestClient::tune().addLogical("signalStatisticsEnabled", true));
+    EXPECT_TRUE(filter.isActive());
+    const std::vector<double> frame = {0, 1, 2, /* first */ 9, 9, 9, /* second */ 1, 5, 3};
+    EXPECT_TRUE(feed(filter, frame).empty());
+    EXPECT_EQ(3.0, read(client).mean);
+    EXPECT_EQ(1.0, read(client).xMax);
+    EXPECT_EQ(5.0, read(client).yMax);
+    EXPECT_EQ(1, BaseFilter::packageImpl(client.name())->getValue<int>("channel"));
+    feed(filter, {0, 7, 7, 7}, 1);  // not the measured signal
+    EXPECT_EQ(3.0, read(client).mean);
+
+    // The other signal holds magnitude and phase: two channels where the host counts one.
+    filter.tuneImpl(TestClient::tune().addInt("measurementSignal", 1));
+    feed(filter, {0, 1, /* magnitude */ 4, 8, /* phase */ 180, 90}, 1);
+    EXPECT_EQ(135.0, read(client).mean);
+    filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 2));
+    feed(filter, {0, 1, 4, 8, 180, 90}, 1);  // there is no third
+    EXPECT_TRUE(std::isnan(read(client).mean));
+}
+
+TEST(SignalStatisticsFilter, writesTextsForTheClient) {
+    TestClient client;
+    signalStatsStruct stats;
+    stats.xMin = 3;
+    stats.yMin = -0.1;
+    stats.mean = std::copysign(nan, 1.0);
+    stats.rms = std::numeric_limits<double>::infinity();
+    stats.varianceValid = false;
+    stats.timeRange = {0.5, 2};
+    client.board().addCustomSetting(SignalStatisticsFilter::signalStats, stats);
+    auto package = SignalStatisticsFilter::packageImpl(client.name());
+    EXPECT_EQ(12u, package->size());
+    const auto text = [&](const char* name) { return package->getValue<std::string>(name); };
+    EXPECT_EQ("3", text("xMin"));
+    EXPECT_EQ("-0.10000000000000001", text("yMin"));
+    EXPECT_EQ("nan", text("mean"));  // computed, unlike a masked group
+    EXPECT_EQ("inf", text("rms"));
+    EXPECT_EQ("NaN", text("variance"));
+    EXPECT_EQ("NaN", text("standardDeviation"));
+    EXPECT_EQ("0.5, 2", text("timeRange"));
+    for (const std::vector<double>& range : {std::vector<double>{1}, {1, nan}, {stats.rms, 1}}) {
+        stats.timeRange = range;
+        stats.minMaxValid = false;
+        stats.meanValid = false;
+        board::write(client.board(), SignalStatisticsFilter::signalStats, stats);
+        package = SignalStatisticsFilter::packageImpl(client.name());
+        EXPECT_EQ("", text("timeRange"));
+        for (const char* name : {"xMin", "xMax", "yMin", "yMax", "peakToPeak", "mean", "median", "rms", "meanSquare"}) {
+            EXPECT_EQ("NaN", text(name)) << name;
+        }
+    }
+}
+
+TEST(SignalStatisticsFilter, hasAnOptionForEachFigure) {
+    TestClient client;
+    const struct {
+        const char* option;
+        double signalStatsStruct::*figure;
+        double expected;
+    } rows[] = {
+        {"showMax", &signalStatsStruct::yMax, 4},
+        {"showMin", &signalStatsStruct::yMin, -4},
+        {"showPeakToPeak", &signalStatsStruct::peakToPeak, 8},
+        {"showMean", &signalStatsStruct::mean, 1},
+        {"showVariance", &signalStatsStruct::variance, 19},
+        {"showStandardDeviation", &signalStatsStruct::variance, 19},
+        {"showMedian", &signalStatsStruct::median, 3},
+        {"showRMS", &signalStatsStruct::meanSquare, 41.0 / 3.0},
+        {"showMeanSquare", &signalStatsStruct::meanSquare, 41.0 / 3.0},
+    };
+    for (const auto& row : rows) {
+        for (const bool isOn : {false, true}) {
+            SignalStatisticsFilter filter;
+            PropertyList list = client.setup();
+            for (const auto& other : rows) {
+                list.addLogical(other.option, isOn && other.option == row.option);
+            }
+            filter.tuneImpl(list);
+            feed(filter, {0, 1, 2, 4, 3, -4});
+            EXPECT_DOUBLE_EQ(isOn ? row.expected : 0.0, read(client).*row.figure) << row.option;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dspwavedecks

@@ -1,0 +1,152 @@
+#include "SimulationMetaDataFilter.h"
+
+#include <gtest/gtest.h>
+
+#include "BFAppSimulationMetaDataFilter.h"
+#include "BFSimulationMetaDataFilter.h"
+#include "Board.h"
+#include "TestClient.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::feed;
+using testsupport::TestClient;
+
+struct Counters {
+    unsigned long frames, samples;
+    double time;
+    bool operator==(const Counters&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const Counters& counters) {
+    return stream << counters.frames << " frames, " << counters.samples << " samples, " << counters.time << " s";
+}
+
+Counters read(const TestClient& client) {
+    const auto package = SimulationMetaDataFilter::packageImpl(client.name());
+    return {package->getValue<unsigned long>("framesProcessed"), package->getValue<unsigned long>("samplesProcessed"),
+            package->getValue<double>("simTime")};
+}
+
+TEST(SimulationMetaDataFilter, countsPlainStreams) {
+    TestClient client({1, 2});
+    client->setIsComplex({0, 1});
+    client->setSampleTimes({0.5, 0.25});
+    SimulationMetaDataFilter filter;
+    EXPECT_EQ((Counters{0, 0, 0}), read(client));
+    filter.tuneImpl(client.setup());
+    const std::vector<double> real(4), complex(8);
+    feed(filter, real, 0);
+    EXPECT_EQ((Counters{0, 0, 0}), read(client));  // the board is written on the last signal
+    feed(filter, complex, 1);
+    EXPECT_EQ((Counters{1, 8, 1.5}), read(client));  // the last sample of the first signal stands at 3 * 0.5
+    feed(filter, real, 0);
+    feed(filter, complex, 1);
+    EXPECT_EQ((Counters{2, 16, 3.5}), read(client));
+    EXPECT_FALSE(SimulationMetaDataFilter::packageImpl(client.name())->has("simDriftRate"));
+
+    // A replay freezes the counters, also over a setup, which resets those of a live source.
+    client->setIsDataSourceRepository(true);
+    filter.tuneImpl(client.setup());
+    feed(filter, real, 0);
+    feed(filter, complex, 1);
+    EXPECT_EQ((Counters{2, 16, 3.5}), read(client));
+    client->setIsDataSourceRepository(false);
+    filter.tuneImpl(client.sizeChange());
+    feed(filter, real, 0);
+    feed(filter, complex, 1);
+    EXPECT_EQ((Counters{3, 24, 5.5}), read(client));
+    filter.tuneImpl(client.setup());
+    feed(filter, {}, 1);
+    EXPECT_EQ((Counters{1, 0, -0.25}), read(client));
+}
+
+TEST(SimulationMetaDataFilter, findsItsPlacesAfterASetupDuringReplay) {
+    TestClient client({0});  // no channel: no time passes
+    client->setIsDataSourceRepository(true);
+    SimulationMetaDataFilter filter;
+    filter.tuneImpl(client.setup());
+    feed(filter, {1, 2});
+    client->setIsDataSourceRepository(false);
+    feed(filter, {1, 2});
+    EXPECT_EQ((Counters{1, 2, 0}), read(client));
+    feed(filter, {1, 2}, 5);  // no such signal
+    EXPECT_EQ((Counters{1, 2, 0}), read(client));
+}
+
+/// A buffer in head form: one time a frame, then the data.
+std::vector<double> headForm(const std::vector<double>& times, int channels, int frameSize) {
+    std::vector<double> buffer = times;
+    buffer.resize(times.size() * static_cast<std::size_t>(1 + channels * frameSize));
+    return buffer;
+}
+
+TEST(BFSimulationMetaDataFilter, countsAndTakesBackTimeBasedFrames) {
+    TestClient client({2});
+    client->setTimeBased(true);
+    BFSimulationMetaDataFilter filter;
+    filter.tuneImpl(client.setup());
+    client->setSimulationTime(10);
+    feed(filter, headForm({0.5, 1.5}, 2, 4));         // two frames of 2 x 4 samples
+    EXPECT_EQ((Counters{4, 16, 1.5}), read(client));  // frames of one channel each are counted
+    feed(filter, headForm({2.5}, 2, 4));
+    EXPECT_EQ((Counters{6, 24, 2.5}), read(client));
+    client->setSimulationTime(2);
+    feed(filter, headForm({2.0}, 2, 4));
+    EXPECT_EQ((Counters{4, 16, 2.0}), read(client));
+    client->setSimulationTime(1);
+    feed(filter, headForm({0.5, 0.75, 1.0}, 2, 4));  // more than there is: the counters stop at zero
+    EXPECT_EQ((Counters{0, 0, 1.0}), read(client));
+    client->setSimulationTime(0.5);
+    feed(filter, headForm({0.5}, 2, 4));  // from zero frames it counts forward
+    EXPECT_EQ((Counters{2, 8, 0.5}), read(client));
+
+    client->setSimulationTime(10);
+    feed(filter, {1, 2});  // too short for a head: no time to be had
+    EXPECT_EQ(0.5, read(client).time);
+    client->setIsDataSourceRepository(true);
+    feed(filter, headForm({3.5}, 2, 4));
+    EXPECT_EQ(0.5, read(client).time);
+    filter.reset();
+    client->setIsDataSourceRepository(false);
+    feed(filter, headForm({3.5}, 2, 4));
+    EXPECT_EQ((Counters{2, 8, 3.5}), read(client));
+}
+
+TEST(BFSimulationMetaDataFilter, countsAndTakesBackSampleBasedFrames) {
+    TestClient client({2, 1});
+    client->setIsComplex({1, 0});
+    client->setTimeBased(false);
+    BFSimulationMetaDataFilter filter;
+    filter.tuneImpl(client.setup().addDouble("compiledStepSize", 0.5));
+    client->setSimulationTime(100);
+    feed(filter, std::vector<double>(8), 0);
+    feed(filter, std::vector<double>(3), 1);
+    // The first signal was timed before the frame was counted, one step before 0; the second after it.
+    EXPECT_EQ((Counters{1, 7, 0.0}), read(client));
+    feed(filter, std::vector<double>(8), 0);
+    feed(filter, std::vector<double>(3), 1);
+    EXPECT_EQ((Counters{2, 14, 0.5}), read(client));
+    client->setSimulationTime(-1);
+    feed(filter, std::vector<double>(8), 0);
+    feed(filter, std::vector<double>(3), 1);
+    EXPECT_EQ((Counters{1, 7, 0.5}), read(client));  // signal 0 was timed at two frames
+    filter.tuneImpl(TestClient::tune().addLogical("useBlockflowSimTime", true));
+    client->setSimulationTime(42);
+    feed(filter, std::vector<double>(8), 0);
+    feed(filter, std::vector<double>(3), 1);
+    EXPECT_EQ((Counters{2, 14, 42}), read(client));
+}
+
+TEST(BFAppSimulationMetaDataFilter, hasNoStepBack) {
+    TestClient client({1});
+    BFAppSimulationMetaDataFilter filter;
+    filter.tuneImpl(client.setup());
+    client->setSimulationTime(0);
+    feed(filter, headForm({5}, 1, 4));
+    feed(filter, headForm({4}, 1, 4));
+    EXPECT_EQ((Counters{2, 8, 4}), read(client));
+}
+
+}  // namespace
+}  // namespace dspwavedecks

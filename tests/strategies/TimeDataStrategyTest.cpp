@@ -1,0 +1,144 @@
+#include "TimeDataStrategy.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <numeric>
+
+#include "MagPhaseFilter.h"
+#include "StrategyTestSupport.h"
+#include "wavedeck/DataStorageFilterUtils.h"
+#include "wavedeck/WaveDeckStatics.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::at;
+using testsupport::TestClient;
+using testsupport::text;
+using testsupport::update;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+void setBoard(const TestClient& client, std::vector<bool> marks, std::vector<double> timeRange) {
+    client.board().addCustomSetting(MagPhaseFilter::magPhaseData, marks);
+    client.board().addCustomSetting(MagPhaseFilter::timeRange, timeRange);
+}
+
+TEST(TimeDataStrategy, choosesTheNewestPoints) {
+    const struct {
+        int points;
+        std::vector<double> timeRange;
+        double sampleTime;
+        bool replay;
+        int start;
+    } rows[] = {
+        {20000, {}, 0.0001, false, 4640},   {20000, {1.0}, 0.0001, false, 9999},  // 10000 intervals and a point
+        {20000, {10}, 0.0001, false, 4639},                                       // one point above the other limit
+        {20000, {10}, 0.0001, true, 0},                                           // a replay goes out whole
+        {20000, {}, 0.0001, true, 0},       {10001, {1.0}, 0.0001, false, 0},
+        {10002, {1.0}, 0.0001, false, 1},   {20000, {1e300}, 1e-300, false, 4639},  // more intervals than any integer
+        {20000, {0.0}, 0.0, false, 4639},                                           // no number at all
+        {20000, {-5.0}, 1.0, false, 20000},                                         // nothing
+        {15360, {}, 1.0, false, 0},         {0, {1.0}, 1.0, false, 0},
+    };
+    for (const auto& row : rows) {
+        TestClient client;
+        client->setSampleTimes({row.sampleTime});
+        client->setIsDataSourceRepository(row.replay);
+        setBoard(client, {false}, row.timeRange);
+        TimeDataStrategy strategy;
+        strategy.setClientID(client.name());
+        strategy.resetDataStartAndEndIdx(row.points);
+        strategy.computeDataStartAndEndIdx({}, 0, row.points, false, client.board());
+        EXPECT_EQ(row.start, strategy.getDataStartIdx()) << row.points << ", " << row.sampleTime;
+        EXPECT_EQ(row.points, strategy.getDataEndIdx());
+    }
+}
+
+TEST(TimeDataStrategy, makesTheMessage) {
+    TestClient client({2, 1, 1});
+    client->setOffsets({0.25, 0, 0});
+    client->setSampleTimes({1, 1, 1});
+    setBoard(client, {true, false}, {2, 100});
+    TimeDataStrategy strategy;
+    const std::vector<std::vector<double>> data = {
+        {0, 1, 2, 3, /* magnitudes */ 9, 1, nan, 3, /* phases */ 0, infinity, -90, 45}, {}, {0, 1, nan, infinity}};
+    const auto message = update(strategy, client, data, {"a", "b", "c"});
+    EXPECT_EQ(3u, message->size());
+    ASSERT_EQ(3u, message->getArray("signals")->size());
+    EXPECT_TRUE(message->getArray("signals")->isNull(1));
+    const auto signal = at(message, "signals", 0);
+    EXPECT_EQ(5u, signal->size());
+    EXPECT_EQ("a", signal->getValue<std::string>("id"));
+    EXPECT_EQ(2, signal->getValue<int>("numChannels"));
+    EXPECT_EQ("[1,-90]", signal->getValue<std::string>("dataMin"));
+    EXPECT_EQ("[3,45]", signal->getValue<std::string>("dataMax"));
+    const auto magnitude = at(signal, "channel", 0);
+    EXPECT_EQ(7u, magnitude->size());
+    EXPECT_EQ("[1,0,3]", text(magnitude, "data"));
+    EXPECT_TRUE(magnitude->getArray("data")->get(1).isInteger());
+    EXPECT_EQ("[1]", text(magnitude, "NaNIdx"));
+    EXPECT_EQ("[1,2,3]", text(magnitude, "time"));
+    EXPECT_EQ(magnitude->getArray("time").get(), at(signal, "channel", 1)->getArray("time").get());
+    EXPECT_EQ("db0", magnitude->getValue<std::string>("dbid"));
+    EXPECT_EQ(0.25, magnitude->getValue<double>("timeOffset"));
+    EXPECT_EQ(0, magnitude->getValue<int>("subplotNum"));
+    EXPECT_EQ("[0,-90,45]", text(at(signal, "channel", 1), "data"));
+    EXPECT_EQ(1, at(signal, "channel", 1)->getValue<int>("subplotNum"));
+    const auto unmarked = at(message, "signals", 2);  // no mark counts as none, no range as no range
+    EXPECT_EQ("[inf,inf]", unmarked->getValue<std::string>("dataMin"));
+    EXPECT_EQ("[-inf,-inf]", unmarked->getValue<std::string>("dataMax"));
+    EXPECT_EQ("[0,1]", text(at(unmarked, "channel", 0), "NaNIdx"));
+    EXPECT_EQ(0u, message->getObject("measurements")->size());
+
+    EXPECT_EQ(0u, update(strategy, client, data, {"", "", ""})->getArray("signals")->size());
+    EXPECT_EQ(2u, message->getArray("signals")->getObject(0)->getArray("channel")->size());  // not written over
+    EXPECT_EQ("[1,0,3]", text(magnitude, "data"));
+    client.numChannels = {11, 1, 1};
+    EXPECT_EQ("db10", at(at(update(strategy, client, {std::vector<double>(24)}), "signals", 0), "channel", 10)
+                          ->getValue<std::string>("dbid"));
+}
+
+TEST(TimeDataStrategy, attachesWhatIsActive) {
+    TestClient client;
+    setBoard(client, {false}, {});
+    client.board().addCustomSetting("dataStorageFilterUtils", wavedeck::DataStorageFilterUtils{{1.5, 2}, true, false});
+    TimeDataStrategy strategy;
+    EXPECT_FALSE(update(strategy, client, {{0, 1}})->has("dataFilterObj"));
+    testsupport::activate(client, "wavedeck_datastorage_filter");
+    testsupport::activate(client, "time_signal_statistics_filter");
+    const auto message = update(strategy, client, {{0, 1}});
+    EXPECT_EQ("[1.5,2]", text(message->getObject("dataFilterObj"), "startTimeInBuffer"));
+    EXPECT_TRUE(message->getObject("dataFilterObj")->getValue<bool>("forceLimitBuffer"));
+    EXPECT_FALSE(message->getObject("dataFilterObj")->getValue<bool>("startTimeInBufferChanged"));
+    EXPECT_EQ("0", message->getObject("measurements")->getObject("stats")->getValue<std::string>("mean"));
+}
+
+TEST(TimeDataStrategy, countsItsUpdates) {
+    TestClient client;
+    setBoard(client, {false}, {});
+    TimeDataStrategy strategy;
+    EXPECT_FALSE(update(strategy, client, {{0, 1}})->has("performance"));
+    wavedeck::WaveDeckStatics::setEnableWaveDecksDiagnostics(true);
+    const auto rate = [&] {
+        return update(strategy, client, {{0, 1}})->getObject("performance")->getValue<double>("framesPerSecond");
+    };
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(1.0, rate());  // whatever the true rate
+    }
+    EXPECT_GT(rate(), 100.0);
+    wavedeck::WaveDeckStatics::setEnableWaveDecksDiagnostics(false);
+}
+
+TEST(DataStrategy, asksWhetherSignalsHaveData) {
+    const std::vector<std::vector<double>> data = {{1}, {}};
+    EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 0));
+    EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 1));
+    EXPECT_FALSE(DataStrategy::areAllChannelDataValid(data, 2));
+    EXPECT_FALSE(DataStrategy::isSignalDataValid(data, 2));
+}
+
+}  // namespace
+}  // namespace dspwavedecks
