@@ -86,7 +86,7 @@ TEST(Exports, makeStagesThatLiveTheirLife) {
                 for (int signal = 0; signal < 2; ++signal) {
                     feed(*filter, std::vector<double>(static_cast<std::size_t>(3 * size), 1.0), signal);
                 }
-                filter->tuneImpl(TestClient::tune());
+                filter->tuneImpl(TestClient::tune().addChar("clientID", client.name()));
             }
             filter->rollbackImpl(TestClient::list("onRollback").addDouble("rollbacktime", 0.0));
             filter->resetImpl();
