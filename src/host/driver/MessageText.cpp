@@ -55,21 +55,31 @@ void MessageText::writeObject(const Object& object) {
 }
 
 void MessageText::writeArray(const Array& array) {
+    // Numbers are collected and appended many at a time.
+    char numbers[1024];
+    char* end = numbers;
+    const auto append = [&] {
+        text_.append(numbers, end);
+        end = numbers;
+    };
     text_ += '[';
     bool isFirst = true;
     for (const Var& value : array) {
+        if (numbers + sizeof numbers - end < static_cast<std::ptrdiff_t>(longestNumberText + 1)) {
+            append();
+        }
         if (!isFirst) {
-            text_ += ',';
+            *end++ = ',';
         }
         isFirst = false;
         if (!value.isEmpty() && value.type() == typeid(double)) {
-            // The text grows in place: one append a number.
-            char number[longestNumberText];
-            text_.append(number, writeNumber(value.extract<double>(), number));
+            end = writeNumber(value.extract<double>(), end);
         } else {
+            append();
             writeValue(value);
         }
     }
+    append();
     text_ += ']';
 }
 

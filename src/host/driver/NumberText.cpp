@@ -11,21 +11,14 @@ namespace {
 constexpr double leastDecimal = 1e-15;
 constexpr double firstExponential = 1e15;
 
-/// Turns "1.5e+20" and "5e-05" into "1.5e20" and "5e-5".
-char* trimExponent(char* first, char* last) {
-    auto* mark = static_cast<char*>(std::memchr(first, 'e', static_cast<std::size_t>(last - first)));
-    char* target = mark + 1;
-    const char* source = mark + 1;
-    if (*source == '-') {
-        ++target;
+/// Takes the leading zero of an exponent below 10 away: "5e-05" becomes "5e-5".
+char* trimExponent(char* last) {
+    const bool hasTwoDigits = last[-3] == '+' || last[-3] == '-';
+    if (hasTwoDigits && last[-2] == '0') {
+        last[-2] = last[-1];
+        return last - 1;
     }
-    ++source;  // the sign, always there
-    while (*source == '0' && source + 1 < last) {
-        ++source;
-    }
-    const auto digits = static_cast<std::size_t>(last - source);
-    std::memmove(target, source, digits);
-    return target + digits;
+    return last;
 }
 
 }  // namespace
@@ -34,14 +27,18 @@ char* writeNumber(double value, char* target) {
     char* const end = target + longestNumberText;
     const double magnitude = std::fabs(value);
     // Shortest digits never round across a power of ten that is itself a double, so magnitude and exponent agree.
-    if ((magnitude >= leastDecimal && magnitude < firstExponential) || value == 0.0) {
+    if (magnitude >= leastDecimal && magnitude < firstExponential) {
         return std::to_chars(target, end, value, std::chars_format::fixed).ptr;
+    }
+    if (value == 0.0) {
+        *target = '0';
+        return target + 1;
     }
     if (!std::isfinite(value)) {
         std::memcpy(target, "null", 4);
         return target + 4;
     }
-    return trimExponent(target, std::to_chars(target, end, value, std::chars_format::scientific).ptr);
+    return trimExponent(std::to_chars(target, end, value, std::chars_format::scientific).ptr);
 }
 
 }  // namespace wavedeck::driver

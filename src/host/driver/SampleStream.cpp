@@ -81,10 +81,12 @@ void SampleStream::setHistorySpan(double seconds) {
 }
 
 void SampleStream::resize(const std::vector<int>& numChannels, const std::vector<int>& frameSizes) {
-    frameSizes_ = frameSizes;
     for (std::size_t s = 0; s < signals_.size(); ++s) {
-        const bool changed = numChannels_[s] != numChannels[s];
+        // A head is formed of whole simulation frames, which must all have one size.
+        const bool otherFrames = isBlockflow(facts_.kind) && frameSizes_[s] != frameSizes[s];
+        const bool changed = otherFrames || numChannels_[s] != numChannels[s];
         numChannels_[s] = numChannels[s];
+        frameSizes_[s] = frameSizes[s];
         if (changed) {
             configureHistory(s);
         }
@@ -108,7 +110,9 @@ void SampleStream::rewind(double time) {
             ++index;
         }
         nextIndex_[s] = index;
-        if (storesTimes_) {
+        if (facts_.kind == ChainKind::Frame) {
+            history_[s].clear();  // its times are a frame's own
+        } else if (storesTimes_) {
             history_[s].dropNewerThan(time);
         } else {
             history_[s].dropNewest(static_cast<std::size_t>(reached - index));

@@ -25,7 +25,8 @@ public:
     /// Back to the first sample, nothing stored.
     void restart();
     void setHistorySpan(double seconds);
-    /// Takes other counts of raw channels over; a signal whose count changes loses its stored samples.
+    /// Takes other counts of raw channels and frame sizes over. A signal whose count changes loses its stored samples,
+    /// and so does one of a simulation whose frame size changes.
     void resize(const std::vector<int>& numChannels, const std::vector<int>& frameSizes);
     /// The next sample is the first behind `time`, and what is stored of later times is dropped.
     void rewind(double time);

@@ -1,0 +1,160 @@
+#include "MessageText.h"
+
+#include <Poco/JSON/Object.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "NumberText.h"
+
+namespace {
+
+using Poco::JSON::Array;
+using Poco::JSON::Object;
+using wavedeck::driver::MessageText;
+
+std::string pocoText(const Object& object) {
+    std::ostringstream stream;
+    object.stringify(stream);
+    return stream.str();
+}
+
+std::string textOf(double value) {
+    char text[wavedeck::driver::longestNumberText];
+    return {text, wavedeck::driver::writeNumber(value, text)};
+}
+
+std::string pocoNumber(double value) {
+    return Poco::Dynamic::Var(value).convert<std::string>();
+}
+
+TEST(NumberText, IsPocosForFiniteNumbers) {
+    std::vector<double> values{0.0, -0.0, 1.0, -1.0, 0.1, 1e15, 1e-15, 123456789012345.0, 999999999999999.9};
+    const auto limits = std::numeric_limits<double>{};
+    for (const double extreme : {limits.max(), limits.min(), limits.denorm_min(), limits.epsilon(), 0x1p53}) {
+        values.push_back(extreme);
+        values.push_back(-extreme);
+    }
+    // Around every power of ten, where digits and layout change.
+    for (int exponent = -323; exponent <= 308; ++exponent) {
+        const double power = std::pow(10.0, exponent);
+        values.insert(values.end(), {power, std::nextafter(power, 0.0), std::nextafter(power, HUGE_VAL), 1.5 * power});
+    }
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> exponent(-20.0, 20.0);
+    for (int i = 0; i < 200000; ++i) {
+        const auto anyBits = std::bit_cast<double>(random());
+        values.push_back(std::isfinite(anyBits) ? anyBits : 0.5);
+        values.push_back(std::bit_cast<double>(random() & 0x800fffffffffffffU));  // denormal
+        values.push_back(std::pow(10.0, exponent(random)));
+        values.push_back(static_cast<double>(static_cast<std::int64_t>(random()) >> (random() % 64)));
+    }
+    for (const double value : values) {
+        const std::string text = textOf(value);
+        ASSERT_EQ(text, pocoNumber(value));
+        ASSERT_EQ(std::strtod(text.c_str(), nullptr), value);
+    }
+}
+
+TEST(NumberText, IsNullForWhatJsonDoesNotHave) {
+    for (const double value : {std::nan(""), -std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+        EXPECT_EQ(textOf(value), "null");
+    }
+}
+
+/// A value of any kind that messages hold, nested to the given depth.
+Poco::Dynamic::Var randomValue(std::mt19937_64& random, int depth) {
+    static const std::vector<std::string> texts{
+        "",       "plain", "a/b", "\"quoted\"\\", "tab\there\n", "\x01\x1f\x7f", "\xc3\xa4\xe2\x82\xac\xf0\x9f\x93\x88",
+        "[0.5,2]"};
+    switch (random() % (depth > 0 ? 11 : 8)) {
+        case 0:
+            return static_cast<double>(random()) / 3.0;
+        case 1:
+            return static_cast<int>(random());
+        case 2:
+            return static_cast<Poco::UInt64>(random());
+        case 3:
+            return random() % 2 == 0;
+        case 4:
+            return texts[random() % texts.size()];
+        case 5:
+            return {};
+        case 6:
+            return static_cast<float>(random() % 1000) / 8.0F;
+        case 7:
+            return static_cast<Poco::Int64>(random());
+        case 8: {
+            Object::Ptr object = new Object(random() % 2 == 0 ? 0 : Poco::JSON_PRESERVE_KEY_ORDER);
+            for (std::size_t i = random() % 5; i > 0; --i) {
+                object->set(texts[random() % texts.size()] + std::to_string(random() % 100),
+                            randomValue(random, depth - 1));
+            }
+            return object;
+        }
+        default: {
+            Array::Ptr array = new Array;
+            for (std::size_t i = random() % 5; i > 0; --i) {
+                array->add(randomValue(random, depth - 1));
+            }
+            return array;
+        }
+    }
+}
+
+TEST(MessageText, IsPocosForWholeMessages) {
+    std::mt19937_64 random(2);
+    MessageText writer;
+    for (int i = 0; i < 3000; ++i) {
+        Object message;
+        for (int member = 0; member < 4; ++member) {
+            message.set(std::string("m").append(std::to_string(random() % 50)), randomValue(random, 4));
+        }
+        const std::string& text = writer.write(message);
+        ASSERT_EQ(text, pocoText(message));
+        ASSERT_TRUE(nlohmann::json::accept(text));
+    }
+}
+
+TEST(MessageText, RendersASharedArrayInEachOfItsPlaces) {
+    Array::Ptr time = new Array;
+    for (int i = 0; i < 5; ++i) {
+        time->add(0.1 * i);
+    }
+    Array::Ptr channels = new Array;
+    for (int i = 0; i < 3; ++i) {
+        Object::Ptr channel = new Object;
+        channel->set("time", time);
+        channel->set("data", i);
+        channels->add(channel);
+    }
+    Object message;
+    message.set("channel", channels);
+    message.set("time", time);
+    MessageText writer;
+    EXPECT_EQ(writer.write(message), pocoText(message));
+    time->set(0, 7.0);
+    EXPECT_EQ(writer.write(message), pocoText(message)) << "nothing is kept from message to message";
+}
+
+TEST(MessageText, WritesNullForNonFiniteNumbers) {
+    Array::Ptr values = new Array;
+    values->add(HUGE_VAL);
+    values->add(std::nanf(""));
+    values->add(1);
+    Object message;
+    message.set("values", values);
+    message.set("x", std::nan(""));
+    EXPECT_EQ(MessageText().write(message), R"({"values":[null,null,1],"x":null})");
+}
+
+}  // namespace
