@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -58,7 +61,8 @@ public:
         bool isComplex = false;
     };
 
-    SpectrumEstimator estimator;
+    std::unique_ptr<SpectrumEstimator> owned = std::make_unique<SpectrumEstimator>();
+    SpectrumEstimator& estimator = *owned;
     std::vector<Values> outs;  ///< of each signal
     int updates = 0;           ///< frames of the last signal that gave an update
 

@@ -1,0 +1,226 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <string>
+
+#include "EstimatorSupport.h"
+
+namespace {
+
+using namespace spectrumtest;
+
+constexpr double sampleRate = 10000.0;
+
+Bench::Signal whiteNoise(std::size_t n, double deviation, bool isComplex) {
+    std::mt19937 random(11);
+    std::normal_distribution<double> gauss(0.0, deviation);
+    Bench::Signal signal{std::vector<Values>(isComplex ? 2 : 1, Values(n)), isComplex};
+    for (Values& column : signal.columns) {
+        std::generate(column.begin(), column.end(), [&] { return gauss(random); });
+    }
+    return signal;
+}
+
+double decibels(double ratio) {
+    return 10.0 * std::log10(ratio);
+}
+
+// A sine of amplitude 2 on a bin has 2 W into 1 ohm, a root mean square of sqrt(2) V.
+TEST(SpectrumEstimatorScaling, SineReadsItsPowerInEveryUnit) {
+    const double rbw = 1.5 * sampleRate / 1000;  // of a hann window of 1000 samples
+    const struct {
+        Units units;
+        Type type;
+        double load;
+        double expected;
+    } rows[] = {
+        {Units::watts, Type::power, 1, 2},
+        {Units::watts, Type::power, 50, 0.04},
+        {Units::dbw, Type::power, 50, decibels(0.04)},
+        {Units::dbm, Type::power, 1, decibels(2) + 30},
+        {Units::dbm, Type::power, 75, decibels(2.0 / 75) + 30},
+        {Units::dbfs, Type::power, 50, decibels(2.0 / 16)},  // full scale 4, and no load
+        {Units::vrms, Type::rms, 50, std::sqrt(2.0)},
+        {Units::dbv, Type::rms, 50, decibels(2)},
+        {Units::dbuv, Type::rms, 50, decibels(2) + 120},
+        {Units::automatic, Type::power, 1, 2},
+        {Units::wattsPerHz, Type::powerDensity, 50, 0.04 / rbw},
+        {Units::dbwPerHz, Type::powerDensity, 50, decibels(0.04 / rbw)},
+        {Units::dbmPerHz, Type::powerDensity, 75, decibels(2 / rbw / 75) + 30},
+        {Units::dbfsPerHz, Type::powerDensity, 75, decibels(2 / rbw / 16)},
+    };
+    const Bench::Signal signal{{tone(1250, 2, 5000, sampleRate)}, false};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(static_cast<int>(row.units));
+        Bench bench;
+        bench.usePlainSettings(sampleRate, 1000, 1000);
+        bench.estimator.setFrequencyRange(Range::oneSided);
+        bench.estimator.setSpectrumUnits(row.units);
+        bench.estimator.setSpectrumType(row.type);
+        bench.estimator.setReferenceLoad(row.load);
+        bench.estimator.setInputRange({4.0});
+        bench.estimator.setPlotMaxHoldTrace(true);
+        bench.feed({signal}, 1000);
+        const std::size_t bin = bench.binOf(1250);
+        // 1000 rounded sums, and 5 updates whose averages and maxima differ by that much
+        EXPECT_NEAR(bench.row()[bin], row.expected, 1e-12 * std::max(std::abs(row.expected), 10.0));
+        EXPECT_EQ(bench.grid()[bin], 1250.0);
+        if (row.units != Units::automatic) {
+            EXPECT_NEAR(bench.record().maxHoldTrace[bin], row.expected, 1e-12 * std::max(std::abs(row.expected), 10.0));
+        }
+    }
+}
+
+// The level of a tone on a bin and the density of white noise hold at once only if window, noise bandwidth and power
+// fit together. With K = 100 averages a bin of noise has a deviation of 4.34 / sqrt(K) = 0.43 dB; the mean over bins
+// has sqrt(2 b / (L K)), b at most 3.5 for the windows below: 0.8 % at 1000 samples. Five deviations are allowed.
+TEST(SpectrumEstimatorScaling, ToneAndNoiseAreRightForEveryWindowAndLength) {
+    for (const char* window :
+         {"blackman-harris", "chebyshev", "flat-top", "hamming", "hann", "kaiser", "rectangular"}) {
+        for (const std::size_t L : {1000U, 1025U, 250U}) {
+            for (const bool isComplex : {false, true}) {
+                SCOPED_TRACE(std::string(window) + " " + std::to_string(L));
+                const auto measure = [&](const Bench::Signal& signal, Type type) {
+                    Bench bench;
+                    bench.usePlainSettings(sampleRate, L, L);
+                    bench.estimator.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
+                    bench.estimator.setSpectrumType(type);
+                    bench.estimator.setFrequencyRange(isComplex ? Range::centered : Range::oneSided);
+                    bench.feed({signal}, 10 * L);
+                    return bench.row();
+                };
+                const double bin = sampleRate / static_cast<double>(L) * 100.0;
+                Bench::Signal carrier{{tone(bin, 3, 2 * L, sampleRate, 0.0)}, isComplex};
+                if (isComplex) {
+                    carrier.columns.push_back(tone(bin, 3, 2 * L, sampleRate, -M_PI / 2));
+                }
+                const Values levels = measure(carrier, Type::power);
+                // The side lobes of a real tone's other half reach the peak, where they are not zero on all bins: 60 dB
+                // down in amplitude, at either side of it.
+                const bool zeroOnBins = std::string(window) != "chebyshev" && std::string(window) != "kaiser";
+                EXPECT_NEAR(*std::max_element(levels.begin(), levels.end()), isComplex ? 9.0 : 4.5,
+                            isComplex || zeroOnBins ? 1e-11 : 4.5 * 2.1e-3);
+
+                const Values density = measure(whiteNoise(100 * L, 2.0, isComplex), Type::powerDensity);
+                const double expected = 8.0 / sampleRate;  // 4 over half the rate, or twice 4 over all of it
+                const Values inner(density.begin() + 5, density.end() - 5);
+                const double mean =
+                    std::accumulate(inner.begin(), inner.end(), 0.0) / static_cast<double>(inner.size());
+                const double deviation = std::sqrt(2 * 3.5 / (100.0 * static_cast<double>(L)));
+                EXPECT_NEAR(mean / expected, 1.0, 5 * deviation);
+                EXPECT_LT(std::abs(decibels(*std::max_element(inner.begin(), inner.end()) / expected)), 5 * 0.43);
+                EXPECT_LT(std::abs(decibels(*std::min_element(inner.begin(), inner.end()) / expected)), 5 * 0.5);
+            }
+        }
+    }
+}
+
+TEST(SpectrumEstimatorScaling, SidesAndSingleBinsAreCountedRight) {
+    const auto measure = [](const Bench::Signal& signal, std::size_t N, Range range) {
+        Bench bench;
+        bench.usePlainSettings(sampleRate, N, N);
+        bench.estimator.setWindow(Window::rectangular);
+        bench.estimator.setFrequencyRange(range);
+        bench.feed({signal}, N);
+        return bench;
+    };
+    // exp(j 2 pi f t) stands at +f alone.
+    Bench::Signal turning{{tone(1250, 1, 800, sampleRate, 0.0), tone(1250, 1, 800, sampleRate, -M_PI / 2)}, true};
+    const Bench complex = measure(turning, 800, Range::centered);
+    EXPECT_NEAR(complex.row()[complex.binOf(1250)], 1.0, 1e-12);
+    EXPECT_LT(complex.row()[complex.binOf(-1250)], 1e-24);
+    // A constant and an alternating sequence have all their power in one bin.
+    for (const std::size_t N : {100U, 101U}) {
+        for (const Range range : {Range::oneSided, Range::centered}) {
+            Values alternating(N);
+            for (std::size_t i = 0; i < N; ++i) {
+                alternating[i] = 3.0 + (N % 2 == 0 && i % 2 != 0 ? -2.0 : N % 2 == 0 ? 2.0 : 0.0);
+            }
+            const Bench bench = measure({{alternating}, false}, N, range);
+            EXPECT_NEAR(bench.row()[bench.binOf(0)], 9.0, 1e-12);
+            EXPECT_NEAR(bench.row().back(), N % 2 == 0 ? 4.0 : 0.0, 1e-12);
+            const Values row = bench.row();
+            EXPECT_NEAR(std::accumulate(row.begin(), row.end(), 0.0), N % 2 == 0 ? 13.0 : 9.0, 1e-11);
+        }
+    }
+}
+
+// The bandwidth asked for is the one that noise sees: the response to a tone swept past a bin, integrated, is the RBW
+// times the response on the bin.
+TEST(SpectrumEstimatorScaling, SweptToneMeasuresTheRBW) {
+    for (const char* window : {"hann", "flat-top", "kaiser", "rectangular"}) {
+        for (const double rbw : {31.0, 97.5}) {
+            SpectrumEstimator probe;
+            probe.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
+            probe.setAutoRBW(false);
+            probe.setRBW(rbw);
+            probe.setup(1, {64}, {64}, {1}, {0}, true);
+            const std::size_t L = probe.getSpectrumMetaData().segmentLength;
+            const std::size_t steps = 8;  // a bin: the response has no finer structure than 1 / (2 L)
+            double area = 0.0;
+            const double bin = sampleRate / static_cast<double>(L);
+            Bench bench;
+            bench.usePlainSettings(sampleRate, L, L);
+            bench.estimator.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
+            bench.estimator.setForgettingFactor(0.0);
+            for (std::size_t step = 0; step < steps; ++step) {
+                const double f = (20.0 + static_cast<double>(step) / steps) * bin;
+                const Bench::Signal signal{{tone(f, 1, L, sampleRate, 0.0), tone(f, 1, L, sampleRate, -M_PI / 2)},
+                                           true};
+                bench.feed({signal}, L);
+                // All bins at once see the tone at all distances.
+                const Values row = bench.row();
+                area += std::accumulate(row.begin(), row.end(), 0.0) * bin / steps;
+            }
+            EXPECT_NEAR(area / bench.record().rbw, 1.0, 1e-9) << window;
+            EXPECT_NEAR(area, rbw, rbw / static_cast<double>(L) * 3) << "lengths are whole samples";
+        }
+    }
+}
+
+TEST(SpectrumEstimatorScaling, ConvertsSpectraThatComeIn) {
+    const struct {
+        Units in, out;
+        Type type;
+        double load, value, expected;
+    } rows[] = {
+        {Units::dbm, Units::dbm, Type::power, 1, -33.25, -33.25},
+        {Units::dbm, Units::dbm, Type::power, 50, -33.25, -33.25},
+        {Units::dbw, Units::dbm, Type::power, 50, -3, 27},
+        {Units::dbm, Units::dbw, Type::power, 1, 27, -3},
+        {Units::vrms, Units::dbw, Type::power, 50, 5, decibels(0.5)},
+        {Units::vrms, Units::dbw, Type::rms, 50, 5, decibels(25)},
+        {Units::dbv, Units::dbuv, Type::power, 1, 6, 126},
+        {Units::dbuv, Units::dbv, Type::power, 1, 126, 6},
+        {Units::watts, Units::vrms, Type::power, 1, 9, 3},
+        {Units::dbm, Units::dbmPerHz, Type::power, 1, 20, 0.1},
+        {Units::none, Units::dbm, Type::power, 1, 7, 7},
+        {Units::watts, Units::automatic, Type::power, 1, 7, 7},
+    };
+    for (const auto& row : rows) {
+        SpectrumEstimator estimator;
+        estimator.setInputDomain(SpectrumEstimator::InputDomain::frequency);
+        estimator.setInputUnits(row.in);
+        estimator.setSpectrumUnits(row.out);
+        estimator.setSpectrumType(row.type);
+        estimator.setReferenceLoad(row.load);
+        estimator.setPlotMinHoldTrace(true);
+        estimator.setup(1, {4}, {4}, {2}, {0}, true);
+        Values out;
+        const Values frame{row.value, 1, 2, 3, 4, 5, 6, row.value};
+        const auto& record = estimator.processSpectrum(frame.data(), out, 0);
+        ASSERT_EQ(out.size(), 12U);
+        // Two powers of ten or logarithms, each good to a few units in the last place of levels up to 126
+        EXPECT_NEAR(out[4], row.expected, 1e-12);
+        EXPECT_NEAR(out[11], row.expected, 1e-12);
+        EXPECT_EQ(Values(out.begin(), out.begin() + 4), record.frequencyVector);
+        EXPECT_EQ(record.minHoldTrace[7], out[11]);
+        EXPECT_EQ(record.spectrumData[0], Values(out.begin() + 4, out.end()));
+        EXPECT_EQ(record.numUpdatesProcessed, 1U);
+        EXPECT_TRUE(record.isNewDataReady);
+    }
+}
+
+}  // namespace
