@@ -117,8 +117,8 @@ TEST(SpectrumEstimatorZoom, EqualsTheSpectrumOfABandThatWasNarrowFromTheStart) {
         for (std::size_t k = 0; k < row.size(); ++k) {
             // The filter passes the span within 1e-6. The two tones meet at another phase, which counts with the side
             // lobes of the larger one, 93 dB down.
-            const double lobe = 2.0 * std::pow(10.0, -93.0 / 20.0);
-            const double meeting = 2.0 * lobe * std::sqrt(all[offset + k]) + 4.0 * lobe * lobe;
+            const double lobe = 2.0 * std::sqrt(2.0) * std::pow(10.0, -93.0 / 20.0);
+            const double meeting = 4.0 * lobe * std::sqrt(all[offset + k]) + 4.0 * lobe * lobe;
             ASSERT_NEAR(row[k], all[offset + k], 3e-6 * all[offset + k] + meeting) << band.what << " point " << k;
         }
     }
