@@ -5,8 +5,8 @@
 #include <limits>
 #include <numeric>
 
-#include "ExtremeScan.h"
-#include "MedianSelection.h"
+#include "FirstLargest.h"
+#include "PositiveMedian.h"
 #include "SpectrumMeasurementsUtils.h"
 
 namespace dspwavedecks {
@@ -20,11 +20,6 @@ constexpr double mostCleared = 0.7;
 
 double toLevel(double power) {
     return 10.0 * std::log10(power);
-}
-
-/// The first largest of n >= 1 values by strict comparison: NaN wins only where it comes first.
-std::size_t firstLargest(const double* x, std::size_t n) {
-    return findExtremes(x, n, MinMaxFirstMaximum).maximum;
 }
 
 }  // namespace
@@ -79,7 +74,7 @@ void DistortionMeasurements::computeHarmonicDistortion() {
         }
     }
     const auto cleared = static_cast<double>(numCleared);
-    double noise = binWidth() * remaining + binWidth() * cleared * medianOfPositiveBins();
+    double noise = binWidth() * remaining + binWidth() * cleared * medianOfPositive(psd.data(), psd.size(), selection);
     if (mostCleared * static_cast<double>(psd.size()) < cleared) {
         noise = nan;
     }
@@ -140,7 +135,7 @@ int DistortionMeasurements::clearLocalPeak(const int& index) {
 
 int DistortionMeasurements::computeMaxFrequency() {
     const std::size_t n = psd.size();
-    const std::size_t strongest = n == 0 ? 0 : firstLargest(psd.data(), n);
+    const std::size_t strongest = firstLargest(psd.data(), n);
     const double binsPerRBW = n < 2 ? nan : std::ceil(rbw / binWidth());
     fundamentalFrequency = nan;
     if (std::isfinite(binsPerRBW)) {
@@ -192,16 +187,6 @@ double DistortionMeasurements::takeTone(std::size_t index, std::size_t entry) {
     }
     numCleared += hills.clear(psd, index);
     return power;
-}
-
-double DistortionMeasurements::medianOfPositiveBins() {
-    positiveBins.resize(psd.size());
-    std::size_t count = 0;
-    for (const double bin : psd) {
-        positiveBins[count] = bin;
-        count += static_cast<std::size_t>(bin > 0.0);
-    }
-    return count == 0 ? 0.0 : selectMedian(positiveBins.data(), count, selection);
 }
 
 }  // namespace dspwavedecks

@@ -66,7 +66,6 @@ private:
     std::size_t strongestAbout(std::size_t index) const;
     void clearZeroFrequency(std::size_t index);
     double takeTone(std::size_t index, std::size_t entry);
-    double medianOfPositiveBins();
     double binWidth() const { return frequencies[1] - frequencies[0]; }
 
     const EnumKeys<Type> typeKeys{{"harmonic", Type::harmonic}, {"intermodulation", Type::intermodulation}};
@@ -91,7 +90,6 @@ private:
     std::vector<double> frequencies;    // [n] Hz
     HillClearer hills;
     std::size_t numCleared = 0;  // bins of all hills so far
-    std::vector<double> positiveBins;
     std::vector<double> selection;
 };
 

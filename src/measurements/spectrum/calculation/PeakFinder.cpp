@@ -7,7 +7,11 @@ namespace dspwavedecks {
 
 namespace {
 
-constexpr std::size_t leastRankedAtOnce = 64;
+constexpr std::size_t leastRankedAtOnce = 32;
+/// Where those ranked first do not suffice, so many times as many follow: a few rounds, should all of them be needed.
+constexpr std::size_t rankedGrowth = 8;
+/// Fewer candidates than so many times those wanted are sorted as they are.
+constexpr std::size_t fewGroups = 4;
 
 /// Whether of any two places one lies within the distance of the other exactly if the other lies within that of the
 /// one. It fails only for a distance so little below a whole number that place +- distance rounds to that number on one
@@ -105,23 +109,39 @@ void PeakFinder::selectPeaks(PeakSelectionPreference preference, bool mayStopEar
     }
 }
 
-/// Puts the strongest of the first numUnranked candidates, as many as are ranked already, at their end in their final
-/// order, and returns how many are left. A few peaks of many candidates so cost a linear selection and not a sort.
+/// A value that at least `wanted` of the first numUnranked candidates reach, and not many more: of twice as many groups
+/// of neighbours, the strongest of each, it is the one in the middle. That costs one foreseeable pass, where a
+/// selection among all candidates mispredicts at every second one.
+double PeakFinder::boundOfStrongest(std::size_t numUnranked, std::size_t wanted) {
+    const std::size_t groupSize = numUnranked / (2 * wanted);
+    groupMaxima.clear();
+    for (std::size_t first = 0; first + groupSize <= numUnranked; first += groupSize) {
+        double largest = candidates[first].value;
+        for (std::size_t i = first + 1; i < first + groupSize; ++i) {
+            largest = std::max(largest, candidates[i].value);
+        }
+        groupMaxima.push_back(largest);
+    }
+    const auto place = groupMaxima.end() - static_cast<std::ptrdiff_t>(wanted);
+    std::nth_element(groupMaxima.begin(), place, groupMaxima.end());
+    return *place;
+}
+
+/// Puts the strongest of the first numUnranked candidates, a number that grows from call to call, behind the others in
+/// their final order, and returns how many are left. A few peaks of many candidates so cost no sort.
 std::size_t PeakFinder::rankNext(PeakSelectionPreference preference, std::size_t numUnranked) {
     const bool laterWins = preference == PeakSelectionLastMaximum;
-    const auto isWeaker = [laterWins](const Candidate& a, const Candidate& b) {
-        return a.value < b.value || (a.value == b.value && (laterWins ? a.order < b.order : a.order > b.order));
-    };
-    const std::size_t numRanked = candidates.size() - numUnranked;
-    const std::size_t count = std::min(numUnranked, std::max(leastRankedAtOnce, numRanked));
-    const auto begin = candidates.begin();
-    const auto first = begin + static_cast<std::ptrdiff_t>(numUnranked - count);
-    const auto last = begin + static_cast<std::ptrdiff_t>(numUnranked);
-    if (first != begin) {
-        std::nth_element(begin, first, last, isWeaker);
+    const std::size_t wanted = std::max(leastRankedAtOnce, rankedGrowth * (candidates.size() - numUnranked));
+    const auto last = candidates.begin() + static_cast<std::ptrdiff_t>(numUnranked);
+    auto first = candidates.begin();
+    if (numUnranked > fewGroups * wanted) {
+        const double bound = boundOfStrongest(numUnranked, wanted);
+        first = std::partition(first, last, [bound](const Candidate& candidate) { return candidate.value < bound; });
     }
-    std::sort(first, last, isWeaker);
-    return numUnranked - count;
+    std::sort(first, last, [laterWins](const Candidate& a, const Candidate& b) {
+        return a.value < b.value || (a.value == b.value && (laterWins ? a.order < b.order : a.order > b.order));
+    });
+    return static_cast<std::size_t>(first - candidates.begin());
 }
 
 /// Drops all candidates from location - minDistance to location + minDistance, both included, but the one itself.

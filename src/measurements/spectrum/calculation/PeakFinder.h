@@ -59,6 +59,7 @@ private:
 
     void collectCandidates(const double* x, std::size_t numSamples);
     void selectPeaks(PeakSelectionPreference preference, bool mayStopEarly);
+    double boundOfStrongest(std::size_t numUnranked, std::size_t wanted);
     std::size_t rankNext(PeakSelectionPreference preference, std::size_t numUnranked);
     void suppressAround(std::size_t order);
 
@@ -77,6 +78,7 @@ private:
     std::vector<double> locations;      // of the candidates, ascending
     std::vector<Candidate> candidates;  // ranked from the back, as far as was needed
     std::vector<char> suppressed;       // by order
+    std::vector<double> groupMaxima;    // the strongest candidate of each of a number of groups
 };
 
 }  // namespace dspwavedecks

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "ExtremeScan.h"
+#include "FirstLargest.h"
 #include "InterpolationAtLevel.h"
 #include "SpectrumMeasurementsUtils.h"
 
@@ -72,7 +72,7 @@ std::size_t PhaseNoise::findCarrier(std::size_t channel) const {
     if (n < 2) {
         return n == 0 ? 0 : n - 1;
     }
-    return 1 + findExtremes(psd.data() + channel * n + 1, n - 1, MinMaxFirstMaximum).maximum;
+    return 1 + firstLargest(psd.data() + channel * n + 1, n - 1);
 }
 
 void PhaseNoise::measureChannel(std::size_t signal, std::size_t channel) {

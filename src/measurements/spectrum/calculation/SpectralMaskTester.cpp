@@ -1,28 +1,43 @@
 #include "SpectralMaskTester.h"
 
 #include <algorithm>
+#include <cstdint>
 
-#include "ExtremeScan.h"
+#include "FirstLargest.h"
 #include "LimitLine.h"
 
 namespace dspwavedecks {
 
 namespace {
 
+// Vector types of the compiler: a comparison yields 0 or -1 a lane, which subtracts into a count.
+constexpr std::size_t numLanes = 2;
+using DoubleLanes = double __attribute__((vector_size(numLanes * sizeof(double))));
+using FlagLanes = std::int64_t __attribute__((vector_size(numLanes * sizeof(std::int64_t))));
+
 /// Bins that are compared before it is asked whether one failed.
 constexpr std::size_t blockLength = 512;
 
-/// Whether any bin of the first n fails against its line.
+/// Whether any bin of the first n fails against its line: fails(bin, reference + line), for lanes and for single bins.
 template <class Fails>
 bool anyFails(const double* bins, const double* line, double reference, std::size_t n, Fails fails) {
-    for (std::size_t start = 0; start < n; start += blockLength) {
-        const std::size_t stop = std::min(n, start + blockLength);
-        // Sums of whole words, without a branch: the compiler turns them into vector comparisons.
-        long long numFailing = 0;
-        for (std::size_t k = start; k < stop; ++k) {
-            numFailing += fails(bins[k], reference + line[k]) ? 1 : 0;
+    const DoubleLanes references = {reference, reference};
+    std::size_t k = 0;
+    while (k + 2 * numLanes <= n) {
+        const std::size_t stop = std::min(n, k + blockLength);
+        FlagLanes even{};
+        FlagLanes odd{};
+        for (; k + 2 * numLanes <= stop; k += 2 * numLanes) {
+            even -= fails(DoubleLanes{bins[k], bins[k + 1]}, references + DoubleLanes{line[k], line[k + 1]});
+            odd -= fails(DoubleLanes{bins[k + 2], bins[k + 3]}, references + DoubleLanes{line[k + 2], line[k + 3]});
         }
-        if (numFailing != 0) {
+        even += odd;
+        if (even[0] + even[1] != 0) {
+            return true;
+        }
+    }
+    for (; k < n; ++k) {
+        if (fails(bins[k], reference + line[k])) {
             return true;
         }
     }
@@ -111,7 +126,7 @@ double SpectralMaskTester::findReference(const double* data, int signal, std::si
         return std::numeric_limits<double>::quiet_NaN();
     }
     const double* bins = data + numPoints * (selectedChannel + 1);
-    return bins[findExtremes(bins, numPoints, MinMaxFirstMaximum).maximum];
+    return bins[firstLargest(bins, numPoints)];
 }
 
 void SpectralMaskTester::testChannel(const double* bins, std::size_t numPoints, double reference, std::size_t channel) {
@@ -119,10 +134,10 @@ void SpectralMaskTester::testChannel(const double* bins, std::size_t numPoints, 
     const std::vector<double>& lower = lowerMaskOnGrid[channel];
     const bool failsUpper =
         isUpperMaskEnabled() && anyFails(bins, upper.data(), reference, std::min(numPoints, upper.size()),
-                                         [](double bin, double limit) { return bin > limit; });
+                                         [](auto bin, auto limit) { return bin > limit; });
     const bool failsLower =
         isLowerMaskEnabled() && anyFails(bins, lower.data(), reference, std::min(numPoints, lower.size()),
-                                         [](double bin, double limit) { return bin < limit; });
+                                         [](auto bin, auto limit) { return bin < limit; });
     upperMaskPassing = upperMaskPassing && !failsUpper;
     lowerMaskPassing = lowerMaskPassing && !failsLower;
     if (failsUpper || failsLower) {

@@ -1,0 +1,60 @@
+#include "PositiveMedian.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "FirstLargest.h"
+
+namespace {
+
+using namespace dspwavedecks;
+
+double sortedMedian(std::vector<double> x) {
+    std::erase_if(x, [](double value) { return !(value > 0); });
+    std::sort(x.begin(), x.end());
+    return x.empty() ? 0 : (x[(x.size() - 1) / 2] + x[x.size() / 2]) / 2;
+}
+
+// Spreads from a few equal values to the whole range of doubles, with the values that are no positive number between.
+TEST(PositiveMedian, IsThatOfTheSortedValues) {
+    std::mt19937_64 random(11);
+    const double odd[] = {0.0,
+                          -0.0,
+                          -1.0,
+                          std::numeric_limits<double>::quiet_NaN(),
+                          std::numeric_limits<double>::infinity(),
+                          std::numeric_limits<double>::denorm_min(),
+                          1e300};
+    std::vector<double> scratch;
+    for (int round = 0; round < 600; ++round) {
+        std::vector<double> x(random() % (round % 10 == 0 ? 5000 : 300));
+        const double spread = std::ldexp(1.0, static_cast<int>(random() % 11));
+        const double levels = std::ldexp(1.0, static_cast<int>(random() % 30));
+        for (double& value : x) {
+            const double part = std::floor(static_cast<double>(random() >> 11) * 0x1p-53 * levels) / levels;
+            value =
+                random() % 8 == 0 && round % 2 == 0 ? odd[random() % std::size(odd)] : std::exp2((part - 0.5) * spread);
+        }
+        ASSERT_EQ(medianOfPositive(x.data(), x.size(), scratch), sortedMedian(x)) << "round " << round;
+    }
+}
+
+TEST(FirstLargest, IsThatOfThePlainScan) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 3000; ++round) {
+        std::vector<double> x(random() % (round % 100 == 0 ? 3000 : 40));
+        for (double& value : x) {
+            value = random() % 12 == 0 ? std::numeric_limits<double>::quiet_NaN()
+                                       : static_cast<double>(static_cast<int>(random() % 20)) - 10;
+        }
+        const auto expected = static_cast<std::size_t>(std::max_element(x.begin(), x.end()) - x.begin());
+        ASSERT_EQ(firstLargest(x.data(), x.size()), expected) << "round " << round;
+    }
+}
+
+}  // namespace
