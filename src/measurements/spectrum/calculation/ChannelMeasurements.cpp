@@ -52,7 +52,7 @@ bool ChannelMeasurements::locateBand(std::size_t numBins, double lowerEdge, doub
     if (numBins < 2) {
         return false;
     }
-    const double halfBin = (frequencies[1] - frequencies[0]) / 2.0;
+    const double halfBin = binWidth() / 2.0;
     if (!(lowerEdge <= upperEdge) || lowerEdge < frequencies[0] - halfBin ||
         upperEdge > frequencies[numBins - 1] + halfBin) {
         return false;
@@ -76,44 +76,57 @@ double ChannelMeasurements::computeChannelPower(const std::vector<double>& densi
     if (!locateBand(std::min(density.size(), frequencies.size()), lowerEdge, upperEdge)) {
         return nan;
     }
-    const double binWidth = frequencies[1] - frequencies[0];
-    const double halfBin = binWidth / 2.0;
-    lowerEdgeExcess = density[startIdx] * (lowerEdge - (frequencies[startIdx] - halfBin));
-    upperEdgeExcess = density[stopIdx] * (frequencies[stopIdx] + halfBin - upperEdge);
+    measureExcess(density, lowerEdge, upperEdge);
     double sum = 0.0;
     for (std::size_t i = startIdx; i <= stopIdx; ++i) {
         sum += density[i];
     }
-    return binWidth * sum - lowerEdgeExcess - upperEdgeExcess;
+    return bandPower(sum);
+}
+
+/// Powers that the two end bins of the located band hold outside of it.
+void ChannelMeasurements::measureExcess(const std::vector<double>& density, double lowerEdge, double upperEdge) {
+    const double halfBin = binWidth() / 2.0;
+    lowerEdgeExcess = density[startIdx] * (lowerEdge - (frequencies[startIdx] - halfBin));
+    upperEdgeExcess = density[stopIdx] * (frequencies[stopIdx] + halfBin - upperEdge);
 }
 
 void ChannelMeasurements::computeOccupiedBW() {
-    const double power = computeChannelPower(psd, startFrequency, stopFrequency);
+    double power = nan;
     double lowerFrequency = nan;
     double upperFrequency = nan;
-    if (!std::isnan(power) && percentOccupiedBW <= 100.0 && startIdx < stopIdx + 2) {
-        const double binWidth = frequencies[1] - frequencies[0];
-        // A band of no width on a bin edge starts in the bin above it and stops in the one below: one edge, no bin.
-        const std::size_t numEdges = stopIdx + 2 - startIdx;
-        cumulative.resize(numEdges);
-        edges.resize(numEdges);
-        cumulative[0] = -lowerEdgeExcess;
-        edges[0] = frequencies[startIdx] - binWidth / 2.0;
-        double sum = 0.0;
-        for (std::size_t k = 1; k < numEdges; ++k) {
-            sum += psd[startIdx + k - 1];
-            cumulative[k] = binWidth * sum - lowerEdgeExcess;
-            edges[k] = frequencies[startIdx + k - 1] + binWidth / 2.0;
+    // A band of no width on a bin edge starts in the bin above it and stops in the one below: one edge, no bin.
+    if (locateBand(psd.size(), startFrequency, stopFrequency) && startIdx < stopIdx + 2) {
+        measureExcess(psd, startFrequency, stopFrequency);
+        power = bandPower(accumulateBand());
+        if (percentOccupiedBW <= 100.0) {
+            // What lies outside the occupied band is split evenly over its two sides.
+            lowerFrequency = interpolateFrequency(cumulative, edges, power * ((100.0 - percentOccupiedBW) / 200.0));
+            upperFrequency = interpolateFrequency(cumulative, edges, power * ((percentOccupiedBW + 100.0) / 200.0));
         }
-        // What lies outside the occupied band is split evenly over its two sides.
-        lowerFrequency = interpolateFrequency(cumulative, edges, power * ((100.0 - percentOccupiedBW) / 200.0));
-        upperFrequency = interpolateFrequency(cumulative, edges, power * ((percentOccupiedBW + 100.0) / 200.0));
     }
     results.channelPower = toLevel(power);
     results.startFrequency = lowerFrequency;
     results.stopFrequency = upperFrequency;
     results.occupiedBW = upperFrequency - lowerFrequency;
     results.frequencyError = (lowerFrequency + upperFrequency) / 2.0 - (startFrequency + stopFrequency) / 2.0;
+}
+
+/// Power from the lower edge of the located band up to the upper edge of each of its bins, beside those edges. Returns
+/// the sum of the densities.
+double ChannelMeasurements::accumulateBand() {
+    const std::size_t numBins = stopIdx + 1 - startIdx;
+    cumulative.resize(numBins + 1);
+    edges.resize(numBins + 1);
+    cumulative[0] = -lowerEdgeExcess;
+    edges[0] = frequencies[startIdx] - binWidth() / 2.0;
+    double sum = 0.0;
+    for (std::size_t k = 0; k < numBins; ++k) {
+        sum += psd[startIdx + k];
+        cumulative[k + 1] = binWidth() * sum - lowerEdgeExcess;
+        edges[k + 1] = frequencies[startIdx + k] + binWidth() / 2.0;
+    }
+    return sum;
 }
 
 double ChannelMeasurements::interpolateFrequency(const std::vector<double>& cumulative,

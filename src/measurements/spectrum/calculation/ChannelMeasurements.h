@@ -78,6 +78,10 @@ public:
 
 private:
     bool locateBand(std::size_t numBins, double lowerEdge, double upperEdge);
+    void measureExcess(const std::vector<double>& density, double lowerEdge, double upperEdge);
+    double accumulateBand();
+    double binWidth() const { return frequencies[1] - frequencies[0]; }
+    double bandPower(double sum) const { return binWidth() * sum - lowerEdgeExcess - upperEdgeExcess; }
 
     /// Power responses of the channel filters, into the bins of the band that was located last. With W the width of the
     /// main channel and d the distance from the centre, a the coefficient:
