@@ -19,6 +19,8 @@ namespace {
 
 #include "VectorType.inl"
 
+#include "VectorSelection.inl"
+
 #include "VectorKernels.inl"
 
 }  // namespace

@@ -18,6 +18,8 @@ namespace {
 
 #include "VectorType.inl"
 
+#include "VectorSelection.inl"
+
 #include "VectorKernels.inl"
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The loops of VectorMath.h over vectors of one instruction set; see VectorType.inl for the macros that shape them.
+// Included behind VectorType.inl and VectorSelection.inl.
 
 constexpr std::int64_t mantissaMask = 0x000fffffffffffff;
 constexpr std::int64_t magnitudeMask = 0x7fffffffffffffff;
@@ -8,31 +9,6 @@ constexpr std::int64_t exponentAsDouble = 0x4330000000000000;  // bits of 2^52, 
 
 constexpr double infinity = __builtin_inf();
 constexpr double smallestNormal = 0x1p-1022;
-
-/// The first `n` doubles of a vector, the others `filler`.
-VECTOR_INLINE Doubles loadSome(const double* source, std::size_t n, double filler) {
-    Doubles vector = filler - Doubles{};
-    __builtin_memcpy(&vector, source, n * sizeof(double));
-    return vector;
-}
-
-VECTOR_INLINE void storeSome(double* destination, std::size_t n, Doubles vector) {
-    __builtin_memcpy(destination, &vector, n * sizeof(double));
-}
-
-VECTOR_INLINE Doubles select(Integers mask, Doubles yes, Doubles no) {
-    return (Doubles)((mask & (Integers)yes) | (~mask & (Integers)no));
-}
-
-VECTOR_INLINE bool any(Integers mask) {
-#if VECTOR_LANES == 4
-    return _mm256_movemask_pd((__m256d)mask) != 0;
-#elif defined(__SSE2__)
-    return _mm_movemask_pd((__m128d)mask) != 0;
-#else
-    return (mask[0] | mask[1]) != 0;
-#endif
-}
 
 VECTOR_INLINE Doubles squareRoot(Doubles x) {
 #if VECTOR_LANES == 2

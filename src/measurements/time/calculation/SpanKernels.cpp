@@ -15,6 +15,8 @@ namespace portable {
 #define VECTOR_LANES 2
 #include "VectorType.inl"
 
+#include "VectorSelection.inl"
+
 #include "SpanKernels.inl"
 #undef VECTOR_TARGET
 #undef VECTOR_LANES
@@ -25,6 +27,8 @@ namespace avx2 {
 #define VECTOR_TARGET __attribute__((target("avx2")))
 #define VECTOR_LANES 4
 #include "VectorType.inl"
+
+#include "VectorSelection.inl"
 
 #include "SpanKernels.inl"
 }  // namespace avx2
