@@ -43,7 +43,7 @@ VECTOR_INLINE bool any(Integers mask) {
 #elif VECTOR_LANES == 8
     return _mm512_test_epi64_mask((__m512i)mask, (__m512i)mask) != 0;
 #elif defined(__SSE2__)
-    return _mm_movemask_pd((__m128d)mask) != 0;
+    return __builtin_ia32_movmskpd((Doubles)mask) != 0;
 #else
     return (mask[0] | mask[1]) != 0;
 #endif
