@@ -39,7 +39,6 @@ void FrameDataStrategy::processDataAllSignals(const Buffers& data, int numSignal
                                               ObjectPointer& message) {
     logPerformanceMetrics(message);
     const auto client = findClient(clientID);
-    const auto marks = board::read<std::vector<bool>>(client->getClientSettings(), MagPhaseFilter::magPhaseData);
     const ObjectPointer simulation = SimulationMetaDataFilter::packageImpl(clientID);
     numSignals = numSignalsGiven;
     ArrayPointer signals = new Poco::JSON::Array;
@@ -49,17 +48,27 @@ void FrameDataStrategy::processDataAllSignals(const Buffers& data, int numSignal
             continue;
         }
         const auto index = static_cast<std::size_t>(signal);
-        const bool magPhase = index < marks.size() && marks[index];
-        const int channels = numChannels[index];
-        const FrameLayout layout{channels, magPhase, channels / 2};
+        const FrameLayout layout = findLayout(*client, signal, numChannels[index]);
         signals->set(static_cast<unsigned>(signal),
                      packageSignal(data[index], layout, client->getOffset(signal), ids[index]));
     }
     ObjectPointer measurements = new Poco::JSON::Object;
-    attachIfActive(measurements, "stats", {"signal_statistics_filter"}, SignalStatisticsFilter::packageImpl);
+    attachMeasurements(measurements);
     message->set("signals", signals);
     message->set("measurements", measurements);
     message->set("simulation", simulation);
+}
+
+FrameDataStrategy::FrameLayout FrameDataStrategy::findLayout(wavedeck::WaveDeckClientInfo& client, int signal,
+                                                             int channels) const {
+    const auto* const marks = board::find<std::vector<bool>>(client.getClientSettings(), MagPhaseFilter::magPhaseData);
+    const auto index = static_cast<std::size_t>(signal);
+    const bool magPhase = marks != nullptr && index < marks->size() && (*marks)[index];
+    return {channels, magPhase, channels / 2};
+}
+
+void FrameDataStrategy::attachMeasurements(ObjectPointer& measurements) const {
+    attachIfActive(measurements, "stats", {"signal_statistics_filter"}, SignalStatisticsFilter::packageImpl);
 }
 
 DataStrategy::ObjectPointer FrameDataStrategy::packageSignal(const std::vector<double>& buffer,

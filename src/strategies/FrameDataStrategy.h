@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "DataStrategy.h"
+#include "wavedeck/WaveDeckClientInfo.h"
 
 namespace dspwavedecks {
 
@@ -26,11 +27,14 @@ protected:
         int half;       ///< channels in that half, as the limits take them
     };
 
+    /// The layout of a signal's buffer, by the channels that the host counts.
+    virtual FrameLayout findLayout(wavedeck::WaveDeckClientInfo& client, int signal, int channels) const;
+    virtual void attachMeasurements(ObjectPointer& measurements) const;
+
+private:
     /// The object of one signal, all its points.
     ObjectPointer packageSignal(const std::vector<double>& buffer, const FrameLayout& layout, double offset,
                                 const std::string& id);
-
-private:
     static LimitPair findLimits(const std::vector<double>& buffer, std::size_t points, const FrameLayout& layout);
     ObjectPointer packageChannel(const double* values, std::size_t points, int channel, const std::string& id,
                                  const ChannelFacts& facts);
