@@ -29,8 +29,8 @@ std::optional<double> parseUnsigned(std::string_view text) {
     if (rest == end) {
         return value;
     }
-    const auto* suffix =
-        std::find_if(suffixes.begin(), suffixes.end(), [&](const auto& entry) { return entry.first == *rest; });
+    const auto* suffix = std::find_if(suffixes.begin(), suffixes.end(),
+                                      [unit = *rest](const auto& entry) { return entry.first == unit; });
     if (suffix == suffixes.end() || rest + 1 != end || !std::isfinite(value)) {
         return std::nullopt;
     }

@@ -267,8 +267,8 @@ std::vector<ClientChange> readClientChanges(const ScriptValue& client, bool atSt
     client.allowOnly(allowed);
     std::vector<ClientChange> read;
     for (const auto& [name, value] : client.members()) {
-        const auto* change =
-            std::find_if(changes.begin(), changes.end(), [&](const auto& entry) { return entry.first == name; });
+        const auto* change = std::find_if(changes.begin(), changes.end(),
+                                          [&wanted = name](const auto& entry) { return entry.first == wanted; });
         // The client is made with its display span.
         if (change != changes.end() && !(atStart && name == "displaySpan")) {
             read.push_back(change->second(value));
