@@ -36,6 +36,10 @@ public:
     signalStatsStruct& computeSignalStatistics(const double* data, const std::vector<unsigned long>& range,
                                                MeasurementMinMaxSortOrder order);
 
+    /// Whether a call finds the extremes and their positions.
+    bool computesMin() const { return computeMin && stats.minMaxValid; }
+    bool computesMax() const { return computeMax && stats.minMaxValid; }
+
     /// The record of the last call; its owner sets the validity flags here.
     signalStatsStruct& getStats() { return stats; }
 

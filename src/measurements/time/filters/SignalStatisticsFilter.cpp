@@ -13,15 +13,6 @@ namespace dspwavedecks {
 
 namespace {
 
-signalStatsStruct unmeasurable() {
-    signalStatsStruct stats;
-    for (double* figure : {&stats.xMin, &stats.xMax, &stats.yMin, &stats.yMax, &stats.peakToPeak, &stats.mean,
-                           &stats.variance, &stats.standardDeviation, &stats.median, &stats.rms, &stats.meanSquare}) {
-        *figure = std::numeric_limits<double>::quiet_NaN();
-    }
-    return stats;
-}
-
 std::string timeRangeText(const std::vector<double>& range) {
     const bool isKnown = range.size() >= 2 && std::isfinite(range[0]) && std::isfinite(range[1]);
     return isKnown ? numberText(range[0]) + ", " + numberText(range[1]) : std::string();
@@ -47,6 +38,15 @@ void SignalStatisticsFilter::filterImpl(const double* data, std::vector<double>&
         publish(unmeasurable());
     }
     updateFilterSignalAndChannel();
+}
+
+signalStatsStruct SignalStatisticsFilter::unmeasurable() {
+    signalStatsStruct stats;
+    for (double* figure : {&stats.xMin, &stats.xMax, &stats.yMin, &stats.yMax, &stats.peakToPeak, &stats.mean,
+                           &stats.variance, &stats.standardDeviation, &stats.median, &stats.rms, &stats.meanSquare}) {
+        *figure = std::numeric_limits<double>::quiet_NaN();
+    }
+    return stats;
 }
 
 void SignalStatisticsFilter::publish(const signalStatsStruct& stats) {

@@ -33,6 +33,9 @@ public:
     inline static const std::string signalStats = "signalStats";
 
 protected:
+    /// The record of a channel that is not there: all figures NaN.
+    static signalStatsStruct unmeasurable();
+
     /// Puts a record on the board.
     void publish(const signalStatsStruct& stats);
 
