@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <complex>
 #include <cstddef>
@@ -352,6 +353,17 @@ private:
     /// How the first zoomed segment of a channel begins.
     enum class ZoomStart { undecided, waitingForOverlap, done };
 
+    template <class Sample>
+    struct FilterbankStores {
+        std::vector<Sample> lines;         ///< [all channels * B * taps] delay lines, newest sample first
+        std::vector<Sample> accumulators;  ///< [all channels * B * 2] what is complete, and what is under way
+
+        void reset() {
+            std::fill(lines.begin(), lines.end(), Sample{});
+            std::fill(accumulators.begin(), accumulators.end(), Sample{});
+        }
+    };
+
     template <class T>
     bool assign(T& field, const T& value, unsigned marks);
     template <class T>
@@ -462,7 +474,15 @@ private:
 
     // Filter bank.
     void allocateFilterbankResources();
+    void computeFilterbankLowpassCoefficients();
     void computeFIRFilterGroupDelay();
+    void allocateFIRPolyphaseAnalysisResources();
+    bool isFilterbankComplex() const { return isAnyInputComplex() || isZoomInUse(); }
+    void computeFIRPolyphaseAnalysis(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    template <class Sample>
+    void analyse(FilterbankStores<Sample>& bank, const Sample* samples, std::size_t count,
+                 std::size_t bufferIndex) const;
+    void addFIRPolyphaseAnalysisDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
 
     static constexpr double firStopbandAttenuation = 140.0;  ///< dB, of every filter designed here
 
@@ -598,7 +618,9 @@ private:
     std::vector<double> minHoldPSD;
     std::vector<double> spectrogramCarry;
     ZoomState zoomState;
-    std::vector<ZoomStart> zoomStarts;  ///< of each channel
+    FilterbankStores<std::complex<double>> complexBank;  ///< used if any signal is complex, or with zoom
+    FilterbankStores<double> realBank;                   ///< used otherwise
+    std::vector<ZoomStart> zoomStarts;                   ///< of each channel
 
     std::optional<WindowKey> builtWindow;  ///< what windowData was built from, unless it is a custom one
     std::vector<std::pair<WindowKey, double>> knownENBWs;  ///< lengths tried for an RBW; windows take long to build

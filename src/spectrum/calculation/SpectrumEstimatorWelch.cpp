@@ -222,12 +222,21 @@ void SpectrumEstimator::addDataToFFTBuffer(const int& signal, const std::size_t&
     if (isZoomInUse()) {
         computeZoomSegment(signal, channels, segment);
     }
+    if (isFilterbankMode() && desiredSegmentLengthMet) {
+        computeFIRPolyphaseAnalysis(signal, channels, segment);
+        addFIRPolyphaseAnalysisDataToFFTBuffer(signal, channels);
+    }
+    // While the bank fills, a hybrid engine shows Welch spectra over what the bank gave.
     if (!isPlainFilterbank()) {
         if (isZoomInUse()) {
             addZoomFFTWindowedDataToFFTBuffer(signal, channels);
         } else {
             addWindowedDataToFFTBuffer(signal, channels, segment);
         }
+    }
+    // Hold traces don't keep what was shown during the fill.
+    if (isFilterbankInSteadyStateStart() && desiredSegmentLength != 0 && useWelchForFilterBankTransient) {
+        resetMaxMinHoldStates = true;
     }
 }
 
