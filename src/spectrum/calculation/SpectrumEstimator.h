@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "PolyphaseBank.h"
 #include "SampleVector.h"
 #include "SpectrumBuffer.h"
 #include "SpectrumEstimatorEnum.h"
@@ -358,10 +359,24 @@ private:
         std::vector<Sample> lines;         ///< [all channels * B * taps] delay lines, newest sample first
         std::vector<Sample> accumulators;  ///< [all channels * B * 2] what is complete, and what is under way
 
+        void resize(std::size_t bands, std::size_t taps) {
+            lines.resize(bands * taps);
+            accumulators.resize(2 * bands);
+        }
         void reset() {
             std::fill(lines.begin(), lines.end(), Sample{});
             std::fill(accumulators.begin(), accumulators.end(), Sample{});
         }
+    };
+
+    /// The same in the order of the kernels.
+    struct FilterbankKernelStores {
+        bool inUse = false;
+        polyphase::SampleKind kind = polyphase::SampleKind::real;
+        std::size_t numBands = 0;
+        std::size_t numTaps = 0;
+        AlignedVector<double> taps;
+        std::vector<AlignedVector<double>> delayStores;  ///< one a channel
     };
 
     template <class T>
@@ -424,6 +439,7 @@ private:
     void finishFrame(bool ready, std::size_t newSegments);
     void addFrequencyVectorToOutputBuffer(std::vector<double>& out) const;
     void addDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void addWelchDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
     void addWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
     void computePSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
     void computeTwoSidedPSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
@@ -443,7 +459,8 @@ private:
                   std::complex<double>* points);
     void keepZoomHistory(const std::size_t& bufferIndex, std::size_t offset, std::size_t samples);
     void computeZoomSegment(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
-    void addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
+    void addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels,
+                                           const std::size_t& segment);
 
     // Averaging and hold traces.
     void allocateAveragingResources();
@@ -477,12 +494,18 @@ private:
     void computeFilterbankLowpassCoefficients();
     void computeFIRFilterGroupDelay();
     void allocateFIRPolyphaseAnalysisResources();
+    void allocateKernelStores(bool complexSamples);
     bool isFilterbankComplex() const { return isAnyInputComplex() || isZoomInUse(); }
     void computeFIRPolyphaseAnalysis(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void computeKernelAnalysis(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    const double* filterbankSamples(const std::size_t& bufferIndex, std::size_t segment, std::size_t segments,
+                                    std::size_t& available) const;
     template <class Sample>
     void analyse(FilterbankStores<Sample>& bank, const Sample* samples, std::size_t count,
                  std::size_t bufferIndex) const;
     void addFIRPolyphaseAnalysisDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
+    /// Place of a segment in the transform's input.
+    std::size_t inputSegment(std::size_t segment) const { return segment % transform.segments(); }
 
     static constexpr double firStopbandAttenuation = 140.0;  ///< dB, of every filter designed here
 
@@ -618,9 +641,10 @@ private:
     std::vector<double> minHoldPSD;
     std::vector<double> spectrogramCarry;
     ZoomState zoomState;
-    FilterbankStores<std::complex<double>> complexBank;  ///< used if any signal is complex, or with zoom
-    FilterbankStores<double> realBank;                   ///< used otherwise
-    std::vector<ZoomStart> zoomStarts;                   ///< of each channel
+    FilterbankStores<std::complex<double>> complexBank;  ///< plain code, if any signal is complex, or with zoom
+    FilterbankStores<double> realBank;                   ///< plain code, otherwise
+    FilterbankKernelStores kernelBank;
+    std::vector<ZoomStart> zoomStarts;  ///< of each channel
 
     std::optional<WindowKey> builtWindow;  ///< what windowData was built from, unless it is a custom one
     std::vector<std::pair<WindowKey, double>> knownENBWs;  ///< lengths tried for an RBW; windows take long to build

@@ -110,35 +110,97 @@ void SpectrumEstimator::allocateFilterbankResources() {
     allocateFIRPolyphaseAnalysisResources();
 }
 
-/// Lines and accumulators keep what still fits, unless they are marked: the fill goes on over a setup.
+/// Lines and accumulators keep what still fits, unless they are marked: the fill goes on over a setup. Whether the
+/// kernels are used is decided here, for what they remember is in an order of their own.
 void SpectrumEstimator::allocateFIRPolyphaseAnalysisResources() {
-    const std::size_t bands = actualFFTLength * totalNumChannels;
-    const bool complexStore = isFilterbankComplex();
-    complexBank.lines.resize(complexStore ? bands * numTapsPerBand : 0);
-    complexBank.accumulators.resize(complexStore ? 2 * bands : 0);
-    realBank.lines.resize(complexStore ? 0 : bands * numTapsPerBand);
-    realBank.accumulators.resize(complexStore ? 0 : 2 * bands);
+    const bool complexSamples = isFilterbankComplex();
+    kernelBank.inUse = useHalideForFIRPolyphaseAnalysis && numTapsPerBand != 0;
+    const std::size_t plainBands = kernelBank.inUse ? 0 : actualFFTLength * totalNumChannels;
+    complexBank.resize(complexSamples ? plainBands : 0, numTapsPerBand);
+    realBank.resize(complexSamples ? 0 : plainBands, numTapsPerBand);
+    allocateKernelStores(complexSamples);
     if (resetFilterbankStates && !isLocked_) {
         complexBank.reset();
         realBank.reset();
+        for (auto& store : kernelBank.delayStores) {
+            std::fill(store.begin(), store.end(), 0.0);
+        }
     }
+}
+
+void SpectrumEstimator::allocateKernelStores(bool complexSamples) {
+    const auto kind = complexSamples ? polyphase::SampleKind::complex : polyphase::SampleKind::real;
+    if (!kernelBank.inUse || kernelBank.kind != kind || kernelBank.numBands != actualFFTLength ||
+        kernelBank.numTaps != numTapsPerBand) {
+        kernelBank.delayStores.clear();  // nothing fits a bank of another shape
+    }
+    if (!kernelBank.inUse) {
+        return;
+    }
+    kernelBank.kind = kind;
+    kernelBank.numBands = actualFFTLength;
+    kernelBank.numTaps = numTapsPerBand;
+    kernelBank.taps.resize(polyphase::tapStoreSize(actualFFTLength, numTapsPerBand));
+    polyphase::arrangeTaps(filterbankPolyphaseMatrix.data(), actualFFTLength, numTapsPerBand, kernelBank.taps.data());
+    kernelBank.delayStores.resize(totalNumChannels);
+    for (auto& store : kernelBank.delayStores) {
+        store.resize(polyphase::delayStoreSize(actualFFTLength, numTapsPerBand, kind));
+    }
+}
+
+/// The samples of a run of segments of a channel, and how many of those wanted are there.
+const double* SpectrumEstimator::filterbankSamples(const std::size_t& bufferIndex, std::size_t segment,
+                                                   std::size_t segments, std::size_t& available) const {
+    if (isZoomInUse()) {
+        available = transientSegmentLength;
+        return reinterpret_cast<const double*>(zoomOutput.data() + bufferIndex * actualSegmentLength);
+    }
+    const std::size_t held = spectrumBuffer->size(bufferIndex);
+    const std::size_t offset = std::min(segment * transientSegmentLength, held);
+    available = std::min(segments * transientSegmentLength, held - offset);
+    if (spectrumBuffer->holdsComplexSamples()) {
+        return reinterpret_cast<const double*>(spectrumBuffer->run<std::complex<double>>(bufferIndex) + offset);
+    }
+    return spectrumBuffer->run<double>(bufferIndex) + offset;
 }
 
 void SpectrumEstimator::computeFIRPolyphaseAnalysis(const int& signal, const std::size_t& channels,
                                                     const std::size_t& segment) {
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const std::size_t index = getChannelBufferIdx(signal, channel);
-        if (isZoomInUse()) {
-            analyse(complexBank, zoomOutput.data() + index * actualSegmentLength, transientSegmentLength, index);
-            continue;
-        }
-        const std::size_t offset = segment * transientSegmentLength;
-        const std::size_t held = spectrumBuffer->size(index);
-        const std::size_t count = std::min(transientSegmentLength, held - std::min(offset, held));
+        std::size_t count = 0;
+        const double* samples = filterbankSamples(index, segment, 1, count);
         if (isFilterbankComplex()) {
-            analyse(complexBank, spectrumBuffer->run<std::complex<double>>(index) + offset, count, index);
+            analyse(complexBank, reinterpret_cast<const std::complex<double>*>(samples), count, index);
         } else {
-            analyse(realBank, spectrumBuffer->run<double>(index) + offset, count, index);
+            analyse(realBank, samples, count, index);
+        }
+    }
+}
+
+/// Runs ahead over as many segments as the transform's input has room for, when the first of them is asked for.
+void SpectrumEstimator::computeKernelAnalysis(const int& signal, const std::size_t& channels,
+                                              const std::size_t& segment) {
+    if (inputSegment(segment) != 0) {
+        return;
+    }
+    const std::size_t L = transientSegmentLength;
+    const std::size_t group = std::min(transform.segments(), numSegments - segment);
+    const polyphase::Bank bank{actualFFTLength, numTapsPerBand, kernelBank.taps.data()};
+    const auto width = static_cast<std::size_t>(kernelBank.kind);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const std::size_t index = getChannelBufferIdx(signal, channel);
+        std::size_t available = 0;
+        const double* samples = filterbankSamples(index, segment, group, available);
+        double* past = kernelBank.delayStores[index].data();
+        const std::size_t whole = L == 0 ? 0 : available / L;
+        polyphase::analyze(bank, kernelBank.kind, past, samples, L, whole, transform.input(channel),
+                           transform.segmentStride());
+        // A signal with shorter frames than the first one may end within the group.
+        for (std::size_t missing = whole; missing < group; ++missing) {
+            const std::size_t rest = missing == whole ? available - whole * L : 0;
+            polyphase::analyze(bank, kernelBank.kind, past, samples + whole * L * width, rest, 1,
+                               transform.input(channel, missing), transform.segmentStride());
         }
     }
 }

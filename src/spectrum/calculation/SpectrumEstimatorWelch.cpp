@@ -30,7 +30,12 @@ void SpectrumEstimator::allocateWelchResources() {
 }
 
 void SpectrumEstimator::allocateFFTResources() {
-    transform.allocate(totalNumChannels, actualFFTLength);
+    // The bank's kernels take segments in groups, as long as these are small; a zoomed segment is made by itself.
+    constexpr std::size_t mostPoints = std::size_t{1} << 20U;
+    const std::size_t points = std::max<std::size_t>(totalNumChannels * actualFFTLength, 1);
+    const bool groups = isFilterbankMode() && kernelBank.inUse && !isZoomInUse();
+    transform.allocate(totalNumChannels, actualFFTLength,
+                       groups ? std::clamp<std::size_t>(mostPoints / points, 1, 8) : 1);
 }
 
 void SpectrumEstimator::resetFFTResources() {
@@ -168,7 +173,7 @@ void SpectrumEstimator::computeUpdate(std::vector<double>& out, const int& signa
     for (std::size_t segment = 0; segment < numSegments; ++segment) {
         countSegment(signal);
         addDataToFFTBuffer(signal, channels, segment);
-        transform.execute(channels);
+        transform.execute(channels, inputSegment(segment));
         computePSD(out, channels, segment);
         if (desiredSegmentLengthMet) {
             computeExponentialAverage(out, signal, channels, segment);
@@ -223,13 +228,17 @@ void SpectrumEstimator::addDataToFFTBuffer(const int& signal, const std::size_t&
         computeZoomSegment(signal, channels, segment);
     }
     if (isFilterbankMode() && desiredSegmentLengthMet) {
-        computeFIRPolyphaseAnalysis(signal, channels, segment);
-        addFIRPolyphaseAnalysisDataToFFTBuffer(signal, channels);
+        if (kernelBank.inUse) {
+            computeKernelAnalysis(signal, channels, segment);
+        } else {
+            computeFIRPolyphaseAnalysis(signal, channels, segment);
+            addFIRPolyphaseAnalysisDataToFFTBuffer(signal, channels);
+        }
     }
     // While the bank fills, a hybrid engine shows Welch spectra over what the bank gave.
     if (!isPlainFilterbank()) {
         if (isZoomInUse()) {
-            addZoomFFTWindowedDataToFFTBuffer(signal, channels);
+            addZoomFFTWindowedDataToFFTBuffer(signal, channels, segment);
         } else {
             addWindowedDataToFFTBuffer(signal, channels, segment);
         }
@@ -249,7 +258,7 @@ void SpectrumEstimator::addWindowedDataToFFTBuffer(const int& signal, const std:
         const std::size_t index = getChannelBufferIdx(signal, channel);
         const std::size_t held = spectrumBuffer->size(index);
         const std::size_t count = std::min(wanted, held - std::min(offset, held));
-        double* in = transform.input(channel);
+        double* in = transform.input(channel, inputSegment(segment));
         if (count != 0 && spectrumBuffer->holdsComplexSamples()) {
             const auto* samples = spectrumBuffer->run<std::complex<double>>(index) + offset;
             vectormath::windowComplex(reinterpret_cast<const double*>(samples), windowData.data(), in, count);

@@ -227,11 +227,12 @@ void SpectrumEstimator::computeZoomSegment(const int& signal, const std::size_t&
     }
 }
 
-void SpectrumEstimator::addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels) {
+void SpectrumEstimator::addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels,
+                                                          const std::size_t& segment) {
     const std::size_t count = std::min({transientSegmentLength, actualFFTLength, windowData.size()});
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const Complex* points = zoomOutput.data() + getChannelBufferIdx(signal, channel) * actualSegmentLength;
-        double* in = transform.input(channel);
+        double* in = transform.input(channel, inputSegment(segment));
         vectormath::windowComplex(reinterpret_cast<const double*>(points), windowData.data(), in, count);
         std::fill(in + 2 * count, in + 2 * actualFFTLength, 0.0);
     }

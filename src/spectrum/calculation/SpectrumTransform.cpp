@@ -13,32 +13,37 @@ SpectrumTransform::Buffer SpectrumTransform::makeBuffer(std::size_t count) {
     return Buffer(static_cast<double*>(fftbridge::fftwApi::malloc(count * sizeof(double))));
 }
 
-void SpectrumTransform::allocate(std::size_t channels, std::size_t length) {
-    const std::size_t count = 2 * channels * length;
-    if (channels != numChannels || length != points) {
+void SpectrumTransform::allocate(std::size_t channels, std::size_t length, std::size_t segments) {
+    if (channels != numChannels || length != points || segments != numSegments) {
         in.reset();
         out.reset();
-        numChannels = 0;
-        in = makeBuffer(count);
-        out = makeBuffer(count);
         numChannels = channels;
         points = length;
+        numSegments = segments;
+        try {
+            in = makeBuffer(segmentStride() * segments);
+            out = makeBuffer(segmentStride());
+        } catch (...) {
+            in.reset();
+            out.reset();
+            numChannels = 0;
+            throw;
+        }
     }
     reset();
 }
 
 void SpectrumTransform::reset() {
-    const std::size_t count = 2 * numChannels * points;
-    std::fill_n(in.get(), count, 0.0);
-    std::fill_n(out.get(), count, 0.0);
+    std::fill_n(in.get(), segmentStride() * numSegments, 0.0);
+    std::fill_n(out.get(), segmentStride(), 0.0);
 }
 
-void SpectrumTransform::execute(std::size_t channels) {
+void SpectrumTransform::execute(std::size_t channels, std::size_t segment) {
     const std::size_t transforms = std::min(channels, numChannels);
     constexpr int forward = -1;
     constexpr bool measureFirst = false;
-    fftbridge::interleavedFFT1D<double, 2>(context, planCache, in.get(), out.get(), points, transforms, forward,
-                                           measureFirst);
+    fftbridge::interleavedFFT1D<double, 2>(context, planCache, input(0, segment), out.get(), points, transforms,
+                                           forward, measureFirst);
 }
 
 }  // namespace dspwavedecks
