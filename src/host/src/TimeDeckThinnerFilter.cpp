@@ -1,8 +1,10 @@
 #include "wavedeck/TimeDeckThinnerFilter.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <string>
 
+#include "streamplug/Exceptions.h"
 #include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace wavedeck {
@@ -10,17 +12,65 @@ namespace wavedeck {
 namespace {
 
 using foundation::numbenchdata::Array;
+using foundation::numbenchdata::ArrayType;
+using foundation::numbenchdata::CharArray;
+using foundation::numbenchdata::OptionalString;
 using foundation::numbenchdata::TypedArray;
+using streamplug::kit::array::OptionInvalidValue;
+using streamplug::kit::array::OptionNotExpectedType;
+using streamplug::kit::array::OptionNotFound;
+using streamplug::kit::array::PropertyEvent;
 
-/// The value of the first option of that name, or null.
-const Array* findOption(const PropertyList& list, const char* name) {
-    for (const auto* property : list) {
-        if (std::strcmp(property->getName(), name) == 0) {
-            const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(property);
-            return event ? &event->getValue() : nullptr;
+// Faults are told in the words of the option readers of all other stages.
+
+const Array& requireOption(const PropertyList& list, const std::string& name) {
+    const auto* property = list.find(name);
+    if (!property) {
+        throw OptionNotFound("Option: " + name + " was not found");
+    }
+    const auto* event = dynamic_cast<const PropertyEvent*>(property);
+    if (!event) {
+        throw OptionNotExpectedType("Option: " + name + " was not the expected PropertyEvent");
+    }
+    return event->getValue();
+}
+
+const Array& requireType(const Array& value, ArrayType type, const std::string& name) {
+    if (value.getType() != type) {
+        throw OptionNotExpectedType("Option: " + name + " was not the expected type");
+    }
+    return value;
+}
+
+void requireScalar(const Array& value, const std::string& name) {
+    if (value.getNumberOfElements() != 1) {
+        throw OptionNotExpectedType("Option: " + name + " was not a scalar");
+    }
+}
+
+std::u16string wideText(const Array& value, const std::string& name) {
+    if (value.getType() == ArrayType::Char) {
+        return CharArray(value).toUTF16();
+    }
+    if (value.getType() == ArrayType::String) {
+        requireScalar(value, name);
+        if (const OptionalString& text = *TypedArray<OptionalString>(value).begin()) {
+            return *text;
         }
     }
-    return nullptr;
+    throw OptionNotExpectedType("Option: " + name + " was not a char or string");
+}
+
+std::string readText(const PropertyList& list, const std::string& name) {
+    const std::u16string wide = wideText(requireOption(list, name), name);
+    std::string text;
+    for (const char16_t unit : wide) {
+        if (unit >= 128) {
+            throw OptionInvalidValue("Option: " + name + " value had non-ASCII characters");
+        }
+        text.push_back(static_cast<char>(unit));
+    }
+    return text;
 }
 
 /// Adds the positions of the smallest and the largest value of row[first..last) to `kept`; of a bucket without a
@@ -80,16 +130,12 @@ void TimeDeckThinnerFilter::filterImpl(const double* data, std::vector<double>& 
 }
 
 void TimeDeckThinnerFilter::tuneImpl(const PropertyList& list) {
-    const Array* action = findOption(list, "action");
-    if (!action) {
-        return;
-    }
-    const std::u16string name = foundation::numbenchdata::CharArray(*action).toUTF16();
-    if (name == u"setup") {
+    const std::string action = readText(list, "action");
+    if (action == "setup") {
         setPropertiesOnSetup(list);
-    } else if (name == u"onInputSizeChange") {
+    } else if (action == "onInputSizeChange") {
         onInputSizeChange(list);
-    } else if (name == u"tune") {
+    } else if (action == "tune") {
         readNumPoints(list);
     }
 }
@@ -99,23 +145,16 @@ void TimeDeckThinnerFilter::rollbackImpl(const PropertyList& list) {
 }
 
 void TimeDeckThinnerFilter::setPropertiesOnSetup(const PropertyList& list) {
-    if (const Array* name = findOption(list, "clientID")) {
-        const std::u16string text = foundation::numbenchdata::CharArray(*name).toUTF16();
-        clientID.assign(text.begin(), text.end());
-    }
+    clientID = readText(list, "clientID");
     onInputSizeChange(list);
     readNumPoints(list);
 }
 
 void TimeDeckThinnerFilter::onInputSizeChange(const PropertyList& list) {
-    const Array* counts = findOption(list, "numChannels");
-    if (!counts) {
-        return;
-    }
-    const auto client = WaveDeckClientRegistry::sInstance(clientID);
-    const std::vector<int>& complexity = client->isComplex();
+    const TypedArray<int> counts(requireType(requireOption(list, "numChannels"), ArrayType::Int, "numChannels"));
+    const std::vector<int> complexity = WaveDeckClientRegistry::sInstance(clientID)->isComplex();
     rowsPerSignal_.clear();
-    for (const int count : TypedArray<int>(*counts)) {
+    for (const int count : counts) {
         const std::size_t signal = rowsPerSignal_.size();
         const bool isComplex = signal < complexity.size() && complexity[signal] != 0;
         rowsPerSignal_.push_back(static_cast<unsigned long>(std::max(isComplex ? count / 2 : count, 0)));
@@ -123,10 +162,16 @@ void TimeDeckThinnerFilter::onInputSizeChange(const PropertyList& list) {
 }
 
 void TimeDeckThinnerFilter::readNumPoints(const PropertyList& list) {
-    if (const Array* points = findOption(list, "numPoints"); points && points->getNumberOfElements() == 1) {
-        const double value = TypedArray<double>(*points)[0];
-        numPoints_ = value >= 1.0 && value < 1e9 ? static_cast<unsigned long>(value) : 0;
+    if (!list.find("numPoints")) {
+        return;
     }
+    const Array& points = requireType(requireOption(list, "numPoints"), ArrayType::Double, "numPoints");
+    requireScalar(points, "numPoints");
+    const double value = *TypedArray<double>(points).begin();
+    if (!(value >= 0.0 && value <= 1e9)) {
+        throw OptionInvalidValue("Option: numPoints value was not a number of points");
+    }
+    numPoints_ = static_cast<unsigned long>(value);
 }
 
 }  // namespace wavedeck

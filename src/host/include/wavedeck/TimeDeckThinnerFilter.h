@@ -11,7 +11,9 @@ namespace wavedeck {
 /// their extremes at different positions, the output holds all of these positions with every channel's own value, so
 /// that each channel keeps its extremes and the rows stay parallel.
 ///
-/// Options: "numPoints" (double, setup and tune): greatest number of points a row; 0, the default, lets all through.
+/// Options: "numPoints" (double, setup and tune): greatest number of points a row, though a minimum and a maximum of
+/// each channel always stay; 0, the default, lets all through. Faults are thrown in the words of the other stages'
+/// option readers.
 class WAVEDECK_API TimeDeckThinnerFilter : public WaveDeckTransformImpl {
 public:
     ~TimeDeckThinnerFilter() override;
@@ -24,7 +26,7 @@ public:
     bool changesChannelSize() override { return true; }
     void resetImpl() override {}
 
-    /// Reads "clientID", "numChannels" and, where present, "numPoints".
+    /// Reads "clientID" and "numChannels", which must be there, and "numPoints".
     virtual void setPropertiesOnSetup(const PropertyList& list);
     /// Reads "numChannels" again.
     virtual void onInputSizeChange(const PropertyList& list);

@@ -1,0 +1,181 @@
+// The host's declarations as stages and callers use them: arrays, property lists, board, registry, nb functions.
+
+#include <gtest/gtest.h>
+
+#include <boost/any.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "foundation/numbenchdata/Array.h"
+#include "numbench/nbArray.h"
+#include "streamplug/PropertyList.h"
+#include "wavedeck/WaveDeckClientRegistry.h"
+#include "wavedeck/WaveDeckStatics.h"
+
+namespace {
+
+using foundation::numbenchdata::Array;
+using foundation::numbenchdata::ArrayFactory;
+using foundation::numbenchdata::ArrayType;
+using foundation::numbenchdata::CharArray;
+using foundation::numbenchdata::InvalidArrayTypeException;
+using foundation::numbenchdata::OptionalString;
+using foundation::numbenchdata::TypedArray;
+using streamplug::interfaces::device::PropertyList;
+using wavedeck::WaveDeckClientRegistry;
+
+template <typename T>
+std::vector<T> walk(const Array& array) {
+    std::vector<T> values;
+    const TypedArray<T> typed(array);
+    for (auto element = typed.begin(); !element.isEqual(typed.end()); element.increment()) {
+        values.push_back(element.getRef());
+    }
+    return values;
+}
+
+TEST(Array, IsReadAsItsOwnKindOnly) {
+    const Array doubles = ArrayFactory::createDouble({1.5, -2.0});
+    const Array ints = ArrayFactory::createInt({3});
+    const Array logicals = ArrayFactory::createLogical({true, false, true});
+    const Array text = ArrayFactory::createChar(u"h\u00e9");
+    const Array strings = ArrayFactory::createString({u"a", OptionalString()});
+    const Array cells = ArrayFactory::createCell({text, doubles});
+    EXPECT_EQ(walk<double>(doubles), (std::vector<double>{1.5, -2.0}));
+    EXPECT_EQ(walk<int>(ints), std::vector<int>{3});
+    EXPECT_EQ(walk<bool>(logicals), (std::vector<bool>{true, false, true}));
+    EXPECT_EQ(CharArray(text).toUTF16(), u"h\u00e9");
+    EXPECT_EQ(std::u16string(TypedArray<OptionalString>(strings)[0]), u"a");
+    EXPECT_THROW((void)std::u16string(TypedArray<OptionalString>(strings)[1]), InvalidArrayTypeException);
+    EXPECT_EQ(walk<double>(foundation::numbenchdata::detail::getValue<Array>(cells, 1)), walk<double>(doubles));
+    EXPECT_THROW((void)foundation::numbenchdata::detail::getValue<Array>(cells, 2), InvalidArrayTypeException);
+    EXPECT_THROW(CharArray{doubles}, InvalidArrayTypeException);
+    EXPECT_THROW(TypedArray<double>{ints}, InvalidArrayTypeException);
+    EXPECT_THROW(TypedArray<Array>{strings}, InvalidArrayTypeException);
+}
+
+TEST(Array, EmptyOnesAreEmptyOfAnyKindAndCopiesShare) {
+    EXPECT_TRUE(walk<double>(Array()).empty());
+    EXPECT_TRUE(walk<Array>(ArrayFactory::createCell({})).empty());
+    EXPECT_EQ(ArrayFactory::createChar("").getType(), ArrayType::Char);
+    Array copy;
+    {
+        const Array original = ArrayFactory::createDouble({7.0});
+        copy = original;
+    }
+    EXPECT_EQ(walk<double>(copy), std::vector<double>{7.0});
+}
+
+TEST(PropertyList, KeepsItsPropertiesAliveAndFindsTheFirstOfAName) {
+    PropertyList copy;
+    {
+        PropertyList list;
+        list.addDouble("x", 1.0).addInt("x", 2).addChar("word", "w");
+        copy = list;
+        copy.append(copy);
+    }
+    ASSERT_EQ(std::distance(copy.begin(), copy.end()), 6);
+    EXPECT_STREQ((*copy.begin())->getName(), "x");
+    EXPECT_EQ(copy.find("x"), *copy.begin());
+    EXPECT_EQ(copy.find("y"), nullptr);
+}
+
+TEST(Board, EntriesKeepTheirPlaceAndAreReadByType) {
+    const auto client = WaveDeckClientRegistry::sInstance.addClient("board test");
+    auto& board = client->getClientSettings();
+    EXPECT_EQ(board.find("a"), nullptr);
+    board.addCustomSetting("a", 1.0);
+    boost::any* entry = board.find("a");
+    for (int i = 0; i < 1000; ++i) {
+        board.addCustomSetting(std::to_string(i), i);
+    }
+    EXPECT_EQ(board.find("a"), entry);
+    *boost::any_cast<double>(entry) = 2.0;
+    EXPECT_EQ(boost::any_cast<double>(board["a"]), 2.0);
+    EXPECT_EQ(boost::any_cast<int>(board.find("a")), nullptr);
+    EXPECT_EQ(board.keys().size(), 1001U);
+    WaveDeckClientRegistry::sInstance.removeClient("board test");
+}
+
+TEST(Registry, KnowsItsClientsAndTheirAxes) {
+    auto& registry = WaveDeckClientRegistry::sInstance;
+    const auto client = registry.addClient("one");
+    EXPECT_TRUE(registry.isClientValid("one"));
+    EXPECT_EQ(registry("one"), client);
+    EXPECT_THROW(registry.addClient("one"), numbench::Exception);
+    EXPECT_THROW(registry("two"), numbench::Exception);
+    EXPECT_EQ(client->getAxesIdFromSignalId(5), 5U);
+    client->getClientSettings().addCustomSetting(
+        "WDSigIdToAxesId",
+        std::function<unsigned long(const unsigned long&)>([](const unsigned long& signal) { return signal + 10; }));
+    EXPECT_EQ(client->getAxesIdFromSignalId(5), 15U);
+    EXPECT_EQ(client->getClientSettings().axesTimeTable[3].timeSpan, 0.0);
+    EXPECT_EQ(client->getClientSettings().axesTimeTable.size(), 0U) << "reading adds nothing";
+    EXPECT_EQ(client->getSampleTime(-1), 0.0);
+    EXPECT_EQ(client->getOffset(7), 0.0);
+    registry.removeClient("one");
+    registry.removeClient("one");
+    EXPECT_FALSE(registry.isClientValid("one"));
+    EXPECT_FALSE(wavedeck::WaveDeckStatics::getEnableWaveDecksDiagnostics());
+}
+
+TEST(Registry, TakesLookUpsFromSeveralThreads) {
+    auto& registry = WaveDeckClientRegistry::sInstance;
+    const auto shared = registry.addClient("shared");
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 500; ++i) {
+                const std::string key = std::to_string(1000 * t + i);
+                registry.addClient(key);
+                registry("shared")->getClientSettings().addCustomSetting(key, i);
+                registry.removeClient(key);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(shared->getClientSettings().keys().size(), 2000U);
+    registry.removeClient("shared");
+}
+
+TEST(NbArray, ReadsBackWhatItWasMadeOf) {
+    const auto owned = [](nbArray* array) { return std::shared_ptr<nbArray>(array, nbDestroyArray); };
+    const auto matrix = owned(nbCreateDoubleMatrix(2, 3));
+    nbGetDoubles(matrix.get())[5] = 4.0;
+    EXPECT_EQ(nbGetRows(matrix.get()), 2U);
+    EXPECT_EQ(nbGetColumns(matrix.get()), 3U);
+    EXPECT_EQ(nbGetDoubles(static_cast<const nbArray*>(matrix.get()))[5], 4.0);
+    const auto empty = owned(nbCreateDoubleMatrix(0, 0));
+    EXPECT_EQ(nbGetNumberOfElements(empty.get()), 0U);
+    EXPECT_THROW(nbGetScalar(empty.get()), numbench::Exception);
+    EXPECT_EQ(nbGetScalar(owned(nbCreateLogicalScalar(true)).get()), 1.0);
+    EXPECT_TRUE(nbGetNaN() != nbGetNaN());
+    const auto text = owned(nbCreateString("abc"));
+    EXPECT_EQ(nbArrayToStdString(text.get()), "abc");
+    EXPECT_THROW(nbGetScalar(text.get()), numbench::Exception);
+    EXPECT_THROW(nbArrayToStdString(nullptr), numbench::Exception);
+}
+
+TEST(NbArray, StructuresOwnTheirFields) {
+    const std::size_t dims[] = {1, 2};
+    const char* names[] = {"a", "b"};
+    nbArray* structure = nbCreateStructArray(2, dims, 2, names);
+    EXPECT_EQ(nbGetNumberOfElements(structure), 2U);
+    EXPECT_EQ(nbGetNumberOfFields(structure), 2);
+    EXPECT_STREQ(nbGetFieldNameByNumber(structure, 1), "b");
+    EXPECT_THROW(nbGetFieldNameByNumber(structure, 2), numbench::Exception);
+    nbSetField(structure, 1, "b", nbCreateDoubleScalar(1.0));
+    nbSetField(structure, 1, "b", nbCreateDoubleScalar(2.0));
+    EXPECT_EQ(nbGetScalar(nbGetField(structure, 1, "b")), 2.0);
+    EXPECT_EQ(nbGetField(structure, 0, "a"), nullptr);
+    EXPECT_THROW(nbSetField(structure, 2, "a", nbCreateDoubleScalar(0.0)), numbench::Exception);
+    EXPECT_THROW(nbSetField(structure, 0, "c", nbCreateDoubleScalar(0.0)), numbench::Exception);
+    nbDestroyArray(structure);
+}
+
+}  // namespace
