@@ -29,18 +29,18 @@ fftw_plan makePlan(const FftPlanKey& key, unsigned effort) {
     return fftw_plan_guru64_dft(1, &transform, 1, &batch, in.get(), out.get(), key.sign, flags);
 }
 
-}  // namespace
-
-std::shared_ptr<const FftPlan> FftPlan::own(fftw_plan plan) {
-    return plan == nullptr ? nullptr : std::shared_ptr<const FftPlan>(new FftPlan(plan));
+std::shared_ptr<const FftPlan> share(fftw_plan plan) {
+    return plan == nullptr ? nullptr : std::make_shared<const FftPlan>(plan);
 }
 
+}  // namespace
+
 std::shared_ptr<const FftPlan> FftPlan::createQuick(const FftPlanKey& key) {
-    return own(makePlan(key, FFTW_ESTIMATE));
+    return share(makePlan(key, FFTW_ESTIMATE));
 }
 
 std::shared_ptr<const FftPlan> FftPlan::createFromWisdom(const FftPlanKey& key) {
-    return own(makePlan(key, FFTW_MEASURE | FFTW_WISDOM_ONLY));
+    return share(makePlan(key, FFTW_MEASURE | FFTW_WISDOM_ONLY));
 }
 
 void FftPlan::measure(const FftPlanKey& key) {

@@ -21,6 +21,8 @@ public:
     /// no lock itself, so that a forked child can call it.
     static void measure(const FftPlanKey& key);
 
+    /// Takes over `plan`.
+    explicit FftPlan(fftw_plan plan) noexcept : plan_(plan) {}
     ~FftPlan();
     FftPlan(const FftPlan&) = delete;
     FftPlan& operator=(const FftPlan&) = delete;
@@ -29,9 +31,6 @@ public:
     void execute(const double* in, double* out) const noexcept;
 
 private:
-    explicit FftPlan(fftw_plan plan) noexcept : plan_(plan) {}
-    static std::shared_ptr<const FftPlan> own(fftw_plan plan);
-
     fftw_plan plan_;
 };
 

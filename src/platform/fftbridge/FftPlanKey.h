@@ -1,7 +1,7 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
+#include <tuple>
 
 namespace fftbridge {
 
@@ -12,7 +12,11 @@ struct FftPlanKey {
     int sign{};      ///< sign of the exponent: -1 forward, +1 backward, neither scaled
     bool aligned{};  ///< both buffers lie as FFTW's vector loads want them
 
-    auto operator<=>(const FftPlanKey&) const = default;
+    bool operator==(const FftPlanKey&) const = default;
+    /// Shorter ones first.
+    bool operator<(const FftPlanKey& other) const {
+        return std::tie(length, count, sign, aligned) < std::tie(other.length, other.count, other.sign, other.aligned);
+    }
 };
 
 }  // namespace fftbridge
