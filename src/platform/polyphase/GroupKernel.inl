@@ -3,9 +3,18 @@
 constexpr std::size_t groupSize = Layout::groupSize;
 constexpr std::size_t stripWidth = Layout::stripWidth;
 
-/// The sums of one strip of one plane, a row a segment.
-struct Sums {
-    alignas(64) double rows[groupSize][stripWidth];
+constexpr std::size_t numAhead = Layout::numAhead;
+
+/// A strip of bands under work.
+struct Strip {
+    std::size_t firstBand;
+    std::size_t width;
+    std::size_t numReached;  ///< bands that the segments reach
+    std::size_t numWritten;  ///< bands that the bank has
+    const double* taps;
+    double* planes[2];
+    double* carries[2];
+    double* sums[2][groupSize];  ///< where the sums of each plane and segment go
 };
 
 VECTOR_INLINE void copyRow(const double* source, double* destination, std::size_t n) {
@@ -45,14 +54,40 @@ VECTOR_INLINE void interleaveRow(const double* real, const double* imaginary, do
     }
 }
 
-/// Every `numPlanes`-th sample, in order.
-VECTOR_INLINE void takeRow(const double* samples, std::size_t numPlanes, double* destination, std::size_t n) {
-    if (numPlanes == 1) {
-        copyRow(samples, destination, n);
-        return;
+VECTOR_INLINE void separateRow(const double* source, double* real, double* imaginary, std::size_t n) {
+    std::size_t i = 0;
+    for (; i + lanes <= n; i += lanes) {
+        Doubles evens;
+        Doubles odds;
+        separate(load(source + 2 * i), load(source + 2 * i + lanes), evens, odds);
+        store(real + i, evens);
+        store(imaginary + i, odds);
     }
-    for (std::size_t i = 0; i < n; ++i) {
-        destination[i] = samples[2 * i];
+    for (; i < n; ++i) {
+        real[i] = source[2 * i];
+        imaginary[i] = source[2 * i + 1];
+    }
+}
+
+/// The new samples of a strip become rows of its past; the first rows also where they stand a second time.
+VECTOR_INLINE void appendRows(const Group& group, const Strip& strip) {
+    const std::size_t period = group.layout.period();
+    const std::size_t numPlanes = group.layout.numPlanes;
+    for (std::size_t j = 0; j < group.numSegments; ++j) {
+        const double* source = group.samples + (j * group.segmentLength + strip.firstBand) * numPlanes;
+        const std::size_t row = group.position + j;
+        if (numPlanes == 1) {
+            copyRow(source, strip.planes[0] + row * strip.width, strip.numReached);
+        } else {
+            separateRow(source, strip.planes[0] + row * strip.width, strip.planes[1] + row * strip.width,
+                        strip.numReached);
+        }
+        if (row >= period || row < groupSize - 1) {
+            const std::size_t twin = row >= period ? row - period : row + period;
+            for (std::size_t p = 0; p < numPlanes; ++p) {
+                copyRow(strip.planes[p] + row * strip.width, strip.planes[p] + twin * strip.width, strip.numReached);
+            }
+        }
     }
 }
 
@@ -61,7 +96,7 @@ VECTOR_INLINE void takeRow(const double* samples, std::size_t numPlanes, double*
 /// direct  taps until the rows begin again at the other end, `period` rows further on
 template <std::size_t numSums>
 VECTOR_INLINE void filterRows(const double* taps, std::size_t numTaps, const double* newest, std::size_t width,
-                              std::size_t direct, std::size_t period, double (*sums)[stripWidth]) {
+                              std::size_t direct, std::size_t period, double* const* sums) {
     for (std::size_t column = 0; column < width; column += lanes) {
         Doubles sum[numSums] = {};
         const double* tap = taps + column;
@@ -86,160 +121,172 @@ VECTOR_INLINE void filterRows(const double* taps, std::size_t numTaps, const dou
     }
 }
 
-VECTOR_INLINE void filterGroupOfRows(const Group& group, const double* taps, const double* plane, std::size_t width,
-                                     Sums& sums) {
+VECTOR_INLINE void filterTogether(const Group& group, const Strip& strip, std::size_t plane) {
     const std::size_t numTaps = group.layout.numTaps;
     const std::size_t period = group.layout.period();
     for (std::size_t j = 0; j < group.numSegments;) {
         const std::size_t position = group.position + j;
         const std::size_t direct = position + 1 < numTaps ? position + 1 : numTaps;
-        const double* newest = plane + position * width;
+        const double* newest = strip.planes[plane] + position * strip.width;
+        double* const* sums = strip.sums[plane] + j;
         const std::size_t left = group.numSegments - j;
         if (left >= 8) {
-            filterRows<8>(taps, numTaps, newest, width, direct, period, sums.rows + j);
+            filterRows<8>(strip.taps, numTaps, newest, strip.width, direct, period, sums);
             j += 8;
         } else if (left >= 4) {
-            filterRows<4>(taps, numTaps, newest, width, direct, period, sums.rows + j);
+            filterRows<4>(strip.taps, numTaps, newest, strip.width, direct, period, sums);
             j += 4;
         } else if (left >= 2) {
-            filterRows<2>(taps, numTaps, newest, width, direct, period, sums.rows + j);
+            filterRows<2>(strip.taps, numTaps, newest, strip.width, direct, period, sums);
             j += 2;
         } else {
-            filterRows<1>(taps, numTaps, newest, width, direct, period, sums.rows + j);
+            filterRows<1>(strip.taps, numTaps, newest, strip.width, direct, period, sums);
             j += 1;
         }
     }
 }
 
-/// The sums of a segment, and those of the next one over all it shares with this one.
-VECTOR_INLINE void filterAndLookAhead(const double* taps, std::size_t numTaps, const double* newest, std::size_t width,
-                                      std::size_t direct, std::size_t period, double* sums, double* ahead) {
+/// One tap for the segment at hand and for those ahead of it, whose past is the same, one place further on for each.
+VECTOR_INLINE void addTap(Doubles weight, Doubles sample, Doubles (&past)[numAhead + 1], Doubles (&sum)[numAhead + 1]) {
+    for (std::size_t i = numAhead; i > 0; --i) {
+        past[i] = past[i - 1];
+    }
+    past[0] = sample;
+    for (std::size_t i = 0; i <= numAhead; ++i) {
+        sum[i] = multiplyAdd(weight, past[i], sum[i]);
+    }
+}
+
+/// The sums of a segment, and those of the next ones over the samples that are there.
+VECTOR_INLINE void filterAndLookAhead(const Group& group, const Strip& strip, std::size_t plane) {
+    const std::size_t width = strip.width;
+    const std::size_t numTaps = group.layout.numTaps;
+    const std::size_t direct = group.position + 1 < numTaps ? group.position + 1 : numTaps;
+    double* ahead = strip.planes[plane] + group.layout.aheadRow() * width;
     for (std::size_t column = 0; column < width; column += lanes) {
-        const double* tap = taps + column;
-        const double* row = newest + column;
+        Doubles sum[numAhead + 1] = {};
+        Doubles past[numAhead + 1] = {};
+        const double* tap = strip.taps + column;
+        const double* row = strip.planes[plane] + group.position * width + column;
         const double* const turn = tap + direct * width;
         const double* const end = tap + numTaps * width;
-        Doubles samples = load(row);
-        Doubles sum = load(tap) * samples;
-        Doubles next{};
-        for (tap += width, row -= width; tap != turn; tap += width, row -= width) {
-            const Doubles weight = load(tap);
-            next = multiplyAdd(weight, samples, next);
-            samples = load(row);
-            sum = multiplyAdd(weight, samples, sum);
+        for (; tap != turn; tap += width, row -= width) {
+            addTap(load(tap), load(row), past, sum);
         }
-        for (row += period * width; tap != end; tap += width, row -= width) {
-            const Doubles weight = load(tap);
-            next = multiplyAdd(weight, samples, next);
-            samples = load(row);
-            sum = multiplyAdd(weight, samples, sum);
+        for (row += group.layout.period() * width; tap != end; tap += width, row -= width) {
+            addTap(load(tap), load(row), past, sum);
         }
-        store(sums + column, sum);
-        store(ahead + column, next);
+        store(strip.sums[plane][0] + column, sum[0]);
+        for (std::size_t i = 0; i < numAhead; ++i) {
+            store(ahead + i * width + column, sum[i + 1]);
+        }
     }
 }
 
-VECTOR_INLINE void finishAhead(const double* taps, const double* newest, std::size_t width, const double* ahead,
-                               double* sums) {
+/// The sums of a segment that are begun, and what it adds to those that are begun for the segments behind it.
+VECTOR_INLINE void finishAhead(const Group& group, const Strip& strip, std::size_t plane) {
+    const std::size_t width = strip.width;
+    const double* newest = strip.planes[plane] + group.position * width;
+    double* begun = strip.planes[plane] + (group.layout.aheadRow() + group.numBegun - 1) * width;
+    const std::size_t numLeft = numAhead - group.numBegun;
     for (std::size_t column = 0; column < width; column += lanes) {
-        store(sums + column, multiplyAdd(load(taps + column), load(newest + column), load(ahead + column)));
+        const Doubles sample = load(newest + column);
+        const double* tap = strip.taps + column;
+        store(strip.sums[plane][0] + column, multiplyAdd(load(tap), sample, load(begun + column)));
+        for (std::size_t i = 1; i <= numLeft && i < group.layout.numTaps; ++i) {
+            double* next = begun + i * width + column;
+            store(next, multiplyAdd(load(tap + i * width), sample, load(next)));
+        }
     }
 }
 
-VECTOR_INLINE void filterPlane(const Group& group, const double* taps, double* plane, std::size_t width, Sums& sums) {
-    const std::size_t numTaps = group.layout.numTaps;
-    const double* newest = plane + group.position * width;
-    double* ahead = plane + group.layout.aheadRow() * width;
-    if (group.pairing == Pairing::closes) {
-        finishAhead(taps, newest, width, ahead, sums.rows[0]);
-    } else if (group.pairing == Pairing::opens) {
-        const std::size_t direct = group.position + 1 < numTaps ? group.position + 1 : numTaps;
-        filterAndLookAhead(taps, numTaps, newest, width, direct, group.layout.period(), sums.rows[0], ahead);
+VECTOR_INLINE void filterPlane(const Group& group, const Strip& strip, std::size_t plane) {
+    if (!group.comesAlone) {
+        filterTogether(group, strip, plane);
+    } else if (group.numBegun == 0) {
+        filterAndLookAhead(group, strip, plane);
     } else {
-        filterGroupOfRows(group, taps, plane, width, sums);
+        finishAhead(group, strip, plane);
     }
 }
 
-/// The new samples of a strip become rows of its past; the first rows also where they stand a second time.
-VECTOR_INLINE void appendRows(const Group& group, const double* samples, double* plane, std::size_t width,
-                              std::size_t n) {
-    const std::size_t period = group.layout.period();
-    const std::size_t numPlanes = group.layout.numPlanes;
-    for (std::size_t j = 0; j < group.numSegments; ++j) {
-        const double* source = samples + j * group.segmentLength * numPlanes;
-        const std::size_t row = group.position + j;
-        takeRow(source, numPlanes, plane + row * width, n);
-        if (row >= period) {
-            takeRow(source, numPlanes, plane + (row - period) * width, n);
-        } else if (row < groupSize - 1) {
-            takeRow(source, numPlanes, plane + (row + period) * width, n);
-        }
-    }
-}
-
-/// Writes the rows of a strip, each one segment late: what the segment before left comes first.
-VECTOR_INLINE void writeRows(const Group& group, const Sums* sums, double* const* carries, std::size_t firstBand,
-                             std::size_t n) {
-    for (std::size_t j = 0; j < group.numSegments; ++j) {
-        const double* real = j == 0 ? carries[0] : sums[0].rows[j - 1];
-        double* row = group.rows + j * group.rowStride;
-        if (group.output == Output::realRow) {
-            copyRow(real, row + firstBand, n);
-        } else if (group.layout.numPlanes == 1) {
-            interleaveRow(real, nullptr, row + 2 * firstBand, n);
-        } else {
-            const double* imaginary = j == 0 ? carries[1] : sums[1].rows[j - 1];
-            interleaveRow(real, imaginary, row + 2 * firstBand, n);
-        }
+/// Writes a row of a strip: the sums of the segment before.
+VECTOR_INLINE void writeRow(const Group& group, const Strip& strip, std::size_t segment, const double* real,
+                            const double* imaginary) {
+    double* row = group.rows + segment * group.rowStride;
+    if (group.output == Output::realRow) {
+        copyRow(real, row + strip.firstBand, strip.numWritten);
+    } else if (imaginary == nullptr) {
+        interleaveRow(real, nullptr, row + 2 * strip.firstBand, strip.numWritten);
+    } else {
+        interleaveRow(real, imaginary, row + 2 * strip.firstBand, strip.numWritten);
     }
 }
 
 /// Band 0 is complete at once: its sum goes to its own segment, beside what longer segments left for it.
-VECTOR_INLINE void writeBandZero(const Group& group, Sums* sums, double* const* carries) {
-    for (std::size_t plane = 0; plane < group.layout.numPlanes; ++plane) {
+VECTOR_INLINE void writeBandZero(const Group& group, const Strip& strip, const double (&left)[2]) {
+    for (std::size_t p = 0; p < group.layout.numPlanes; ++p) {
         for (std::size_t j = 0; j < group.numSegments; ++j) {
-            const double left = j == 0 ? carries[plane][0] : 0.0;
-            group.rows[j * group.rowStride + plane] = sums[plane].rows[j][0] + left;
+            group.rows[j * group.rowStride + p] = strip.sums[p][j][0] + (j == 0 ? left[p] : 0.0);
         }
-        sums[plane].rows[group.numSegments - 1][0] = 0;
+        strip.carries[p][0] = 0;
+    }
+}
+
+/// The sums of the last segment go straight to what the next segment will get, and the others to `scratch`.
+VECTOR_INLINE void filterAndWrite(const Group& group, Strip& strip, double (*scratch)[groupSize][stripWidth]) {
+    const bool isComplex = group.layout.numPlanes == 2;
+    const double left[2] = {strip.carries[0][0], isComplex ? strip.carries[1][0] : 0.0};
+    writeRow(group, strip, 0, strip.carries[0], isComplex ? strip.carries[1] : nullptr);
+    for (std::size_t p = 0; p < group.layout.numPlanes; ++p) {
+        for (std::size_t j = 0; j < group.numSegments; ++j) {
+            strip.sums[p][j] = j + 1 == group.numSegments ? strip.carries[p] : scratch[p][j];
+        }
+        if (strip.numReached > 0) {
+            filterPlane(group, strip, p);
+        }
+        for (std::size_t j = 0; j < group.numSegments && strip.numReached < strip.width; ++j) {
+            zeroRow(strip.sums[p][j] + strip.numReached, strip.width - strip.numReached);
+        }
+    }
+    for (std::size_t j = 1; j < group.numSegments; ++j) {
+        writeRow(group, strip, j, strip.sums[0][j - 1], isComplex ? strip.sums[1][j - 1] : nullptr);
+    }
+    if (strip.firstBand == 0) {
+        writeBandZero(group, strip, left);
+    }
+}
+
+/// A further turn of the commutator adds to what the next segment will get.
+VECTOR_INLINE void filterAndAdd(const Group& group, Strip& strip, double (*scratch)[groupSize][stripWidth]) {
+    for (std::size_t p = 0; p < group.layout.numPlanes && strip.numReached > 0; ++p) {
+        strip.sums[p][0] = scratch[p][0];
+        filterPlane(group, strip, p);
+        addRow(scratch[p][0], strip.carries[p], strip.numReached);
     }
 }
 
 template <std::size_t fixedWidth>
-VECTOR_INLINE void filterStrip(const Group& group, std::size_t strip) {
+VECTOR_INLINE void filterStrip(const Group& group, std::size_t index) {
     const Layout& layout = group.layout;
-    const std::size_t width = fixedWidth != 0 ? fixedWidth : layout.widthOf(strip);
-    const std::size_t firstBand = strip * stripWidth;
-    const std::size_t left = group.segmentLength > firstBand ? group.segmentLength - firstBand : 0;
-    const std::size_t n = left < width ? left : width;
-    const double* taps = group.tapStore + firstBand * layout.numTaps;
-    Sums sums[2];
-    double* carries[2] = {nullptr, nullptr};
+    Strip strip{};
+    strip.firstBand = index * stripWidth;
+    strip.width = fixedWidth != 0 ? fixedWidth : layout.widthOf(index);
+    const std::size_t left = group.segmentLength > strip.firstBand ? group.segmentLength - strip.firstBand : 0;
+    const std::size_t bands = layout.numBands - strip.firstBand;
+    strip.numReached = left < strip.width ? left : strip.width;
+    strip.numWritten = bands < strip.width ? bands : strip.width;
+    strip.taps = group.tapStore + strip.firstBand * layout.numTaps;
     for (std::size_t p = 0; p < layout.numPlanes; ++p) {
-        double* plane = group.delayStore + layout.planeOffset(strip, p);
-        if (n > 0) {
-            appendRows(group, group.samples + firstBand * layout.numPlanes + p, plane, width, n);
-            filterPlane(group, taps, plane, width, sums[p]);
-        }
-        for (std::size_t j = 0; j < group.numSegments && n < width; ++j) {
-            zeroRow(sums[p].rows[j] + n, width - n);
-        }
-        carries[p] = plane + layout.carryRow() * width;
+        strip.planes[p] = group.delayStore + layout.planeOffset(index, p);
+        strip.carries[p] = strip.planes[p] + layout.carryRow() * strip.width;
     }
-    if (group.output != Output::none) {
-        const std::size_t bands = layout.numBands - firstBand;
-        writeRows(group, sums, carries, firstBand, bands < width ? bands : width);
-        if (strip == 0) {
-            writeBandZero(group, sums, carries);
-        }
-    }
-    for (std::size_t p = 0; p < layout.numPlanes; ++p) {
-        const double* latest = sums[p].rows[group.numSegments - 1];
-        if (group.output == Output::none) {
-            addRow(latest, carries[p], width);
-        } else {
-            copyRow(latest, carries[p], width);
-        }
+    alignas(64) double scratch[2][groupSize][stripWidth];
+    appendRows(group, strip);
+    if (group.output == Output::none) {
+        filterAndAdd(group, strip, scratch);
+    } else {
+        filterAndWrite(group, strip, scratch);
     }
 }
 

@@ -15,19 +15,12 @@ enum class Output {
     none,         ///< added to what the next segment will get: a further turn of the commutator
 };
 
-/// How a segment that comes alone is filtered. Its time goes into fetching taps and past, which the segment after it
-/// needs again but for one row; so the first of two begins the sums of the second, all taps but the newest.
-enum class Pairing {
-    none,
-    opens,   ///< begins the sums of the next segment
-    closes,  ///< finds its sums begun
-};
-
 /// One to `Layout::groupSize` segments to be filtered together.
 struct Group {
     Layout layout;
     Output output;
-    Pairing pairing;
+    bool comesAlone;       ///< one segment, with the sums of later ones begun beside it
+    std::size_t numBegun;  ///< which of the sums that are begun are its own, from 1; 0 if none are
     const double* tapStore;
     double* delayStore;
     std::size_t position;  ///< row of the first segment

@@ -32,15 +32,14 @@ public:
 
 private:
     void filterLongSegment(const double* samples, std::size_t length, Output output, double* row);
-    Pairing pairingOf(std::size_t length, std::size_t numSegments) const;
     void filterTogether(const double* samples, std::size_t length, std::size_t numSegments, Output output, double* rows,
-                        std::size_t rowStride, Pairing pairing);
+                        std::size_t rowStride, bool comesAlone);
     void keepBack(std::size_t firstBand, std::size_t endBand);
     void moveBack(double* plane, std::size_t width, std::size_t first, std::size_t end);
 
     std::size_t position() const { return static_cast<std::size_t>(delayStore_[0]); }
     std::size_t numReached() const { return static_cast<std::size_t>(delayStore_[1]); }
-    bool isNextBegun() const { return delayStore_[2] != 0; }
+    std::size_t numBegun() const { return static_cast<std::size_t>(delayStore_[2]); }
 
     GroupKernel kernel_;
     Layout layout_;
@@ -53,7 +52,8 @@ void Channel::filterSegments(const double* samples, std::size_t segmentLength, s
     if (layout_.numBands == 0) {
         return;
     }
-    const Pairing pairing = pairingOf(segmentLength, numSegments);
+    const bool allGoOn = segmentLength >= numReached();
+    const bool comesAlone = numSegments == 1 && allGoOn && segmentLength <= layout_.numBands && layout_.numTaps > 0;
     for (std::size_t done = 0; done < numSegments;) {
         const double* source = samples + done * segmentLength * layout_.numPlanes;
         double* row = rows + done * rowStride;
@@ -62,9 +62,8 @@ void Channel::filterSegments(const double* samples, std::size_t segmentLength, s
             ++done;
             continue;
         }
-        const bool allGoOn = segmentLength >= numReached();
         const std::size_t together = allGoOn ? std::min(numSegments - done, Layout::groupSize) : 1;
-        filterTogether(source, segmentLength, together, output, row, rowStride, pairing);
+        filterTogether(source, segmentLength, together, output, row, rowStride, comesAlone);
         done += together;
     }
 }
@@ -72,26 +71,19 @@ void Channel::filterSegments(const double* samples, std::size_t segmentLength, s
 void Channel::filterLongSegment(const double* samples, std::size_t length, Output output, double* row) {
     for (std::size_t done = 0; done < length; done += layout_.numBands) {
         const std::size_t turn = std::min(length - done, layout_.numBands);
-        filterTogether(samples + done * layout_.numPlanes, turn, 1, done == 0 ? output : Output::none, row, 0,
-                       Pairing::none);
+        filterTogether(samples + done * layout_.numPlanes, turn, 1, done == 0 ? output : Output::none, row, 0, false);
     }
 }
 
 void Channel::filterTogether(const double* samples, std::size_t length, std::size_t numSegments, Output output,
-                             double* rows, std::size_t rowStride, Pairing pairing) {
+                             double* rows, std::size_t rowStride, bool comesAlone) {
     keepBack(length, numReached());
-    kernel_(
-        {layout_, output, pairing, tapStore_, delayStore_, position(), samples, length, numSegments, rows, rowStride});
+    const std::size_t begun = comesAlone ? numBegun() : 0;
+    kernel_({layout_, output, comesAlone, begun, tapStore_, delayStore_, position(), samples, length, numSegments, rows,
+             rowStride});
     delayStore_[0] = static_cast<double>((position() + numSegments) % layout_.period());
     delayStore_[1] = static_cast<double>(std::max(numReached(), length));
-    delayStore_[2] = pairing == Pairing::opens ? 1 : 0;
-}
-
-Pairing Channel::pairingOf(std::size_t length, std::size_t numSegments) const {
-    if (numSegments != 1 || layout_.numTaps == 0 || length == 0 || length > layout_.numBands || length < numReached()) {
-        return Pairing::none;
-    }
-    return isNextBegun() ? Pairing::closes : Pairing::opens;
+    delayStore_[2] = comesAlone ? static_cast<double>((begun + 1) % (Layout::numAhead + 1)) : 0;
 }
 
 /// The rows move on with each segment; a band that a segment doesn't reach has its past moved along.

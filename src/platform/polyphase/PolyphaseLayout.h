@@ -12,6 +12,9 @@ struct Layout {
     static constexpr std::size_t stripWidth = 64;
     /// Segments that are filtered together: each tap that is loaded serves all of them.
     static constexpr std::size_t groupSize = 8;
+    /// Segments after one that comes alone whose sums are begun beside its own. Its time goes into fetching taps and
+    /// past, which they need again but for the newest rows: a quarter of the fetching is left, and half of the time.
+    static constexpr std::size_t numAhead = 3;
     /// Doubles before the strips: the state of the channel.
     static constexpr std::size_t headerSize = 8;
 
@@ -29,10 +32,10 @@ struct Layout {
     std::size_t period() const { return std::max<std::size_t>(numTaps, 1) - 1 + groupSize; }
     /// The first rows stand a second time behind the last, so that any `groupSize` rows in sequence lie in sequence.
     std::size_t numRows() const { return period() + groupSize - 1; }
-    /// Behind the rows of a plane: what the bands give to the next segment, and sums begun ahead of it.
+    /// Behind the rows of a plane: what the bands give to the next segment, and the sums that are begun.
     std::size_t carryRow() const { return numRows(); }
-    std::size_t aheadRow() const { return numRows() + 1; }
-    std::size_t numAllRows() const { return numRows() + 2; }
+    std::size_t aheadRow() const { return carryRow() + 1; }
+    std::size_t numAllRows() const { return aheadRow() + numAhead; }
 
     std::size_t delayStoreSize() const { return headerSize + numAllRows() * numPlanes * paddedBands(); }
     std::size_t stripOffset(std::size_t strip) const {

@@ -46,3 +46,17 @@ VECTOR_INLINE void interleave(Doubles a, Doubles b, Doubles& low, Doubles& high)
     high = __builtin_shufflevector(a, b, 2, 6, 3, 7);
 #endif
 }
+
+/// The other way round: a[0] a[2] ... b[0] b[2] ... and a[1] a[3] ... b[1] b[3] ...
+VECTOR_INLINE void separate(Doubles a, Doubles b, Doubles& evens, Doubles& odds) {
+#if VECTOR_LANES == 2
+    evens = __builtin_shufflevector(a, b, 0, 2);
+    odds = __builtin_shufflevector(a, b, 1, 3);
+#elif VECTOR_LANES == 8
+    evens = __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+    odds = __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15);
+#else
+    evens = __builtin_shufflevector(a, b, 0, 2, 4, 6);
+    odds = __builtin_shufflevector(a, b, 1, 3, 5, 7);
+#endif
+}
