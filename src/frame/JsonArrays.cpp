@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <iterator>
+#include <sstream>
 #include <typeinfo>
 
 namespace dspwavedecks {
@@ -81,6 +82,14 @@ void JsonArrayWriter::finish() {
     while (array.size() > written) {
         array.remove(static_cast<unsigned int>(array.size() - 1));
     }
+}
+
+std::string arrayText(const double* values, std::size_t count) {
+    Poco::JSON::Array array;
+    JsonArrayWriter(array).append(values, count);
+    std::ostringstream text;
+    array.stringify(text, 0, -1);
+    return text.str();
 }
 
 Poco::JSON::Array::Ptr JsonArrayPool::take(std::size_t length) {

@@ -3,6 +3,7 @@
 #include <Poco/JSON/Array.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 /// Arrays of numbers for the client message, built fast. Poco keeps every number of an array in a cell of its own on
@@ -43,6 +44,10 @@ private:
 
 extern template void JsonArrayWriter::appendFinite(const double*, std::size_t, int, std::vector<int>&);
 extern template void JsonArrayWriter::appendFinite(const double*, std::size_t, double, std::vector<int>&);
+
+/// The numbers as the compact text of an array, for members of a message that carry arrays inside a string; NaN and
+/// infinities as "nan" and "inf".
+std::string arrayText(const double* values, std::size_t count);
 
 /// Arrays that are handed out again once the messages that held them are gone.
 class JsonArrayPool {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <sstream>
 #include <utility>
 
 #include "Board.h"
@@ -48,12 +47,7 @@ int DataStrategy::subplotOf(int channel, int channels, bool magPhase) {
 }
 
 std::string DataStrategy::limitsText(const Limits& limits) {
-    Poco::JSON::Array pair;
-    pair.add(limits[0]);
-    pair.add(limits[1]);
-    std::ostringstream text;
-    pair.stringify(text, 0, -1);
-    return text.str();
+    return arrayText(limits.data(), limits.size());
 }
 
 bool DataStrategy::isStageActive(const std::string& name) const {

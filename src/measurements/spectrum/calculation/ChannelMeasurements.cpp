@@ -25,7 +25,9 @@ double toLevel(double power) {
 
 const channelMeasurementsStruct& ChannelMeasurements::computeChannelMeasurements(
     const double* freq, const double* spectrum, const std::vector<unsigned long>& range) {
-    const std::size_t n = range[1] > range[0] ? range[1] - range[0] : 0;
+    // Powers in a bandwidth that is no number tell no density.
+    const bool hasDensity = spectrumType != SpectrumType::power || std::isfinite(rbw);
+    const std::size_t n = hasDensity && range[1] > range[0] ? range[1] - range[0] : 0;
     frequencies.assign(freq, freq + n);
     if (frequencyOffset != 0.0) {
         for (double& frequency : frequencies) {

@@ -70,6 +70,11 @@ void SpectralMaskTester::setup(const double* freq, const int& newNumSignals, con
     locked = numPoints > 0;
 }
 
+bool SpectralMaskTester::isSetUpFor(const int& otherNumSignals, const std::vector<int>& otherNumChannels,
+                                    const std::vector<int>& otherIsComplex) const {
+    return locked && numSignals == otherNumSignals && numChannels == otherNumChannels && isComplex == otherIsComplex;
+}
+
 void SpectralMaskTester::interpolateMasks(const double* freq, std::size_t numPoints, std::size_t channel) {
     std::vector<double>& grid = frequencies[channel];
     grid.assign(freq, freq + numPoints);

@@ -54,6 +54,10 @@ public:
     void setup(const double* freq, const int& numSignals, const unsigned long& numPoints,
                const std::vector<int>& numChannels, const std::vector<int>& isComplex);
 
+    /// Whether the lines stand for such channels.
+    bool isSetUpFor(const int& numSignals, const std::vector<int>& numChannels,
+                    const std::vector<int>& isComplex) const;
+
     /// Tests one signal; the counts move on with the last one.
     /// data       [(1 + channels) * numPoints] a frame: the grid in Hz, then the channels
     /// isNewTest  false: the frame is one that was seen before, its test takes the place of the last one

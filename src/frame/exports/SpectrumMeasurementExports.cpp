@@ -1,0 +1,27 @@
+// Measurements on spectra.
+#include "ChannelMeasurementsFilter.h"
+#include "DistortionMeasurementsFilter.h"
+#include "Export.h"
+#include "FrequencyPeakFinderFilter.h"
+#include "PeakFinderFilter.h"
+#include "PhaseNoiseFilter.h"
+#include "SpectralMaskTesterFilter.h"
+#include "SpectrumMeasurementQueries.h"
+
+DSPWAVEDECKS_EXPORT_FILTER(peak_finder_filter, PeakFinderFilter)
+DSPWAVEDECKS_EXPORT_FILTER(frequency_peak_finder_filter, FrequencyPeakFinderFilter)
+DSPWAVEDECKS_EXPORT_FILTER(channel_measurements_filter, ChannelMeasurementsFilter)
+DSPWAVEDECKS_EXPORT_FILTER(distortion_measurements_filter, DistortionMeasurementsFilter)
+DSPWAVEDECKS_EXPORT_FILTER(phase_noise_filter, PhaseNoiseFilter)
+DSPWAVEDECKS_EXPORT_FILTER(spectral_mask_tester_filter, SpectralMaskTesterFilter)
+
+DSPWAVEDECKS_EXPORT_QUERY(getPeakFinderDataImpl, dspwavedecks::answerPeaks)
+DSPWAVEDECKS_EXPORT_QUERY(isNewPeakFinderDataReadyImpl, dspwavedecks::answerNewPeaks)
+DSPWAVEDECKS_EXPORT_QUERY(getChannelMeasurementsDataImpl, dspwavedecks::answerChannelMeasurements)
+DSPWAVEDECKS_EXPORT_QUERY(isNewChannelMeasurementsDataReadyImpl, dspwavedecks::answerNewChannelMeasurements)
+DSPWAVEDECKS_EXPORT_QUERY(getDistortionMeasurementsDataImpl, dspwavedecks::answerDistortionMeasurements)
+DSPWAVEDECKS_EXPORT_QUERY(isNewDistortionMeasurementsDataReadyImpl, dspwavedecks::answerNewDistortionMeasurements)
+DSPWAVEDECKS_EXPORT_QUERY(getPhaseNoiseDataImpl, dspwavedecks::answerPhaseNoise)
+DSPWAVEDECKS_EXPORT_QUERY(isNewPhaseNoiseDataReadyImpl, dspwavedecks::answerNewPhaseNoise)
+DSPWAVEDECKS_EXPORT_QUERY(getSpectralMaskStatusImpl, dspwavedecks::answerSpectralMask)
+DSPWAVEDECKS_EXPORT_QUERY(isNewSpectralMaskTesterDataReadyImpl, dspwavedecks::answerNewSpectralMask)
