@@ -41,7 +41,7 @@ int execute(const program::PlayCommand& command) {
     }
     const auto text = command.report == "json" ? program::reportAsJson(report) : program::reportAsText(report);
     std::fputs(text.c_str(), command.messages == "-" ? stderr : stdout);
-    return done;
+    return session.limitFailed() ? limitFailed : done;
 }
 
 }  // namespace

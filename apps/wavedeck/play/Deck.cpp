@@ -22,6 +22,12 @@ constexpr std::string_view timeStages[] = {
     "trigger_filter",
 };
 
+constexpr std::string_view spectrumStages[] = {
+    "simulation_meta_data_filter", "spectrum_estimator_filter",      "frequency_peak_finder_filter",
+    "channel_measurements_filter", "distortion_measurements_filter", "phase_noise_filter",
+    "spectral_mask_tester_filter",
+};
+
 constexpr std::string_view frameStages[] = {
     "simulation_meta_data_filter",
     "magnitude_phase_filter",
@@ -29,8 +35,9 @@ constexpr std::string_view frameStages[] = {
     "peak_finder_filter",
 };
 
-constexpr std::array<Deck, 2> decks{{
+constexpr std::array<Deck, 3> decks{{
     {"time", ChainKind::Time, timeStages, "dsp_wavedeck_time_data_strategy"},
+    {"spectrum", ChainKind::Spectrum, spectrumStages, "dsp_wavedeck_frequency_data_strategy"},
     {"frame", ChainKind::Frame, frameStages, "dsp_wavedeck_frame_data_strategy"},
 }};
 

@@ -1,8 +1,9 @@
 #include "DeckSession.h"
 
-#include <boost/any.hpp>
-
+#include "BoardRecord.h"
+#include "MeasurementReports.h"
 #include "Measures.h"
+#include "spectralMaskStruct.h"
 
 namespace program {
 namespace {
@@ -18,8 +19,7 @@ wavedeck::driver::ClientFacts clientFacts(const Deck& deck, const SessionFacts& 
 }
 
 std::uint64_t readCounter(const wavedeck::WaveDeckClientSettings& board, const char* key) {
-    const auto* entry = board.find(key);
-    const auto* count = entry == nullptr ? nullptr : boost::any_cast<unsigned long>(entry);
+    const auto* count = findRecord<unsigned long>(board, key);
     return count == nullptr ? 0 : *count;
 }
 
@@ -38,19 +38,33 @@ DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionF
 }
 
 ReportSection DeckSession::report() {
-    ReportSection section{"", "deck " + std::string(deck_.name), {}, {}, {}};
+    ReportSection section{"", "deck " + std::string(deck_.name)};
     section.add({"deck", "deck", std::string(deck_.name)});
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         const auto& board = info.getClientSettings();
         section.add({"frames", "frames", readCounter(board, "framesProcessed")});
         section.add({"samples", "samples of all channels", readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
+        if (deck_.kind == wavedeck::driver::ChainKind::Spectrum) {
+            addSpectrumFigures(board, settings_, section);
+        }
         for (const auto* measure : measuresOn(settings_)) {
             section.sections.push_back(measure->report(board, settings_, measure->stage));
         }
     });
-    section.add({"span", "display span", client_.displaySpan(), "s"});
+    if (deck_.kind == wavedeck::driver::ChainKind::Time) {
+        section.add({"span", "display span", client_.displaySpan(), "s"});
+    }
     return section;
+}
+
+bool DeckSession::limitFailed() {
+    bool failed = false;
+    client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
+        const auto* mask = findRecord<dspwavedecks::spectralMaskStruct>(info.getClientSettings(), "spectralMask");
+        failed = mask != nullptr && mask->numPassedTests < mask->numTotalTests;
+    });
+    return failed;
 }
 
 }  // namespace program

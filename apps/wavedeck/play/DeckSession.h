@@ -8,18 +8,12 @@
 
 #include "Deck.h"
 #include "DeckClient.h"
+#include "DeckPresets.h"
 #include "DeckSettings.h"
 #include "Report.h"
 #include "StageLibrary.h"
 
 namespace program {
-
-/// What all decks of a session have in common.
-struct SessionFacts {
-    std::vector<wavedeck::driver::SignalFacts> signals;
-    double updatesPerSecond;
-    std::optional<double> displaySpan;  ///< s
-};
 
 /// One deck at work: its client, the settings of its stages, and what it has to report.
 class DeckSession {
@@ -35,6 +29,9 @@ public:
 
     /// The deck's section of the report.
     ReportSection report();
+
+    /// Whether a spectrum has failed its masks.
+    bool limitFailed();
 
 private:
     const Deck& deck_;

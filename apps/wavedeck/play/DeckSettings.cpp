@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Catalogue.h"
+#include "DeckPresets.h"
 #include "OptionText.h"
 #include "StageNames.h"
 #include "TextLists.h"
@@ -100,6 +101,9 @@ std::string applySetting(const std::string& setting, std::vector<DeckSettings>& 
             stages = {resolveStageName(path.substr(0, dot), stages)};
         }
         std::erase_if(stages, [&](std::string_view stage) { return findOption(stage, name) == nullptr; });
+        if (stages.size() > 1) {
+            std::erase_if(stages, [&](std::string_view stage) { return isLinked(stage, name); });
+        }
         if (stages.empty()) {
             throw UsageError("no such option; `wavedeck options` lists them");
         }

@@ -1,16 +1,46 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "DeckSettings.h"
 #include "Report.h"
 #include "wavedeck/WaveDeckClientSettings.h"
 
-/// Sections of the report on measurements, made from the records that the stages leave on the client's board.
+/// Sections of the report on measurements, made from the records that the stages leave on the client's board. Each
+/// shows what the stage's options ask for; it has no figures when nothing was measured yet.
 namespace program {
 
-/// Statistics of the last frame or of the display span: what the stage's options ask for.
-ReportSection reportStatistics(const wavedeck::WaveDeckClientSettings& board, const DeckSettings& settings,
+using wavedeck::WaveDeckClientSettings;
+
+/// Statistics of the last frame or of the display span.
+ReportSection reportStatistics(const WaveDeckClientSettings& board, const DeckSettings& settings,
                                std::string_view stage);
+
+/// Peaks of the last frame, of the display span, or of the spectrum, the strongest first.
+ReportSection reportPeaks(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
+
+/// Channel power with occupied bandwidth, or adjacent channel power ratios.
+ReportSection reportChannel(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
+
+/// Harmonic distortion figures with the harmonics, or the third-order intercept.
+ReportSection reportDistortion(const WaveDeckClientSettings& board, const DeckSettings& settings,
+                               std::string_view stage);
+
+/// Phase noise at the spot offsets.
+ReportSection reportPhaseNoise(const WaveDeckClientSettings& board, const DeckSettings& settings,
+                               std::string_view stage);
+
+/// Standing of the mask test.
+ReportSection reportMask(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
+
+/// Figures of the spectrum itself: span, resolution, window, averages, noise floor.
+void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings& settings, ReportSection& section);
+
+/// Which signal and channel a stage measures, counted from 0 as the options do.
+ReportValue measuredChannel(const DeckSettings& settings, std::string_view stage);
+
+/// The unit of a spectrum's levels, from the word of the option "spectrumUnits": "dbm" is "dBm".
+std::string spectrumUnit(std::string_view word);
 
 }  // namespace program

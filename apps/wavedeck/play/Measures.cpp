@@ -10,10 +10,33 @@
 namespace program {
 namespace {
 
-constexpr std::array<Measure, 2> measures{{
-    {"stats", "time_signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
-    {"stats", "signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
-}};
+constexpr std::array measures{
+    Measure{"stats", "time_signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
+    Measure{"stats", "signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
+    Measure{"peaks", "time_peak_finder_filter", "peakFinderEnabled", reportPeaks},
+    Measure{"peaks", "peak_finder_filter", "peakFinderEnabled", reportPeaks},
+    Measure{"peaks", "frequency_peak_finder_filter", "peakFinderEnabled", reportPeaks},
+    Measure{"channel", "channel_measurements_filter", "channelMeasurementsEnabled", reportChannel},
+    Measure{"distortion", "distortion_measurements_filter", "distortionMeasurementsEnabled", reportDistortion},
+    Measure{"phasenoise", "phase_noise_filter", "phaseNoiseEnabled", reportPhaseNoise},
+    Measure{"mask", "spectral_mask_tester_filter", "spectralMaskEnabled", reportMask},
+};
+
+/// Switches a measurement on in the decks that have it; tells whether there is one.
+bool switchOn(const Measure& measure, std::vector<DeckSettings>& decks) {
+    bool switched = false;
+    for (auto& deck : decks) {
+        if (!deck.has(measure.stage, measure.enabled)) {
+            continue;
+        }
+        deck.preset(measure.stage, measure.enabled, "true");
+        for (const auto& [option, text] : measure.presets) {
+            deck.preset(measure.stage, option, std::string(text));
+        }
+        switched = true;
+    }
+    return switched;
+}
 
 }  // namespace
 
@@ -22,25 +45,31 @@ void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks
         return;
     }
     for (const auto& name : split(names, ',')) {
-        bool known = false;
+        std::vector<std::string_view> known;
+        bool found = false;
         bool switched = false;
         for (const auto& measure : measures) {
-            if (measure.name != name) {
-                continue;
+            if (std::find(known.begin(), known.end(), measure.name) == known.end()) {
+                known.push_back(measure.name);
             }
-            known = true;
-            for (auto& deck : decks) {
-                if (deck.has(measure.stage, measure.enabled)) {
-                    deck.preset(measure.stage, measure.enabled, "true");
-                    switched = true;
-                }
+            if (measure.name == name) {
+                found = true;
+                switched = switchOn(measure, decks) || switched;
             }
         }
-        if (!known) {
-            throw UsageError("--measure: `" + name + "` is none of stats");
+        if (!found) {
+            throw UsageError("--measure: `" + name + "` is none of " + join(known, " "));
         }
         if (!switched) {
             throw UsageError("--measure: none of the chosen decks measures " + name);
+        }
+    }
+}
+
+void switchUsualMeasuresOn(std::vector<DeckSettings>& decks) {
+    for (const auto& measure : measures) {
+        if (measure.name == "stats" || measure.stage == "frequency_peak_finder_filter") {
+            switchOn(measure, decks);
         }
     }
 }

@@ -48,9 +48,13 @@ void PlaySession::openInputs(const PlayCommand& command) {
 }
 
 SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
-    SessionFacts session{{}, readPositiveNumber("--updates", command.updates), std::nullopt};
+    SessionFacts session;
+    session.updatesPerSecond = readPositiveNumber("--updates", command.updates);
     if (!command.spanTime.empty()) {
         session.displaySpan = readPositiveNumber("--span-time", command.spanTime);
+    }
+    if (!command.inputOptions.scale.empty()) {
+        session.fullScale = readPositiveNumber("--scale", command.inputOptions.scale);
     }
     const double firstRate = inputs_.front()->facts().sampleRate;
     for (const auto& input : inputs_) {
@@ -77,21 +81,32 @@ void PlaySession::makeDecks(const PlayCommand& command) {
         }
         decks.push_back(&findDeck(name));
     }
+    auto settings = settingsOf(decks, command, library);
+    for (std::size_t i = 0; i < decks.size(); ++i) {
+        applyPresets(*decks[i], session, settings[i]);
+        decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
+    }
+}
+
+std::vector<DeckSettings> PlaySession::settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command,
+                                                  const wavedeck::driver::StageLibrary& library) {
     std::vector<DeckSettings> settings;
     for (const auto* deck : decks) {
         std::vector<std::string_view> stages(deck->stages.begin(), deck->stages.end());
         std::erase_if(stages, [&](std::string_view stage) { return !library.offers(std::string(stage)); });
         settings.emplace_back(std::move(stages));
     }
-    switchMeasuresOn(command.measure.value_or("stats"), settings);
+    if (command.measure) {
+        switchMeasuresOn(*command.measure, settings);
+    } else {
+        switchUsualMeasuresOn(settings);
+    }
     for (const auto& setting : command.settings) {
         if (const auto warning = applySetting(setting, settings); !warning.empty()) {
             warnings_.push_back(warning);
         }
     }
-    for (std::size_t i = 0; i < decks.size(); ++i) {
-        decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
-    }
+    return settings;
 }
 
 void PlaySession::play() {
@@ -160,6 +175,10 @@ std::optional<double> PlaySession::duration() const {
         longest = std::max(longest, static_cast<double>(*input->facts().length) / input->facts().sampleRate);
     }
     return longest;
+}
+
+bool PlaySession::limitFailed() {
+    return std::any_of(decks_.begin(), decks_.end(), [](const auto& deck) { return deck->limitFailed(); });
 }
 
 Report PlaySession::report() {

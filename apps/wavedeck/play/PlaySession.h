@@ -30,10 +30,15 @@ public:
     /// What was measured so far.
     Report report();
 
+    /// Whether a spectrum has failed its masks.
+    bool limitFailed();
+
 private:
     void openInputs(const PlayCommand& command);
     void makeDecks(const PlayCommand& command);
     SessionFacts sessionFacts(const PlayCommand& command) const;
+    std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command,
+                                         const wavedeck::driver::StageLibrary& library);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
     /// Hands the frame in hand to a deck and sends what is due.

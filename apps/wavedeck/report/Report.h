@@ -32,9 +32,9 @@ struct ReportTable {
 struct ReportSection {
     std::string key;    ///< empty: the part is an element of a list of its parent
     std::string title;  ///< for people
-    std::vector<ReportValue> values;
-    std::vector<ReportTable> tables;
-    std::vector<ReportSection> sections;
+    std::vector<ReportValue> values = {};
+    std::vector<ReportTable> tables = {};
+    std::vector<ReportSection> sections = {};
 
     ReportSection& add(ReportValue value) {
         values.push_back(std::move(value));

@@ -1,33 +1,20 @@
+// Sections of the report on measurements of samples.
+#include "BoardRecord.h"
 #include "MeasurementReports.h"
-
-#include <boost/any.hpp>
-
 #include "signalStatsStruct.h"
 
 namespace program {
-namespace {
 
-/// The record under a key of the board; null when there is none of that type.
-template <typename Record>
-const Record* findRecord(const wavedeck::WaveDeckClientSettings& board, const char* key) {
-    const auto* entry = board.find(key);
-    return entry == nullptr ? nullptr : boost::any_cast<Record>(entry);
-}
-
-/// Which signal and channel a stage measures, as a person counts them: from 0, as the options do.
 ReportValue measuredChannel(const DeckSettings& settings, std::string_view stage) {
-    return {"channel", "measured",
+    return {"measured", "measured",
             "signal " + settings.value(stage, "measurementSignal") + ", channel " +
                 settings.value(stage, "measurementChannel")};
 }
 
-}  // namespace
-
-ReportSection reportStatistics(const wavedeck::WaveDeckClientSettings& board, const DeckSettings& settings,
+ReportSection reportStatistics(const WaveDeckClientSettings& board, const DeckSettings& settings,
                                std::string_view stage) {
     const bool overSpan = stage != "signal_statistics_filter";
-    ReportSection section{
-        "stats", overSpan ? "statistics of the display span" : "statistics of the last frame", {}, {}, {}};
+    ReportSection section{"stats", overSpan ? "statistics of the display span" : "statistics of the last frame"};
     const auto* stats = findRecord<dspwavedecks::signalStatsStruct>(board, "signalStats");
     if (stats == nullptr) {
         return section;
