@@ -39,6 +39,17 @@ PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtim
 }
 
 void PlaySession::openInputs(const PlayCommand& command) {
+    const auto isRaw = [&](const std::string& input) {
+        return input == "-" || (!command.inputOptions.format.empty() && !input.starts_with("gen:"));
+    };
+    const bool anyRaw = std::any_of(command.inputs.begin(), command.inputs.end(), isRaw);
+    for (const auto& [name, text] :
+         {std::pair("--format", &command.inputOptions.format), std::pair("--rate", &command.inputOptions.rate),
+          std::pair("--channels", &command.inputOptions.channels)}) {
+        if (!anyRaw && !text->empty()) {
+            throw UsageError(std::string(name) + ": goes with raw samples, and no input is raw");
+        }
+    }
     for (const auto& input : command.inputs) {
         inputs_.push_back(openInput(input, command.inputOptions));
     }

@@ -1,0 +1,229 @@
+"""Black-box runs of `wavedeck play`: what it prints, what it writes, and with which status it ends."""
+import array
+import json
+import math
+import os
+import pty
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import wave
+
+PROGRAM = sys.argv.pop(1)
+
+
+def play(*arguments, **options):
+    return subprocess.run([PROGRAM, "play", *arguments], capture_output=True, timeout=60, **options)
+
+
+def report_of(*arguments, **options):
+    run = play(*arguments, "--report", "json", **options)
+    return run, json.loads(run.stdout)
+
+
+def messages_of(path):
+    with open(path, encoding="utf-8") as lines:
+        return [json.loads(line) for line in lines]
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = holder.name
+
+    def path(self, name, content=b""):
+        path = os.path.join(self.folder, name)
+        with open(path, "wb") as file:
+            file.write(content)
+        return path
+
+    def wav(self, name, samples, rate=8000, channels=1):
+        path = os.path.join(self.folder, name)
+        with wave.open(path, "wb") as file:
+            file.setparams((channels, 2, rate, 0, "NONE", ""))
+            file.writeframes(array.array("h", samples).tobytes())
+        return path
+
+
+class BadInput(Folder):
+    def check(self, arguments, expected, status=2, **options):
+        run = play(*arguments, **options)
+        errors = run.stderr.decode()
+        self.assertEqual(run.returncode, status, errors)
+        self.assertEqual(errors.count("\n"), 1, errors)
+        self.assertIn(expected, errors)
+        return run
+
+    def test_unusable_inputs_and_values(self):
+        cut = self.wav("header.wav", [1, 2, 3])
+        os.truncate(cut, 30)
+        tone = "gen:tone?duration=10m"
+        raw = self.path("raw", b"\0" * 8)
+        for arguments, expected in [
+            ([self.folder + "/none.wav"], "none.wav: No such file"),
+            ([self.path("text.wav", b"hello\n")], "text.wav: not a sound file"),
+            ([cut], "header.wav: not a sound file"),
+            ([self.folder], "is a directory"),
+            ([raw, "--format", "f32"], "raw samples need --rate"),
+            (["-", "--rate", "8k"], "raw samples need --format"),
+            ([raw, "--format", "f33", "--rate", "8k"], "--format: `f33` is none of"),
+            (["gen:tune"], "gen:tune: no such test signal"),
+            ([], "INPUT is required"),
+            ([tone, "--deck", "tone"], "--deck: `tone` is none of"),
+            ([tone, "--deck", "time", "--deck", "time"], "given twice"),
+            ([tone, "--measure", "stat"], "--measure: `stat` is none of"),
+            ([tone, "--set", "showMean"], "is not of the form"),
+            ([tone, "--set", "showAverage=true"], "--set showAverage: no such option"),
+            ([tone, "--set", "showMean=yes"], "--set showMean: showMean: `yes` is not true or false"),
+            ([tone, "--set", "measurementChannel=1.5"], "`1.5` is not a whole number"),
+            ([tone, "--set", "xyz.showMean=true"], "no stage `xyz`"),
+            ([tone, "--set", "magnitude.showMean=true"], "no such option"),
+            ([tone, "--deck", "time", "--deck", "frame", "--set", "statistics.showMean=true"], "may be"),
+            ([tone, "--set", "timeRange=1"], "follows from the signals"),
+            ([tone, "--frame", "0"], "--frame: `0` is not a whole number of at least 1"),
+            ([tone, "--updates", "0"], "--updates: 0 is not above 0"),
+            ([tone, "--span-time", "1s"], "--span-time: `1s` is not a number"),
+            ([tone, "--report", "xml"], "--report: `xml` is neither"),
+            ([tone, "--messages", self.folder + "/no/file"], "No such file"),
+            ([tone, "--rate", "8k"], "--rate"),
+            ([tone, "--frobnicate"], "--frobnicate"),
+        ]:
+            with self.subTest(arguments=arguments):
+                self.check(arguments, expected, stdin=subprocess.DEVNULL)
+
+    def test_damaged_ends_are_told_and_the_rest_is_measured(self):
+        cut = self.wav("cut.wav", [100] * 1000)
+        os.truncate(cut, 44 + 2 * 600 + 1)
+        half = self.path("half.raw", struct.pack("<3f", 1, 2, 3) + b"\0\0")
+        for arguments, samples, expected in [
+            ([cut], 600, "cut short"),
+            ([half, "--format", "f32", "--rate", "1k"], 3, "the last 2 bytes"),
+            ([self.wav("none.wav", [])], 0, "holds no samples"),
+        ]:
+            run = self.check([*arguments, "--report", "json"], expected, status=0)
+            report = json.loads(run.stdout)
+            self.assertEqual(report["inputs"][0]["samples"], samples)
+            self.assertIn(expected, report["warnings"][0])
+
+    def test_a_full_disk_leaves_no_half_line(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("no /dev/full")
+        self.check(["gen:tone?duration=1", "--messages", "/dev/full"], "No space left")
+
+
+class Results(Folder):
+    def test_report_names_what_was_played(self):
+        path = self.wav("two.wav", [v for i in range(4000) for v in (i, -i)], channels=2)
+        run, report = report_of(path, "--deck", "time", "--deck", "frame", "--frame", "1000")
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        entry = report["inputs"][0]
+        self.assertEqual(entry["rate"], {"value": 8000.0, "unit": "Hz"})
+        self.assertEqual(entry["duration"], {"value": 0.5, "unit": "s"})
+        self.assertEqual((entry["channels"], entry["samples"], entry["complex"]), (2, 4000, False))
+        self.assertEqual((entry["maximum"], entry["minimum"]), (3999 / 32768, -3999 / 32768))
+        self.assertEqual([deck["deck"] for deck in report["decks"]], ["time", "frame"])
+        frame = report["decks"][1]
+        self.assertEqual((frame["frames"], frame["samples"]), (4, 8000))
+        # The last frame of channel 0 runs from 3000 to 3999.
+        self.assertAlmostEqual(frame["stats"]["mean"], 3499.5 / 32768, delta=1e-15)
+        self.assertEqual((frame["stats"]["maximum"], frame["stats"]["maximumPosition"]), (3999 / 32768, 999))
+
+    def test_settings_reach_their_stages(self):
+        _, report = report_of("gen:tone?duration=0.1&channels=2&amplitude=2", "--deck", "frame", "--set",
+                              "signal_st.showMedian=false", "--set", "showVariance=true", "--set",
+                              "measurementChannel=1")
+        stats = report["decks"][0]["stats"]
+        self.assertNotIn("median", stats)
+        self.assertIn("variance", stats)
+        self.assertEqual(stats["measured"], "signal 0, channel 1")
+
+    def test_messages_hold_every_sample_and_every_gap(self):
+        values = [0.5, math.nan, -2.0, math.inf]
+        raw = self.path("odd.raw", struct.pack("<4d", *values))
+        messages = os.path.join(self.folder, "messages.jsonl")
+        run, report = report_of(raw, "--format", "f64", "--rate", "1k", "--deck", "frame", "--messages", messages)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        self.assertEqual(report["inputs"][0]["notFinite"], 2)
+        [line] = messages_of(messages)
+        self.assertEqual((line["client"], line["event"]), ("frame", "updateDataAsync"))
+        [channel] = line["message"]["signals"][0]["channel"]
+        self.assertEqual((channel["data"], channel["NaNIdx"]), ([0.5, 0, -2.0, 0], [1, 3]))
+        self.assertEqual(channel["sample"], [0, 0.001, 0.002, 0.003])
+
+    def test_updates_follow_stream_time(self):
+        messages = os.path.join(self.folder, "messages.jsonl")
+        for rate, count in (("10", 10), ("20", 20), ("1", 1)):
+            play("gen:tone?duration=1&rate=10k", "--deck", "time", "--frame", "100", "--updates", rate, "--messages",
+                 messages)
+            self.assertEqual(len(messages_of(messages)), count)
+
+    def test_signals_of_several_inputs(self):
+        run, report = report_of("gen:tone?rate=48k&duration=0.5", "gen:noise?rate=44100&duration=1", "--deck", "time")
+        self.assertEqual(run.returncode, 0)
+        self.assertEqual([entry["samples"] for entry in report["inputs"]], [24000, 44100])
+        self.assertEqual(report["decks"][0]["samples"], 24000 + 44100)
+
+    def test_standard_input_and_standard_output(self):
+        samples = struct.pack("<2000h", *range(-1000, 1000))
+        run = play("-", "--format", "s16", "--rate", "2k", "--deck", "time", "--messages", "-", "--report", "json",
+                   input=samples)
+        lines = [json.loads(line) for line in run.stdout.splitlines()]
+        self.assertEqual({line["client"] for line in lines}, {"time"})
+        self.assertEqual(json.loads(run.stderr)["inputs"][0]["samples"], 2000)
+
+    def test_the_same_input_gives_the_same_bytes(self):
+        runs = {play("gen:noise?duration=0.2&seed=7", "--messages", "-", "--deck", "time").stdout for _ in range(2)}
+        self.assertEqual(len(runs), 1)
+
+    def test_real_time_takes_its_time(self):
+        begin = time.monotonic()
+        play("gen:tone?duration=0.3", "--realtime", "--deck", "time")
+        self.assertGreater(time.monotonic() - begin, 0.25)
+
+
+class EarlyEnds(Folder):
+    def test_an_interrupt_reports_what_was_measured(self):
+        messages = os.path.join(self.folder, "messages.jsonl")
+        for source in (["gen:tone?duration=inf"], ["-", "--format", "f32", "--rate", "1k"]):
+            with self.subTest(source=source):
+                run = subprocess.Popen([PROGRAM, "play", *source, "--deck", "time", "--realtime", "--report", "json",
+                                        "--messages", messages], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                       stderr=subprocess.PIPE)
+                time.sleep(0.5)
+                run.send_signal(signal.SIGINT)
+                # Standard input stays open: the wait for samples itself must end.
+                output = run.stdout.read()
+                self.assertEqual((run.wait(10), run.stderr.read()[:8]), (0, b"" if "gen" in source[0] else b"wavedeck"))
+                self.assertEqual(json.loads(output)["ended"], "interrupted")
+                messages_of(messages)
+                for pipe in (run.stdin, run.stdout, run.stderr):
+                    pipe.close()
+
+    def test_a_broken_pipe_ends_cleanly(self):
+        run = subprocess.Popen([PROGRAM, "play", "gen:tone?duration=inf", "--messages", "-", "--report", "json"],
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        json.loads(run.stdout.readline())
+        run.stdout.close()
+        report = json.loads(run.stderr.read())
+        self.assertEqual((run.wait(10), report["ended"]), (0, "nobody reads the messages any more"))
+        run.stderr.close()
+
+    def test_progress_shows_on_a_terminal_alone(self):
+        ours, theirs = pty.openpty()
+        run = subprocess.Popen([PROGRAM, "play", "gen:tone?duration=0.5", "--deck", "time", "--realtime"],
+                               stdout=subprocess.DEVNULL, stderr=theirs)
+        run.wait(10)
+        os.close(theirs)
+        shown = os.read(ours, 65536)
+        os.close(ours)
+        self.assertIn(b"of 500 ms", shown)
+        self.assertTrue(shown.endswith(b"\r\x1b[K"))
+
+
+if __name__ == "__main__":
+    unittest.main()
