@@ -83,7 +83,7 @@ class BadInput(Folder):
             ([tone, "--set", "measurementChannel=1.5"], "`1.5` is not a whole number"),
             ([tone, "--set", "xyz.showMean=true"], "no stage `xyz`"),
             ([tone, "--set", "magnitude.showMean=true"], "no such option"),
-            ([tone, "--deck", "time", "--deck", "frame", "--set", "statistics.showMean=true"], "may be"),
+            ([tone, "--deck", "frame", "--set", "s.showMean=true"], "may be"),
             ([tone, "--set", "timeRange=1"], "follows from the signals"),
             ([tone, "--frame", "0"], "--frame: `0` is not a whole number of at least 1"),
             ([tone, "--updates", "0"], "--updates: 0 is not above 0"),
@@ -123,6 +123,7 @@ class Results(Folder):
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         entry = report["inputs"][0]
         self.assertEqual(entry["rate"], {"value": 8000.0, "unit": "Hz"})
+        self.assertEqual(entry["format"], "WAV (Microsoft), Signed 16 bit PCM")
         self.assertEqual(entry["duration"], {"value": 0.5, "unit": "s"})
         self.assertEqual((entry["channels"], entry["samples"], entry["complex"]), (2, 4000, False))
         self.assertEqual((entry["maximum"], entry["minimum"]), (3999 / 32768, -3999 / 32768))

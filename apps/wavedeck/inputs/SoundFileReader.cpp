@@ -16,10 +16,11 @@
 namespace program {
 namespace {
 
-std::string formatName(int command, int format) {
+/// The name of a container or of a type of sample.
+std::string formatName(int format) {
     SF_FORMAT_INFO info{};
     info.format = format;
-    sf_command(nullptr, command, &info, sizeof info);
+    sf_command(nullptr, SFC_GET_FORMAT_INFO, &info, sizeof info);
     return info.name != nullptr ? info.name : "unknown";
 }
 
@@ -79,8 +80,8 @@ SoundFileReader::SoundFileReader(const std::string& path, double factor) : facto
     }
     const int subtype = info.format & SF_FORMAT_SUBMASK;
     facts_.name = path;
-    facts_.format = formatName(SFC_GET_FORMAT_MAJOR, info.format & SF_FORMAT_TYPEMASK) + ", " +
-                    formatName(SFC_GET_FORMAT_SUBTYPE, subtype);
+    facts_.format = formatName(info.format & SF_FORMAT_TYPEMASK) + ", " +
+                    formatName(subtype);
     facts_.scale = storesFloatingPoint(subtype) ? "values as stored" : "full scale is 1";
     if (factor != 1.0) {
         facts_.scale += ", times " + formatQuantity(factor, "", 15);

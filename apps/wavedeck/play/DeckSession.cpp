@@ -39,7 +39,7 @@ DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionF
 
 ReportSection DeckSession::report() {
     ReportSection section{"", "deck " + std::string(deck_.name)};
-    section.add({"deck", "deck", std::string(deck_.name)});
+    section.add({"deck", "", std::string(deck_.name)});
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         const auto& board = info.getClientSettings();
         section.add({"frames", "frames", readCounter(board, "framesProcessed")});

@@ -29,7 +29,7 @@ void InputSummary::add(std::span<const double> frame, std::size_t samples) {
 
 ReportSection InputSummary::report(const SignalFacts& facts) const {
     ReportSection section{"", "input " + facts.name, {}, {}, {}};
-    section.add({"name", "name", facts.name}).add({"format", "format", facts.format});
+    section.add({"name", "", facts.name}).add({"format", "format", facts.format});
     section.add({"scale", "scale", facts.scale}).add({"rate", "sample rate", facts.sampleRate, "Hz"});
     section.add({"channels", "channels", static_cast<std::uint64_t>(facts.channels)});
     section.add({"complex", "complex", facts.isComplex});

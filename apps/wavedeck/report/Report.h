@@ -10,7 +10,7 @@ namespace program {
 /// One figure: its key for machines, its label and unit for people.
 struct ReportValue {
     std::string key;
-    std::string label;
+    std::string label;  ///< empty: not shown to people, who have it in a title
     std::variant<double, std::uint64_t, bool, std::string> value;
     std::string unit = {};  ///< of a double; empty: a pure number
     std::string note = {};  ///< for people, behind the value

@@ -55,6 +55,9 @@ std::string shown(const ReportSection& section, std::size_t depth) {
     }
     std::string text = indent + section.title + '\n';
     for (const auto& value : section.values) {
+        if (value.label.empty()) {
+            continue;
+        }
         text += indent + "  " + padded(value.label, width) + "  " + shown(value) + '\n';
     }
     for (const auto& table : section.tables) {
