@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "BoardText.h"
+#include "DriverError.h"
 #include "JsonText.h"
 #include "QueryText.h"
 #include "ScriptClient.h"
@@ -63,7 +64,11 @@ ScriptRunner::ScriptRunner(const ScriptValue& script, const wavedeck::driver::St
     script.allowOnly(members);
     const auto& client = script.require("client");
     const auto changes = readClientChanges(client, true);
-    client_ = std::make_unique<DeckClient>(readClientFacts(client, readKind(script, library)));
+    try {
+        client_ = std::make_unique<DeckClient>(readClientFacts(client, readKind(script, library)));
+    } catch (const wavedeck::driver::DriverError& error) {
+        throw UsageError("line " + std::to_string(client.line()) + ": " + error.what());
+    }
     makeChain(script);
     for (const auto& change : changes) {
         change(*client_);
@@ -119,7 +124,7 @@ std::optional<std::string> ScriptRunner::readTarget(const ScriptValue& value) co
 std::function<void(ScriptRunner::Result&)> ScriptRunner::readAction(const ScriptValue& value) {
     static constexpr std::array<std::string_view, 11> verbs{"setup",  "tune",   "send",   "rollback", "reset", "size",
                                                             "client", "replay", "update", "query",    "frame"};
-    static constexpr std::array<std::string_view, 5> others{"options", "show", "repeat", "expect", "note"};
+    static constexpr std::array<std::string_view, 6> others{"options", "show", "repeat", "expect", "tolerance", "note"};
     std::vector<std::string_view> allowed(verbs.begin(), verbs.end());
     allowed.insert(allowed.end(), others.begin(), others.end());
     value.allowOnly(allowed);

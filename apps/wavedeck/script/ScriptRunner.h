@@ -18,7 +18,7 @@ namespace program {
 /// first step runs.
 class ScriptRunner {
 public:
-    /// Throws UsageError "line N: expected ...", and DriverError for client facts that cannot be.
+    /// Throws UsageError "line N: ...".
     ScriptRunner(const ScriptValue& script, const wavedeck::driver::StageLibrary& library);
 
     std::size_t numSteps() const { return steps_.size(); }
