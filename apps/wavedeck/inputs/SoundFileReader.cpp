@@ -80,8 +80,7 @@ SoundFileReader::SoundFileReader(const std::string& path, double factor) : facto
     }
     const int subtype = info.format & SF_FORMAT_SUBMASK;
     facts_.name = path;
-    facts_.format = formatName(info.format & SF_FORMAT_TYPEMASK) + ", " +
-                    formatName(subtype);
+    facts_.format = formatName(info.format & SF_FORMAT_TYPEMASK) + ", " + formatName(subtype);
     facts_.scale = storesFloatingPoint(subtype) ? "values as stored" : "full scale is 1";
     if (factor != 1.0) {
         facts_.scale += ", times " + formatQuantity(factor, "", 15);
