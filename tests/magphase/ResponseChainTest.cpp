@@ -1,0 +1,120 @@
+// The response chain as the host runs it: stages by name from the library, coefficients in, client messages out.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "DeckClient.h"
+#include "StageLibrary.h"
+#include "StrategyTestSupport.h"
+
+namespace {
+
+using testsupport::at;
+using testsupport::ObjectPointer;
+using wavedeck::PropertyList;
+using wavedeck::driver::ChainKind;
+using wavedeck::driver::ClientFacts;
+using wavedeck::driver::DeckClient;
+
+const wavedeck::driver::StageLibrary& library() {
+    static const wavedeck::driver::StageLibrary loaded(STAGE_LIBRARY);
+    return loaded;
+}
+
+ClientFacts responseFacts() {
+    ClientFacts facts;
+    facts.name = "response";
+    facts.kind = ChainKind::Response;
+    facts.signals.resize(1);
+    facts.signals[0].id = "taps";
+    facts.signals[0].frameSize = 2;
+    return facts;
+}
+
+struct ResponseClient {
+    ResponseClient() : deck(responseFacts()) {
+        for (const char* name : {"simulation_meta_data_filter", "digital_filter_frequency_response_filter",
+                                 "magnitude_phase_response_filter"}) {
+            deck.addStage(name, library().makeFilter(name));
+        }
+        const std::string strategy = "magnitude_phase_response_data_strategy";
+        deck.setStrategy(strategy, library().makeStrategy(strategy));
+        deck.setup();
+    }
+
+    /// Signal 0 of the message that the coefficients give.
+    ObjectPointer respond(const std::vector<double>& coefficients) {
+        deck.frame(std::vector<std::vector<double>>{coefficients});
+        return at(deck.updateNow().message, "signals", 0);
+    }
+
+    DeckClient deck;
+};
+
+double valueAt(const ObjectPointer& signal, unsigned channel, const char* key, unsigned point) {
+    return at(signal, "channel", channel)->getArray(key)->getElement<double>(point);
+}
+
+TEST(ResponseChain, TurnsCoefficientsIntoAMessage) {
+    ResponseClient client;
+    const ObjectPointer mean = client.respond({0.5, 0.5});
+    EXPECT_EQ(mean->getValue<int>("numChannels"), 2);
+    EXPECT_EQ(at(mean, "channel", 0)->getArray("data")->size(), 2048U);
+    for (const unsigned point : {0U, 100U, 1000U, 2046U}) {
+        const double f = valueAt(mean, 0, "sample", point);
+        EXPECT_NEAR(f, 22050.0 * point / 2047.0, 1e-9);
+        EXPECT_NEAR(valueAt(mean, 0, "data", point), 20.0 * std::log10(std::cos(std::numbers::pi * f / 44100.0)),
+                    1e-10);
+        EXPECT_NEAR(valueAt(mean, 1, "data", point), -180.0 * f / 44100.0, 1e-10);
+    }
+
+    client.deck.tune("magnitude_phase_response_filter", PropertyList().addChar("magnitudeDisplay", "Magnitude"));
+    client.deck.resizeFrames({3});
+    const ObjectPointer sum = client.respond({1.0, 2.0, 3.0});
+    EXPECT_EQ(at(sum, "channel", 0)->getArray("data")->size(), 2048U);
+    EXPECT_NEAR(valueAt(sum, 0, "data", 0), 6.0, 1e-14);
+    EXPECT_NEAR(valueAt(sum, 0, "data", 2047), 2.0, 1e-14);
+    EXPECT_EQ(sum->getValue<std::string>("dataMax").substr(0, 3), "[6,");
+}
+
+TEST(ResponseChain, KeepsTheLastResponseWhenAFrameHasNone) {
+    ResponseClient client;
+    client.respond({2.0, 2.0});
+    const ObjectPointer kept = client.respond({});
+    EXPECT_NEAR(valueAt(kept, 0, "data", 0), 20.0 * std::log10(4.0), 1e-12);
+}
+
+/// A person who changes everything while coefficients come in; the sanitizers look on.
+TEST(ResponseChain, SurvivesRandomUse) {
+    std::mt19937 engine(7);
+    const auto upTo = [&](int largest) { return std::uniform_int_distribution<int>(0, largest)(engine); };
+    const char* const scales[] = {"Magnitude", "Magnitude (dB)", "Magnitude squared", "?"};
+    ResponseClient client;
+    for (int step = 0; step < 60; ++step) {
+        switch (upTo(4)) {
+            case 0:
+                client.deck.tune("magnitude_phase_response_filter",
+                                 PropertyList().addChar("magnitudeDisplay", scales[upTo(3)]));
+                break;
+            case 1:
+                client.deck.resize({upTo(3)}, {upTo(5)});
+                break;
+            case 2:
+                client.deck.setup();
+                break;
+            default: {
+                const int channels = client.deck.facts().signals[0].numChannels;
+                client.deck.frame(std::vector<std::vector<double>>{
+                    std::vector<double>(static_cast<std::size_t>(channels * upTo(4)), 0.25)});
+                EXPECT_TRUE(client.deck.updateNow().message->has("signals"));
+            }
+        }
+    }
+}
+
+}  // namespace
