@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <boost/any.hpp>
 #include <memory>
 #include <string>
@@ -48,6 +49,21 @@ template <class Value>
 Value read(const Settings& settings, const std::string& key, Value otherwise = Value{}) {
     const Value* const stored = find<Value>(settings, key);
     return stored != nullptr ? *stored : std::move(otherwise);
+}
+
+/// The stored number, for readers on threads that nothing keeps apart from its writer; `otherwise` if there is none.
+template <class Word>
+Word readShared(Settings& settings, const std::string& key, Word otherwise = Word{}) {
+    Word* const stored = find<Word>(settings, key);
+    return stored != nullptr ? std::atomic_ref<Word>(*stored).load(std::memory_order_relaxed) : otherwise;
+}
+
+/// Assigns a number for such readers.
+template <class Word>
+void writeShared(Settings& settings, const std::string& key, Word value) {
+    if (Word* const stored = find<Word>(settings, key)) {
+        std::atomic_ref<Word>(*stored).store(value, std::memory_order_relaxed);
+    }
 }
 
 /// Assigns inside the stored value; does nothing if there is none of this type.

@@ -14,7 +14,8 @@
 ///     readOptions(list,                                                        //
 ///                 required<catalogue::base::clientID>(clientID),               // into a variable
 ///                 ifPresent<options::showMax>(statistics, &SignalStatistics::setComputeMax),
-///                 ifPresent<options::window>([&](const std::string& word) { ... }));
+///                 ifPresent<options::window>(estimator, &SpectrumEstimator::setWindow, getWindowEnum),
+///                 ifPresent<options::customSpan>([&](double seconds) { ... }));
 namespace dspwavedecks {
 
 namespace detail {
@@ -97,6 +98,11 @@ auto ifPresent(Target&& target) {
 template <const catalogue::Option& option, class Object, class Setter>
 auto ifPresent(Object& object, Setter setter) {
     return ifPresent<option>(detail::setterOf(object, setter));
+}
+/// The same for a setter that takes what `conversion` makes of the value: a number for a word, say.
+template <const catalogue::Option& option, class Object, class Setter, class Conversion>
+auto ifPresent(Object& object, Setter setter, Conversion conversion) {
+    return ifPresent<option>([&object, setter, conversion](const auto& value) { (object.*setter)(conversion(value)); });
 }
 
 /// A row for an option without which the list is refused.

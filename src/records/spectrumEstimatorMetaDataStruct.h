@@ -5,9 +5,8 @@
 
 namespace dspwavedecks {
 
-/// What a spectrum estimator works with and what its last update gave, as it stands on the settings board.
-/// S is spectrumLength; channels are real counts, a complex signal's pair of columns being one.
-struct spectrumEstimatorMetaDataStruct {
+/// The single figures of a spectrum estimator's record.
+struct spectrumEstimatorFigures {
     std::uint64_t segmentLength = 0;          ///< samples of one segment, after zoom decimation
     std::uint64_t fftLength = 0;              ///< points of one transform
     std::uint64_t spectrumLength = 0;         ///< S, points of one channel's spectrum
@@ -43,6 +42,13 @@ struct spectrumEstimatorMetaDataStruct {
     bool resetSignalBuffers = false;              ///< what a consumer holds of earlier updates no longer fits
     bool dataHasNaNs = false;                     ///< a NaN or an infinity came in since the last reset
     bool useNaNsInCalculatingAverages = false;
+
+    bool operator==(const spectrumEstimatorFigures&) const = default;
+};
+
+/// What a spectrum estimator works with and what its last update gave, as it stands on the settings board.
+/// S is spectrumLength; channels are real counts, a complex signal's pair of columns being one.
+struct spectrumEstimatorMetaDataStruct : spectrumEstimatorFigures {
     std::vector<double> maxHoldTrace;     ///< [all channels * S] display units; -infinity where nothing came yet
     std::vector<double> minHoldTrace;     ///< [all channels * S] display units; +infinity where nothing came yet
     std::vector<double> frequencyVector;  ///< [S] Hz

@@ -42,7 +42,7 @@ void BFSimulationPacerFilter::filterImpl(const double*, std::vector<double>&, in
     if (storedRate == nullptr || !isLastSignal(signal)) {
         return;
     }
-    const double dataTime = board::read<double>(settings, SimulationMetaDataFilter::simTime);
+    const double dataTime = board::readShared<double>(settings, SimulationMetaDataFilter::simTime);
     const double rate = dataTime != 0.0 ? (client->getSimulationTime() - dataTime) / dataTime * 100.0 : 0.0;
     const double previousRate = *storedRate;
     client->setContinueProcessing(!(previousRate > simDriftRateThreshold));  // goes on with a NaN, too

@@ -79,10 +79,10 @@ void SimulationMetaDataFilter::filterImpl(const double* data, std::vector<double
 
 void SimulationMetaDataFilter::publish() {
     auto& settings = getBoard();
-    board::write(settings, framesProcessed, framesProcessed_);
-    board::write(settings, samplesProcessed, samplesProcessed_);
+    board::writeShared(settings, framesProcessed, framesProcessed_);
+    board::writeShared(settings, samplesProcessed, samplesProcessed_);
     if (!signalTime.empty()) {
-        board::write(settings, simTime, *std::max_element(signalTime.begin(), signalTime.end()));
+        board::writeShared(settings, simTime, *std::max_element(signalTime.begin(), signalTime.end()));
     }
 }
 
@@ -98,11 +98,11 @@ void SimulationMetaDataFilter::computeSimMetaDataImpl(const double*, int signal)
 }
 
 Poco::SharedPtr<Poco::JSON::Object> SimulationMetaDataFilter::packageImpl(const std::string& clientID) {
-    const auto& settings = findBoard(clientID);
+    auto& settings = findBoard(clientID);
     Poco::SharedPtr<Poco::JSON::Object> package = new Poco::JSON::Object;
-    package->set(framesProcessed, board::read<unsigned long>(settings, framesProcessed));
-    package->set(samplesProcessed, board::read<unsigned long>(settings, samplesProcessed));
-    package->set(simTime, board::read<double>(settings, simTime));
+    package->set(framesProcessed, board::readShared<unsigned long>(settings, framesProcessed));
+    package->set(samplesProcessed, board::readShared<unsigned long>(settings, samplesProcessed));
+    package->set(simTime, board::readShared<double>(settings, simTime));
     if (const auto* const rate = board::find<double>(settings, BFSimulationPacerFilter::simDriftRate)) {
         package->set(BFSimulationPacerFilter::simDriftRate, *rate);
     }

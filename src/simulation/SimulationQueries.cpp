@@ -7,17 +7,17 @@
 namespace dspwavedecks {
 
 void answerSimulationTime(nbArray** plhs, const nbArray** prhs) {
-    const auto& settings = findBoard(queriedClient(prhs));
-    plhs[0] = nbCreateDoubleScalar(board::read<double>(settings, SimulationMetaDataFilter::simTime));
+    auto& settings = findBoard(queriedClient(prhs));
+    plhs[0] = nbCreateDoubleScalar(board::readShared<double>(settings, SimulationMetaDataFilter::simTime));
 }
 
 void answerSimulationMetaData(nbArray** plhs, const nbArray** prhs) {
-    const auto& settings = findBoard(queriedClient(prhs));
+    auto& settings = findBoard(queriedClient(prhs));
     const auto count = [&settings](const std::string& key) {
-        return static_cast<double>(board::read<unsigned long>(settings, key));
+        return static_cast<double>(board::readShared<unsigned long>(settings, key));
     };
     QueryStructure structure({"SimulationTime", "SamplesProcessed", "FramesProcessed"});
-    structure.setDouble("SimulationTime", board::read<double>(settings, SimulationMetaDataFilter::simTime));
+    structure.setDouble("SimulationTime", board::readShared<double>(settings, SimulationMetaDataFilter::simTime));
     structure.setDouble("SamplesProcessed", count(SimulationMetaDataFilter::samplesProcessed));
     structure.setDouble("FramesProcessed", count(SimulationMetaDataFilter::framesProcessed));
     plhs[0] = structure.release();

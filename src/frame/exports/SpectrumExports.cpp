@@ -1,0 +1,15 @@
+// Spectra and spectrograms.
+#include "Export.h"
+#include "SpectrumEstimatorFilter.h"
+#include "SpectrumQueries.h"
+#include "SpectrumThinnerFilter.h"
+
+DSPWAVEDECKS_EXPORT_FILTER(spectrum_estimator_filter, SpectrumEstimatorFilter)
+DSPWAVEDECKS_EXPORT_FILTER(spectrum_thinner_filter, SpectrumThinnerFilter)
+
+DSPWAVEDECKS_EXPORT_QUERY(getSpectrumDataImpl, dspwavedecks::answerSpectrumData)
+DSPWAVEDECKS_EXPORT_QUERY(isNewDataReadyImpl, dspwavedecks::answerIsNewSpectrumReady)
+DSPWAVEDECKS_EXPORT_QUERY(isNewDataAvailableImpl, dspwavedecks::answerIsSpectrumAvailable)
+DSPWAVEDECKS_EXPORT_QUERY(getNumSamplesProcessedImpl, dspwavedecks::answerNumSamplesProcessed)
+DSPWAVEDECKS_EXPORT_QUERY(resetCachedNumSamplesProcessedImpl, dspwavedecks::answerResetCachedNumSamplesProcessed)
+DSPWAVEDECKS_EXPORT_QUERY(getNumUpdatesProcessedImpl, dspwavedecks::answerNumUpdatesProcessed)
