@@ -172,15 +172,16 @@ TEST(BlockflowSimulation, PausesAndIsHeldWhileTheDisplayHasSomethingLeftToShow) 
     EXPECT_EQ(rig.simulation.step(), StepResult::Held);
 }
 
-TEST(BlockflowSimulation, AFastRestartBeginsAgainWithoutASetup) {
+TEST(BlockflowSimulation, AFastRestartResetsTheStagesAndSetsThemUpOnceMore) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.5, 2)}));
     for (int i = 0; i < 3; ++i) {
         rig.simulation.step();
         rig.simulation.deliver();
     }
     rig.log->clear();
-    rig.simulation.fastRestart();
-    EXPECT_EQ(*rig.log, (CallLog{"bf_simulation_meta_data_filter reset", "tap reset"}));
+    rig.simulation.restart(true);
+    EXPECT_EQ(*rig.log, (CallLog{"bf_simulation_meta_data_filter reset", "tap reset",
+                                 "bf_simulation_meta_data_filter setup", "tap setup"}));
     rig.client.withInfo([](const WaveDeckClientInfo& info) { EXPECT_TRUE(info.isOrWasFastRestartActive()); });
     rig.simulation.step();
     rig.simulation.deliver();

@@ -88,7 +88,7 @@ TEST(Display, HistoryHoldsTwiceTheSpanAndAFrameOrWhatAMessageShows) {
     }
 }
 
-TEST(Display, HistoryIsDroppedWhenAChannelCountChanges) {
+TEST(Display, HistoryIsDroppedWhenTheChannelsChange) {
     DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 2)}));
     const auto stage = rig.add("magnitude_phase_filter", [](const auto& data, auto& out, int) {
         out = data;
@@ -111,6 +111,13 @@ TEST(Display, HistoryIsDroppedWhenAChannelCountChanges) {
     rig.client.update();
     EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{2, 3, 3, 4, 0, 180}));
     EXPECT_EQ(rig.strategy->numChannels[0], 2);
+    // Marks alone change what the channels mean, as for a complex signal.
+    rig.client.withInfo([](WaveDeckClientInfo& info) {
+        info.getClientSettings().addCustomSetting("magPhaseData", std::vector<bool>{true});
+    });
+    rig.client.reset();
+    rig.client.updateNow();
+    EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
 }
 
 TEST(Display, AFrameStandsAgainstItsOwnSamples) {

@@ -159,7 +159,7 @@ private:
                 simulation_->stepBack();
                 return;
             case 1:
-                return pick(5) == 0 ? simulation_->fastRestart() : simulation_->resume();
+                return pick(5) == 0 ? simulation_->restart(true) : simulation_->resume();
             case 2:
                 return simulation_->pause();
             case 3:

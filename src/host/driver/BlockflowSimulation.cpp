@@ -170,18 +170,19 @@ void BlockflowSimulation::resume() {
     }
 }
 
-void BlockflowSimulation::fastRestart() {
+void BlockflowSimulation::restart(bool fast) {
     input_.restart();
     steps_.clear();
     firstKept_ = 0;
     stepped_ = 0;
     delivered_ = 0;
-    client_.withInfo([](WaveDeckClientInfo& info) {
-        info.setFastRestart(true);
+    client_.withInfo([fast](WaveDeckClientInfo& info) {
+        info.setFastRestart(fast);
         info.setContinueProcessing(true);
     });
     publish(SimStatus::Running);
     client_.restart();
+    client_.setup();
 }
 
 }  // namespace wavedeck::driver

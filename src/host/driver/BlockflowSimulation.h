@@ -58,9 +58,9 @@ public:
     void pause();
     void resume();
 
-    /// Begins again at the start time without setting the stages up anew: they are reset, and the client reports that a
-    /// fast restart is or was active.
-    void fastRestart();
+    /// Begins again at the start time: stages are reset and set up once more. With a fast restart, for which nothing of
+    /// the simulation is built anew, the client reports that one is or was active.
+    void restart(bool fast);
 
     /// Other frame sizes, one a signal, from the next frame on that is read; the step that is read ahead keeps its
     /// size. The frame period stays, so the sample times change.

@@ -61,7 +61,7 @@ DeckClient::DeckClient(ClientFacts facts) : facts_(std::move(facts)) {
     for (const SignalFacts& signal : facts_.signals) {
         ids_.push_back(signal.id);
     }
-    refreshChannelCounts();
+    refreshForms();
 }
 
 DeckClient::~DeckClient() {
@@ -152,15 +152,17 @@ std::size_t DeckClient::lineLength() {
     return length ? *length : 0;
 }
 
-void DeckClient::refreshChannelCounts() {
+void DeckClient::refreshForms() {
     const std::vector<int>& raw = stream_->numChannels();
     outputChannels_.resize(raw.size());
+    const auto* marks = boost::any_cast<std::vector<bool>>(info_->getClientSettings().find("magPhaseData"));
     const std::lock_guard lock(info_->channelSizeFactorsMutex);
     const std::vector<double>& factors = info_->channelSizeFactors;
     for (std::size_t s = 0; s < raw.size(); ++s) {
         const double factor = s < factors.size() ? factors[s] : 1.0;
         outputChannels_[s] = static_cast<int>(std::lround(raw[s] * factor));
-        display_->setChannels(s, static_cast<std::size_t>(outputChannels_[s]));
+        const bool isMagPhase = marks && s < marks->size() && (*marks)[s];
+        display_->setForm(s, static_cast<std::size_t>(outputChannels_[s]), isMagPhase);
     }
 }
 

@@ -83,7 +83,7 @@ public:
     /// Calls resetImpl of all stages, or of one.
     void reset();
     void reset(const std::string& stage);
-    /// Begins the stream anew without setting stages up: they are reset, and what was stored or displayed is dropped.
+    /// Begins the stream anew: all stages are reset, and what was stored or displayed is dropped. Sets no stage up.
     void restart();
     /// Hands a stage's tuneImpl a list exactly as it stands.
     void sendAsIs(const std::string& stage, const PropertyList& list);
@@ -149,7 +149,7 @@ private:
     void publishAxes();
     ActionContext context() const;
     std::size_t lineLength();
-    void refreshChannelCounts();
+    void refreshForms();
     void setUp(Stage& stage);
     void act(Stage& stage, const PropertyList& list, const Action& action);
     void finishAction(const Stage& stage);

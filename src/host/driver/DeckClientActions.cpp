@@ -24,7 +24,7 @@ void DeckClient::act(Stage& stage, const PropertyList& list, const Action& actio
 }
 
 void DeckClient::finishAction(const Stage& stage) {
-    refreshChannelCounts();
+    refreshForms();
     if (!stage.object->isReadOnly()) {
         display_->dropOutputs();
     }

@@ -24,8 +24,9 @@ public:
 
     virtual void take(std::size_t signal, const DisplayInput& input) = 0;
 
-    /// Tells how many channels a signal has from now on. What was kept of another number is forgotten.
-    virtual void setChannels(std::size_t signal, std::size_t channels) = 0;
+    /// Tells how many channels a signal has from now on, and whether they are magnitude and phase. What was kept in
+    /// another form is forgotten.
+    virtual void setForm(std::size_t signal, std::size_t channels, bool isMagPhase) = 0;
     /// Makes room for so many points of a signal, where samples are kept.
     virtual void reserve(std::size_t signal, std::size_t points);
     /// Forgets the outputs and lines that a replacing stage made; a history of samples stays.

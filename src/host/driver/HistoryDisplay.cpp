@@ -17,7 +17,8 @@ HistoryDisplay::HistoryDisplay(const std::vector<std::size_t>& capacities)
     : Display(capacities.size()),
       capacities_(capacities),
       histories_(capacities.size()),
-      replayed_(capacities.size()) {}
+      replayed_(capacities.size()),
+      isMagPhase_(capacities.size(), false) {}
 
 void HistoryDisplay::reserve(std::size_t signal, std::size_t capacity) {
     capacities_[signal] = std::max(capacities_[signal], capacity);
@@ -41,10 +42,12 @@ void HistoryDisplay::take(std::size_t signal, const DisplayInput& input) {
     history.appendTimed(input.buffer.data(), n);
 }
 
-void HistoryDisplay::setChannels(std::size_t signal, std::size_t channels) {
-    if (histories_[signal].rows() != channels + 1) {
+void HistoryDisplay::setForm(std::size_t signal, std::size_t channels, bool isMagPhase) {
+    // Magnitude and phase of a complex signal have as many channels as its real and imaginary parts.
+    if (histories_[signal].rows() != channels + 1 || isMagPhase_[signal] != isMagPhase) {
         histories_[signal].configure(channels + 1, capacities_[signal]);
         replayed_[signal].clear();
+        isMagPhase_[signal] = isMagPhase;
     }
 }
 

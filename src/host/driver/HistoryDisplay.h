@@ -20,7 +20,7 @@ public:
     explicit HistoryDisplay(const std::vector<std::size_t>& capacities);
 
     void take(std::size_t signal, const DisplayInput& input) override;
-    void setChannels(std::size_t signal, std::size_t channels) override;
+    void setForm(std::size_t signal, std::size_t channels, bool isMagPhase) override;
     void reserve(std::size_t signal, std::size_t points) override;
     void dropOutputs() override {}
     void dropAll() override;
@@ -36,6 +36,7 @@ private:
     // state
     std::vector<SampleHistory> histories_;
     std::vector<std::vector<double>> replayed_;
+    std::vector<bool> isMagPhase_;
     bool showsReplay_ = false;
 };
 

@@ -65,7 +65,7 @@ void LatestDisplay::layOut(const Lines& lines, std::vector<double>& data) {
     }
 }
 
-void LatestDisplay::setChannels(std::size_t signal, std::size_t channels) {
+void LatestDisplay::setForm(std::size_t signal, std::size_t channels, bool) {
     if (channels_[signal] != channels) {
         channels_[signal] = channels;
         data_[signal].clear();

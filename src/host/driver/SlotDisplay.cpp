@@ -43,7 +43,7 @@ void SlotDisplay::take(std::size_t signal, const DisplayInput& input) {
     }
 }
 
-void SlotDisplay::setChannels(std::size_t signal, std::size_t channels) {
+void SlotDisplay::setForm(std::size_t signal, std::size_t channels, bool) {
     Slots& slots = slots_[signal];
     if (slots.rows.size() != channels) {
         slots.rows.resize(channels);

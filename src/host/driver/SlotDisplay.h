@@ -15,7 +15,7 @@ public:
     explicit SlotDisplay(std::size_t numSignals);
 
     void take(std::size_t signal, const DisplayInput& input) override;
-    void setChannels(std::size_t signal, std::size_t channels) override;
+    void setForm(std::size_t signal, std::size_t channels, bool isMagPhase) override;
     void dropOutputs() override;
     void dropAll() override { dropOutputs(); }
     void dropNewerThan(double) override { dropOutputs(); }
