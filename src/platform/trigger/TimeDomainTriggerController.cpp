@@ -257,8 +257,9 @@ void TimeDomainTriggerController::updateQuietRange() {
             quietUntil = std::min(quietUntil, rearmTime() + sampleTimeRange);
         }
     }
-    if (condition.hasNoStretches()) {
+    if (condition.hasNoStretches() && rearmTime() > lastTime) {
         unarmedUntil = std::min(quietUntil, rearmTime());
+        quietUntil = unarmedUntil;  // the fences don't follow what is tracked until then
     }
 }
 

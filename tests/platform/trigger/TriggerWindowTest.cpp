@@ -83,6 +83,47 @@ TEST(TriggerWindowTest, FramesOfAnySizeGiveTheSameWindows) {
     }
 }
 
+// The engine passes over most samples by bounds, and over those in a hold-off by sides alone. Here each sample is
+// looked at: every crossing by its definition, and of these the ones that find the engine armed.
+TEST(TriggerWindowTest, NoEdgeIsMissedAndNoneInvented) {
+    std::mt19937 random(9);
+    std::normal_distribution<double> noise(0.0, 1.0);
+    constexpr double hysteresis = 0.3;
+    for (int run = 0; run < 100; ++run) {
+        const double smoothing = 0.02 * (1 + run % 50);
+        const double timeRange = 0.001 * (1 + run % 37);
+        const double holdoff = run % 3 == 0 ? 0.02 : 0.0;
+        std::vector<Point> samples;
+        double value = 0.0;
+        for (int i = 0; i < 2000; ++i) {
+            value += smoothing * (noise(random) - value);
+            samples.push_back({i / 1000.0, value});
+        }
+        std::vector<double> expected;
+        bool wasLow = false;
+        double armedFrom = 0.0;
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            if (wasLow && samples[i].value >= 0.0) {
+                const Point& a = samples[i - 1];
+                const double time =
+                    a.time + (samples[i].time - a.time) * (0.0 - a.value) / (samples[i].value - a.value);
+                if (time >= armedFrom) {
+                    expected.push_back(time);
+                    armedFrom = std::max(time + timeRange, time + holdoff);
+                }
+            }
+            wasLow = samples[i].value <= -hysteresis || (wasLow && samples[i].value < 0.0);
+        }
+        while (!expected.empty() && expected.back() + timeRange > samples.back().time) {
+            expected.pop_back();  // not complete
+        }
+        Engine engine = risingEdge();
+        engine.setHysteresis(hysteresis);
+        engine.setHoldoff(holdoff);
+        expectNear(startsOf(windowsOf(engine, samples, timeRange, 1 + static_cast<std::size_t>(run))), expected);
+    }
+}
+
 TEST(TriggerWindowTest, OneWindowAtATimeHoldOffAndDelay) {
     struct Row {
         const char* what;
