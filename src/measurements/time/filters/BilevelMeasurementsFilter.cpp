@@ -21,13 +21,8 @@ double BilevelMeasurementsFilter::getTimeRange(const int& signal, const wavedeck
 }
 
 std::vector<unsigned long> BilevelMeasurementsFilter::getDataRange(const int& signal) {
-    const auto& settings = getBoard();
-    const auto* const cache =
-        board::find<MeasurementsDataCache>(settings, MeasurementsDataCacheFilter::measurementsDataCache);
-    if (cache == nullptr) {
-        return {0, 0};
-    }
-    return newestRange(*cache, getTimeRange(signal, settings));
+    auto& settings = getBoard();
+    return newestRange(MeasurementsDataCacheFilter::findCache(settings), getTimeRange(signal, settings));
 }
 
 void BilevelMeasurementsFilter::filterImpl(const double* data, std::vector<double>&, int signal) {
@@ -50,8 +45,7 @@ void BilevelMeasurementsFilter::measureCachedSpan(int signal, EmptySpan emptySpa
         return;
     }
     if (count > 0) {
-        board::find<MeasurementsDataCache>(getBoard(), MeasurementsDataCacheFilter::measurementsDataCache)
-            ->copyTimeAndDataInRange(range, span);
+        MeasurementsDataCacheFilter::findCache(getBoard())->copyTimeAndDataInRange(range, span);
     }
     publish(*measurements->computeBilevelMetrics(span.data(), {count, 2 * count}));
 }

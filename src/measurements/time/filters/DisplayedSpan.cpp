@@ -23,13 +23,13 @@ double displayedTimeRange(BaseFilter& filter, int signal, const wavedeck::WaveDe
     return rules.axesSpanForEmptyFrame && end == start ? axesSpan : end - start;
 }
 
-std::vector<unsigned long> newestRange(const MeasurementsDataCache& cache, double timeRange) {
-    const unsigned long size = cache.size();
-    if (size == 0) {
+std::vector<unsigned long> newestRange(const MeasurementsDataCache* cache, double timeRange) {
+    if (cache == nullptr || cache->size() == 0) {
         return {0, 0};
     }
-    const double cutoff = cache.timeAt(size - 1) - timeRange;
-    const unsigned long start = cutoff > 0.0 ? cache.firstNotBefore(cutoff) : 0;
+    const unsigned long size = cache->size();
+    const double cutoff = cache->timeAt(size - 1) - timeRange;
+    const unsigned long start = cutoff > 0.0 ? cache->firstNotBefore(cutoff) : 0;
     return {start < size ? start : 0, size};
 }
 

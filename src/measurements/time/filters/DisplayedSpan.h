@@ -22,7 +22,7 @@ double displayedTimeRange(BaseFilter& filter, int signal, const wavedeck::WaveDe
                           const DisplayedSpanRules& rules);
 
 /// The newest timeRange seconds of the cache: first index and one past the last. Begins with the first sample that is
-/// not older than that; the whole cache for a span that reaches back to time 0 or before.
-std::vector<unsigned long> newestRange(const MeasurementsDataCache& cache, double timeRange);
+/// not older than that; the whole cache for a span that reaches back to time 0 or before. {0, 0} without a cache.
+std::vector<unsigned long> newestRange(const MeasurementsDataCache* cache, double timeRange);
 
 }  // namespace dspwavedecks

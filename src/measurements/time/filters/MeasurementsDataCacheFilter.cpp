@@ -17,15 +17,15 @@ MeasurementsDataCacheFilter::MeasurementsDataCacheFilter() {
 
 MeasurementsDataCacheFilter::~MeasurementsDataCacheFilter() = default;
 
-MeasurementsDataCache* MeasurementsDataCacheFilter::getCache() const {
-    return board::find<MeasurementsDataCache>(getBoard(), measurementsDataCache);
+MeasurementsDataCache* MeasurementsDataCacheFilter::findCache(wavedeck::WaveDeckClientSettings& settings) {
+    return board::find<MeasurementsDataCache>(settings, measurementsDataCache);
 }
 
 void MeasurementsDataCacheFilter::filterImpl(const double* data, std::vector<double>&, int signal) {
     if (data == nullptr || signal != measurementSignal_ || findClient(clientID)->isDataSourceRepository()) {
         return;
     }
-    MeasurementsDataCache* const cache = getCache();
+    MeasurementsDataCache* const cache = findCache(getBoard());
     if (cache == nullptr || !isRangeInFrame(BaseFilter::getDataRange(signal))) {
         return;
     }
@@ -61,21 +61,21 @@ void MeasurementsDataCacheFilter::setupEvents() {
 }
 
 void MeasurementsDataCacheFilter::reset() {
-    if (MeasurementsDataCache* const cache = getCache()) {
+    if (MeasurementsDataCache* const cache = findCache(getBoard())) {
         cache->reset();
     }
 }
 
 void MeasurementsDataCacheFilter::onRollback(const PropertyList& list) {
     readOptions(list, ifPresent<catalogue::measurementsDataCache::rollbacktime>([this](double rollbackTime) {
-                    if (MeasurementsDataCache* const cache = getCache()) {
+                    if (MeasurementsDataCache* const cache = findCache(getBoard())) {
                         cache->onRollback(rollbackTime, simStartTime);
                     }
                 }));
 }
 
 bool MeasurementsDataCacheFilter::isDataCacheMemoryLimitReached(const std::string& clientID) {
-    const auto* const cache = board::find<MeasurementsDataCache>(findBoard(clientID), measurementsDataCache);
+    const MeasurementsDataCache* const cache = findCache(findBoard(clientID));
     return cache != nullptr && cache->memoryLimitReached;
 }
 

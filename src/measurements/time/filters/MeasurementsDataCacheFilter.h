@@ -32,12 +32,12 @@ public:
     /// Whether the client's cache holds all that it may.
     static bool isDataCacheMemoryLimitReached(const std::string& clientID);
 
+    /// The cache on a board; null before the setup.
+    static MeasurementsDataCache* findCache(wavedeck::WaveDeckClientSettings& settings);
+
     inline static const std::string measurementsDataCache = "measurementsDataCache";
 
 protected:
-    /// The cache on the board; null before the setup.
-    MeasurementsDataCache* getCache() const;
-
     // Derived.
     double simStartTime = 0.0;  ///< s, start of the simulation at the setup
 };

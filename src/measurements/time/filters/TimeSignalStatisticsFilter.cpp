@@ -28,13 +28,8 @@ double TimeSignalStatisticsFilter::getTimeRange(const int& signal, const wavedec
 }
 
 std::vector<unsigned long> TimeSignalStatisticsFilter::getDataRange(const int& signal) {
-    const auto& settings = getBoard();
-    const auto* const cache =
-        board::find<MeasurementsDataCache>(settings, MeasurementsDataCacheFilter::measurementsDataCache);
-    if (cache == nullptr) {
-        return {0, 0};
-    }
-    return newestRange(*cache, getTimeRange(signal, settings));
+    auto& settings = getBoard();
+    return newestRange(MeasurementsDataCacheFilter::findCache(settings), getTimeRange(signal, settings));
 }
 
 void TimeSignalStatisticsFilter::filterImpl(const double* data, std::vector<double>&, int signal) {
@@ -69,8 +64,7 @@ void TimeSignalStatisticsFilter::measureCachedSpan(int signal, SpanInRecord span
     if (range[0] >= range[1]) {
         return;
     }
-    const auto& cache =
-        *board::find<MeasurementsDataCache>(getBoard(), MeasurementsDataCacheFilter::measurementsDataCache);
+    const MeasurementsDataCache& cache = *MeasurementsDataCacheFilter::findCache(getBoard());
     const double offset = findClient(clientID)->getOffset(signal);
     cache.copyDataInRange(range, span);
     signalStatsStruct stats = statistics->computeSignalStatistics(span.data(), {0, span.size()}, MinMaxLastMaximum);

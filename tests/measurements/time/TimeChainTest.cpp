@@ -1,0 +1,254 @@
+// The stages of the time chain under the driver, with the time strategy: one span for picture and figures, and random
+// streams.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <random>
+
+#include "BilevelMeasurementsFilter.h"
+#include "Board.h"
+#include "DeckClient.h"
+#include "MagPhaseFilter.h"
+#include "MeasurementsDataCacheFilter.h"
+#include "SimulationMetaDataFilter.h"
+#include "TimeDataStrategy.h"
+#include "TimePeakFinderFilter.h"
+#include "TimeSignalStatisticsFilter.h"
+#include "TriggerFilter.h"
+
+namespace dspwavedecks {
+namespace {
+
+using wavedeck::PropertyList;
+using wavedeck::driver::ClientFacts;
+using wavedeck::driver::DeckClient;
+
+ClientFacts factsOf(std::vector<wavedeck::driver::SignalFacts> signals, double displaySpan) {
+    ClientFacts facts;
+    facts.name = "time chain";
+    facts.signals = std::move(signals);
+    facts.displaySpan = displaySpan;
+    return facts;
+}
+
+/// A client with the whole time chain.
+struct TimeChain {
+    explicit TimeChain(const ClientFacts& facts) : client(facts) {
+        add<SimulationMetaDataFilter>("simulation_meta_data_filter", {});
+        add<MagPhaseFilter>("magnitude_phase_filter", {});
+        add<MeasurementsDataCacheFilter>("dsp_wavedeck_measurements_data_cache_filter", {});
+        add<TimeSignalStatisticsFilter>("time_signal_statistics_filter",
+                                        PropertyList().addLogical("signalStatisticsEnabled", true));
+        add<TimePeakFinderFilter>("time_peak_finder_filter", PropertyList().addLogical("peakFinderEnabled", true));
+        add<BilevelMeasurementsFilter>("bilevel_measurements_filter",
+                                       PropertyList()
+                                           .addLogical("bilevelMeasurementsEnabled", true)
+                                           .addLogical("showTransitions", true)
+                                           .addLogical("showAberrations", true)
+                                           .addLogical("showCycles", true));
+        add<TriggerFilter>("trigger_filter",
+                           PropertyList().addLogical("triggerEnabled", true).addDouble("hysteresis", 0.2));
+        client.setStrategy("dsp_wavedeck_time_data_strategy", std::make_shared<TimeDataStrategy>());
+        client.setup();
+    }
+    template <class Stage>
+    void add(const std::string& name, const PropertyList& options) {
+        client.addStage(name, std::make_shared<Stage>(), options);
+    }
+    DeckClient client;
+};
+
+double number(const Poco::JSON::Object::Ptr& object, const char* key) {
+    return std::stod(object->getValue<std::string>(key));
+}
+
+// A noisy square wave of 10 Hz that rises in 4 ms, from 0.2 to 1.2: picture, statistics, peaks, pulses and trigger are
+// those of the last second shown.
+TEST(TimeChain, pictureAndFiguresCoverOneSpan) {
+    constexpr double interval = 1e-3;
+    constexpr double offset = 50.0;
+    constexpr double spread = 0.01;
+    ClientFacts facts = factsOf({{"a", 1, false, interval, offset, 97, false}}, 1.0);
+    TimeChain chain(facts);
+    std::mt19937 random(1);
+    std::normal_distribution<double> noise(0.0, spread);
+    long index = 0;
+    int triggered = 0;
+    for (int frame = 0; frame < 80; ++frame) {
+        std::vector<double> samples;
+        for (int i = 0; i < 97; ++i, ++index) {
+            const double phase = static_cast<double>(index % 100) * interval;
+            const double level = std::clamp(std::min(phase, 0.05 - phase) / 4e-3 + 0.5, 0.0, 1.0);
+            samples.push_back(0.2 + (phase < 0.075 ? level : std::clamp((phase - 0.1) / 4e-3 + 0.5, 0.0, 1.0)) +
+                              noise(random));
+        }
+        chain.client.frame({samples});
+        if (!chain.client.updateDue()) {
+            continue;
+        }
+        const auto message = chain.client.updateNow().message;
+        const double last = static_cast<double>(index - 1) * interval;
+        const auto measurements = message->getObject("measurements");
+        const auto isInSpan = [&](double time) { return time >= last - 1.0 - 1e-9 + offset && time <= last + offset; };
+        if (last < 2.0) {
+            continue;  // the span fills
+        }
+        const auto stats = measurements->getObject("stats");
+        EXPECT_NEAR(number(stats, "mean"), 0.7, 0.01);  // ten periods, and one sample of 1000 more
+        EXPECT_TRUE(isInSpan(number(stats, "xMin")) && isInSpan(number(stats, "xMax")));
+        const auto peaks = measurements->getObject("peaks");
+        EXPECT_EQ(peaks->getValue<int>("numPeaks"), 3);
+        EXPECT_TRUE(isInSpan(std::stod(peaks->getValue<std::string>("locations").substr(1))));
+        const auto pulses = measurements->getObject("bilevel");
+        EXPECT_NEAR(number(pulses, "period"), 0.1, 5e-5);  // a crossing errs by noise over slope: 0.04 ms / sqrt(9 / 2)
+        EXPECT_NEAR(number(pulses, "posEdges") + number(pulses, "negEdges"), 20.0, 1.0);
+        EXPECT_NEAR(number(pulses, "posWidth"), 0.05, 1e-4);
+        EXPECT_NEAR(number(pulses, "amplitude"), 1.0, 0.05);
+        EXPECT_FALSE(measurements->has("isMaximumCacheMemoryUsed"));  // the plain cache has no limit to tell
+
+        const auto trigger = measurements->getObject("trigger");
+        if (!trigger->getValue<bool>("triggerFound")) {
+            continue;
+        }
+        ++triggered;
+        EXPECT_NEAR(number(trigger, "endTime") - number(trigger, "startTime"), 1.0, 1e-12);
+        const double position = number(trigger, "position");
+        EXPECT_NEAR(position, std::round(position * 10.0) / 10.0, 3e-4);  // on a rising edge, give or take the noise
+        const auto time =
+            message->getArray("signals")->getObject(0)->getArray("channel")->getObject(0)->getArray("time");
+        ASSERT_NEAR(static_cast<double>(time->size()), 1000.0, 1.0);
+        EXPECT_NEAR(time->getElement<double>(0), number(trigger, "startTime"), interval);
+        EXPECT_LT(time->getElement<double>(static_cast<unsigned>(time->size()) - 1), number(trigger, "endTime"));
+    }
+    EXPECT_GE(triggered, 5);
+}
+
+/// Random calls on a client with the whole chain.
+class RandomStream {
+public:
+    explicit RandomStream(unsigned seed)
+        : random(seed),
+          chain(factsOf({{"a", 2, false, 1e-3, 0.5, 100, false}, {"b", 2, true, 1e-3, 0.0, 50, false}}, 0.3)) {}
+
+    void run(int calls) {
+        for (int i = 0; i < calls; ++i) {
+            call();
+        }
+        chain.client.withInfo([](wavedeck::WaveDeckClientInfo& info) {
+            auto& board = info.getClientSettings();
+            const auto& cache = *MeasurementsDataCacheFilter::findCache(board);
+            EXPECT_LE(cache.size(), 5000u);
+            EXPECT_LE(board::find<TriggerFilter::Queue>(board, TriggerFilter::trigger)->size(), 1000u);
+        });
+    }
+
+private:
+    int pick(int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); }
+
+    double value() {
+        const double odd[] = {std::nan(""), INFINITY, -INFINITY, 0.0, 1e308};
+        return pick(200) == 0                                        ? odd[pick(5)]
+               : std::sin(static_cast<double>(++phase) * 0.05) > 0.0 ? 1.0
+                                                                     : 0.01 * pick(9);
+    }
+
+    void frame(bool replayed) {
+        std::vector<std::vector<double>> signals(2);
+        for (std::size_t signal = 0; signal < 2; ++signal) {
+            const int points = pick(5) == 0 ? pick(300) : chain.client.facts().signals[signal].frameSize;
+            for (int i = 0; i < points * chain.client.facts().signals[signal].numChannels; ++i) {
+                signals[signal].push_back(value());
+            }
+        }
+        if (replayed) {
+            chain.client.replay(signals);
+        } else {
+            chain.client.frame(signals);
+        }
+    }
+
+    void call() {
+        switch (pick(14)) {
+            case 0:
+                chain.client.rollback(
+                    PropertyList().addChar("action", "onRollback").addDouble("rollbacktime", 1e-3 * pick(3000) - 0.1));
+                break;
+            case 1:
+                chain.client.resize({1 + pick(3), 2 + 2 * pick(2)}, {1 + pick(300), 1 + pick(100)});
+                break;
+            case 2:
+                tuneTrigger();
+                break;
+            case 3:
+                tuneMeasurements();
+                break;
+            case 4:
+                pick(8) == 0 ? chain.client.setup() : chain.client.setDisplaySpan(1e-3 * (1 + pick(700)));
+                break;
+            case 5:
+                frame(pick(4) == 0);
+                break;
+            case 6:
+                chain.client.updateNow();
+                break;
+            default:
+                frame(false);
+        }
+    }
+
+    void tuneTrigger() {
+        const char* const modes[] = {"auto", "normal", "once", "off"};
+        const char* const types[] = {"edge", "pulse-width", "transition", "runt", "window", "timeout", "none such"};
+        const char* const polarities[] = {"rising", "falling", "either"};
+        PropertyList list;
+        list.addChar("mode", modes[pick(4)]).addLogical("rearm", pick(2) == 0);
+        list.addChar("type", types[pick(7)]).addChar("polarity", polarities[pick(3)]);
+        list.addChar("maxPulseWidth", pick(2) == 0 ? "inf" : "0.05").addDouble("position", 25.0 * pick(6));
+        list.addLogical("autoLevel", pick(2) == 0).addDouble("level", 0.1 * pick(10)).addDouble("highLevel", 0.9);
+        list.addDouble("timeout", 0.01 * pick(5))
+            .addDouble("delay", 0.01 * (pick(9) - 4))
+            .addDouble("holdoff", 0.1 * pick(2));
+        list.addDouble("triggerChannel", pick(4))
+            .addInt("triggerSignal", pick(2))
+            .addLogical("triggerEnabled", pick(5) != 0);
+        chain.client.tune("trigger_filter", list);
+    }
+
+    void tuneMeasurements() {
+        const int signal = pick(2);
+        const int channel = pick(4);
+        const bool automatic = pick(2) == 0;
+        const double custom = 0.05 * pick(9);
+        for (const char* stage : {"dsp_wavedeck_measurements_data_cache_filter", "time_signal_statistics_filter",
+                                  "time_peak_finder_filter", "bilevel_measurements_filter"}) {
+            PropertyList list;
+            list.addInt("measurementSignal", signal).addInt("measurementChannel", channel);
+            list.addLogical("autoSpan", automatic).addDouble("customSpan", custom);
+            list.addLogical("autoStateLevel", pick(2) == 0).addDouble("settleSeek", 0.01 * pick(9));
+            list.addDouble("midReferenceLevel", 25.0 * pick(7)).addLogical("showMax", pick(2) == 0);
+            chain.client.tune(stage, list);
+        }
+        chain.client.tune("magnitude_phase_filter",
+                          PropertyList().addLogicals("magPhaseData", {pick(3) == 0, pick(3) == 0}));
+    }
+
+    std::mt19937 random;
+    TimeChain chain;
+    long phase = 0;
+};
+
+// WAVEDECK_RANDOM_ROUNDS asks for more than the few rounds of every day.
+TEST(TimeChain, takesRandomStreams) {
+    const char* const wanted = std::getenv("WAVEDECK_RANDOM_ROUNDS");
+    const unsigned rounds = wanted != nullptr ? static_cast<unsigned>(std::stoul(wanted)) : 4;
+    for (unsigned seed = 1; seed <= rounds; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomStream(seed).run(400);
+    }
+}
+
+}  // namespace
+}  // namespace dspwavedecks
