@@ -7,6 +7,7 @@
 #include "Board.h"
 #include "ExtremeScan.h"
 #include "MagPhaseFilter.h"
+#include "PeakFinderFilter.h"
 #include "SignalStatisticsFilter.h"
 #include "SimulationMetaDataFilter.h"
 
@@ -69,6 +70,11 @@ FrameDataStrategy::FrameLayout FrameDataStrategy::findLayout(wavedeck::WaveDeckC
 
 void FrameDataStrategy::attachMeasurements(ObjectPointer& measurements) const {
     attachIfActive(measurements, "stats", {"signal_statistics_filter"}, SignalStatisticsFilter::packageImpl);
+    attachPeaks(measurements);
+}
+
+void FrameDataStrategy::attachPeaks(ObjectPointer& measurements) const {
+    attachIfActive(measurements, "peaks", {"peak_finder_filter"}, PeakFinderFilter::packageImpl);
 }
 
 DataStrategy::ObjectPointer FrameDataStrategy::packageSignal(const std::vector<double>& buffer,

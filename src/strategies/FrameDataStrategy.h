@@ -30,6 +30,7 @@ protected:
     /// The layout of a signal's buffer, by the channels that the host counts.
     virtual FrameLayout findLayout(wavedeck::WaveDeckClientInfo& client, int signal, int channels) const;
     virtual void attachMeasurements(ObjectPointer& measurements) const;
+    void attachPeaks(ObjectPointer& measurements) const;
 
 private:
     /// The object of one signal, all its points.

@@ -19,6 +19,8 @@ FrameDataStrategy::FrameLayout MagPhaseResponseDataStrategy::findLayout(wavedeck
     return {inBuffer, true, (inBuffer + 1) / 2};
 }
 
-void MagPhaseResponseDataStrategy::attachMeasurements(ObjectPointer& /*measurements*/) const {}
+void MagPhaseResponseDataStrategy::attachMeasurements(ObjectPointer& measurements) const {
+    attachPeaks(measurements);
+}
 
 }  // namespace dspwavedecks

@@ -39,7 +39,7 @@ ClientFacts responseFacts() {
 struct ResponseClient {
     ResponseClient() : deck(responseFacts()) {
         for (const char* name : {"simulation_meta_data_filter", "digital_filter_frequency_response_filter",
-                                 "magnitude_phase_response_filter"}) {
+                                 "magnitude_phase_response_filter", "peak_finder_filter"}) {
             deck.addStage(name, library().makeFilter(name));
         }
         const std::string strategy = "magnitude_phase_response_data_strategy";
@@ -47,11 +47,13 @@ struct ResponseClient {
         deck.setup();
     }
 
-    /// Signal 0 of the message that the coefficients give.
-    ObjectPointer respond(const std::vector<double>& coefficients) {
+    /// The message that the coefficients give.
+    ObjectPointer update(const std::vector<double>& coefficients) {
         deck.frame(std::vector<std::vector<double>>{coefficients});
-        return at(deck.updateNow().message, "signals", 0);
+        return deck.updateNow().message;
     }
+    /// Its signal 0.
+    ObjectPointer respond(const std::vector<double>& coefficients) { return at(update(coefficients), "signals", 0); }
 
     DeckClient deck;
 };
@@ -80,6 +82,25 @@ TEST(ResponseChain, TurnsCoefficientsIntoAMessage) {
     EXPECT_NEAR(valueAt(sum, 0, "data", 0), 6.0, 1e-14);
     EXPECT_NEAR(valueAt(sum, 0, "data", 2047), 2.0, 1e-14);
     EXPECT_EQ(sum->getValue<std::string>("dataMax").substr(0, 3), "[6,");
+}
+
+/// The mean of eight has its zeros at multiples of an eighth of the sample rate and a sidelobe between each two.
+TEST(ResponseChain, TellsThePeaksOfTheMagnitude) {
+    ResponseClient client;
+    const std::vector<double> mean(8, 0.125);
+    EXPECT_FALSE(client.update(mean)->getObject("measurements")->has("peaks"));
+    client.deck.tune("magnitude_phase_response_filter", PropertyList().addChar("magnitudeDisplay", "Magnitude"));
+    client.deck.tune("peak_finder_filter", PropertyList().addLogical("peakFinderEnabled", true).addInt("numPeaks", 2));
+    const ObjectPointer peaks = client.update(mean)->getObject("measurements")->getObject("peaks");
+    EXPECT_EQ(peaks->getValue<int>("numPeaks"), 2);
+    const auto first = [&](const char* key) { return std::stod(peaks->getValue<std::string>(key).substr(1)); };
+    const auto dirichlet = [](double turns) {
+        return std::abs(std::sin(8.0 * std::numbers::pi * turns) / (8.0 * std::sin(std::numbers::pi * turns)));
+    };
+    const double place = first("locations");
+    // The largest sidelobe stands at 0.17975 of the sample rate; half a point is as near as the grid gets.
+    EXPECT_NEAR(place / 2047.0, 0.3595, 0.5 / 2047.0);
+    EXPECT_NEAR(first("peaks"), dirichlet(place / 2047.0 / 2.0), 1e-14);
 }
 
 TEST(ResponseChain, KeepsTheLastResponseWhenAFrameHasNone) {

@@ -69,13 +69,15 @@ TEST(FrameDataStrategy, searchesItsLimitsByComparison) {
     }
 }
 
-TEST(FrameDataStrategy, sendsTheWholeFrameAndItsStatistics) {
+TEST(FrameDataStrategy, sendsTheWholeFrameAndItsMeasurements) {
     TestClient client;
     FrameDataStrategy strategy;  // no marks on the board count as none
     testsupport::activate(client, "signal_statistics_filter");
+    testsupport::activate(client, "peak_finder_filter");
     const auto message = update(strategy, client, {std::vector<double>(200000, 1.0)});
     EXPECT_EQ(100000u, at(at(message, "signals", 0), "channel", 0)->getArray("data")->size());
     EXPECT_TRUE(message->getObject("measurements")->has("stats"));
+    EXPECT_TRUE(message->getObject("measurements")->has("peaks"));
 }
 
 }  // namespace

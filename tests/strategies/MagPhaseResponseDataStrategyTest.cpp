@@ -67,11 +67,15 @@ TEST(MagPhaseResponseDataStrategy, FindsItsLimitsAsTold) {
     }
 }
 
-TEST(MagPhaseResponseDataStrategy, HasNoStatistics) {
+TEST(MagPhaseResponseDataStrategy, AttachesPeaksButNoStatistics) {
     TestClient client;
-    testsupport::activate(client, "signal_statistics_filter");
     MagPhaseResponseDataStrategy strategy;
+    testsupport::activate(client, "signal_statistics_filter");
     EXPECT_EQ(update(strategy, client, {{0, 1, 2}})->getObject("measurements")->size(), 0U);
+    testsupport::activate(client, "peak_finder_filter");
+    const auto measurements = update(strategy, client, {{0, 1, 2}})->getObject("measurements");
+    EXPECT_EQ(measurements->size(), 1U);
+    EXPECT_TRUE(measurements->has("peaks"));
 }
 
 }  // namespace
