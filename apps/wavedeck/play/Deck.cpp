@@ -35,10 +35,18 @@ constexpr std::string_view frameStages[] = {
     "peak_finder_filter",
 };
 
-constexpr std::array<Deck, 3> decks{{
+constexpr std::string_view responseStages[] = {
+    "simulation_meta_data_filter",
+    "digital_filter_frequency_response_filter",
+    "magnitude_phase_response_filter",
+    "peak_finder_filter",
+};
+
+constexpr std::array<Deck, 4> decks{{
     {"time", ChainKind::Time, timeStages, "dsp_wavedeck_time_data_strategy"},
     {"spectrum", ChainKind::Spectrum, spectrumStages, "dsp_wavedeck_frequency_data_strategy"},
     {"frame", ChainKind::Frame, frameStages, "dsp_wavedeck_frame_data_strategy"},
+    {"response", ChainKind::Response, responseStages, "magnitude_phase_response_data_strategy"},
 }};
 
 }  // namespace

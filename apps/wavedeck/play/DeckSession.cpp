@@ -1,12 +1,23 @@
 #include "DeckSession.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "BoardRecord.h"
 #include "MeasurementReports.h"
 #include "Measures.h"
+#include "ResponseReport.h"
 #include "spectralMaskStruct.h"
 
 namespace program {
 namespace {
+
+using wavedeck::driver::ChainKind;
+
+const std::string responseStage = "magnitude_phase_response_filter";
+
+/// The response deck shows every filter as if it ran at this rate, Hz.
+constexpr double responseRate = 44100.0;
 
 wavedeck::driver::ClientFacts clientFacts(const Deck& deck, const SessionFacts& facts) {
     wavedeck::driver::ClientFacts client;
@@ -27,7 +38,11 @@ std::uint64_t readCounter(const wavedeck::WaveDeckClientSettings& board, const c
 
 DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionFacts& facts,
                          const wavedeck::driver::StageLibrary& library)
-    : deck_(deck), settings_(std::move(settings)), client_(clientFacts(deck, facts)) {
+    : deck_(deck),
+      settings_(std::move(settings)),
+      client_(clientFacts(deck, facts)),
+      rate_(1.0 / facts.signals.front().sampleTime) {
+    client_.setKeepOutputs(deck.kind == ChainKind::Response);
     for (const auto stage : settings_.stages()) {
         const std::string stageName(stage);
         client_.addStage(stageName, library.makeFilter(stageName), settings_.properties(stage));
@@ -35,6 +50,11 @@ DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionF
     const std::string strategy(deck.strategy);
     client_.setStrategy(strategy, library.makeStrategy(strategy));
     client_.setup();
+}
+
+void DeckSession::noteUpdate(const Poco::JSON::Object& message) {
+    ++updates_;
+    trigger_.add(message);
 }
 
 ReportSection DeckSession::report() {
@@ -45,17 +65,55 @@ ReportSection DeckSession::report() {
         section.add({"frames", "frames", readCounter(board, "framesProcessed")});
         section.add({"samples", "samples of all channels", readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
-        if (deck_.kind == wavedeck::driver::ChainKind::Spectrum) {
+        if (deck_.kind == ChainKind::Spectrum) {
             addSpectrumFigures(board, settings_, section);
         }
-        for (const auto* measure : measuresOn(settings_)) {
-            section.sections.push_back(measure->report(board, settings_, measure->stage));
-        }
     });
-    if (deck_.kind == wavedeck::driver::ChainKind::Time) {
+    if (deck_.kind == ChainKind::Time) {
         section.add({"span", "display span", client_.displaySpan(), "s"});
     }
+    auto measures = reportMeasures();
+    if (deck_.kind == ChainKind::Response) {
+        addResponse(section, measures);
+    }
+    section.sections.insert(section.sections.end(), measures.sections.begin(), measures.sections.end());
     return section;
+}
+
+ReportSection DeckSession::reportMeasures() {
+    ReportSection all;
+    client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
+        for (const auto* measure : measuresOn(settings_)) {
+            all.sections.push_back(measure->report(info.getClientSettings(), settings_, measure->stage));
+            if (measure->stage == "trigger_filter") {
+                trigger_.report(all.sections.back());
+            }
+        }
+    });
+    return all;
+}
+
+void DeckSession::addResponse(ReportSection& section, ReportSection& measures) {
+    // Frequencies, magnitudes and phases of one channel.
+    auto response = client_.output(responseStage, 0);
+    const std::size_t points = response.size() / 3;
+    const std::span frequencies(response.data(), points);
+    const std::span magnitudes(response.data() + points, points);
+    for (double& frequency : frequencies) {
+        frequency *= rate_ / responseRate;
+    }
+    const auto display = settings_.value(responseStage, "magnitudeDisplay");
+    if (display != "Magnitude (dB)") {
+        const double factor = display == "Magnitude squared" ? 10.0 : 20.0;
+        std::transform(magnitudes.begin(), magnitudes.end(), magnitudes.begin(),
+                       [&](double magnitude) { return factor * std::log10(magnitude); });
+    }
+    section.sections.push_back(reportResponse(frequencies, magnitudes));
+    for (auto& measure : measures.sections) {
+        for (auto& peaks : measure.tables) {
+            showPeaksByFrequency(frequencies, peaks);
+        }
+    }
 }
 
 bool DeckSession::limitFailed() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Poco/JSON/Object.h>
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -12,6 +14,7 @@
 #include "DeckSettings.h"
 #include "Report.h"
 #include "StageLibrary.h"
+#include "TriggerTally.h"
 
 namespace program {
 
@@ -24,8 +27,8 @@ public:
     std::string_view name() const { return deck_.name; }
     wavedeck::driver::DeckClient& client() { return client_; }
 
-    /// Counts an update that went out.
-    void noteUpdate() { ++updates_; }
+    /// Takes account of an update that went out.
+    void noteUpdate(const Poco::JSON::Object& message);
 
     /// The deck's section of the report.
     ReportSection report();
@@ -34,10 +37,15 @@ public:
     bool limitFailed();
 
 private:
+    ReportSection reportMeasures();
+    void addResponse(ReportSection& section, ReportSection& measures);
+
     const Deck& deck_;
     DeckSettings settings_;
     wavedeck::driver::DeckClient client_;
+    double rate_;  ///< Hz, of the first signal
     std::uint64_t updates_ = 0;
+    TriggerTally trigger_;
 };
 
 }  // namespace program

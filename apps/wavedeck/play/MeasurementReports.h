@@ -20,6 +20,12 @@ ReportSection reportStatistics(const WaveDeckClientSettings& board, const DeckSe
 /// Peaks of the last frame, of the display span, or of the spectrum, the strongest first.
 ReportSection reportPeaks(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
 
+/// State levels, transitions, aberrations and cycles of pulses over the display span.
+ReportSection reportPulses(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
+
+/// What the trigger was set to; what it found stands in the messages, of which the deck keeps account.
+ReportSection reportTrigger(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
+
 /// Channel power with occupied bandwidth, or adjacent channel power ratios.
 ReportSection reportChannel(const WaveDeckClientSettings& board, const DeckSettings& settings, std::string_view stage);
 

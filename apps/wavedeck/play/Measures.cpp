@@ -10,32 +10,36 @@
 namespace program {
 namespace {
 
+using Preset = std::pair<std::string_view, std::string_view>;
+
+constexpr Preset pulsePresets[] = {{"showTransitions", "true"}, {"showAberrations", "true"}, {"showCycles", "true"}};
+// The stage takes the mode for switched off until it is told one.
+constexpr Preset triggerPresets[] = {{"mode", "auto"}};
+
 constexpr std::array measures{
     Measure{"stats", "time_signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
     Measure{"stats", "signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
     Measure{"peaks", "time_peak_finder_filter", "peakFinderEnabled", reportPeaks},
     Measure{"peaks", "peak_finder_filter", "peakFinderEnabled", reportPeaks},
     Measure{"peaks", "frequency_peak_finder_filter", "peakFinderEnabled", reportPeaks},
+    Measure{"bilevel", "bilevel_measurements_filter", "bilevelMeasurementsEnabled", reportPulses, pulsePresets},
+    Measure{"trigger", "trigger_filter", "triggerEnabled", reportTrigger, triggerPresets},
     Measure{"channel", "channel_measurements_filter", "channelMeasurementsEnabled", reportChannel},
     Measure{"distortion", "distortion_measurements_filter", "distortionMeasurementsEnabled", reportDistortion},
     Measure{"phasenoise", "phase_noise_filter", "phaseNoiseEnabled", reportPhaseNoise},
     Measure{"mask", "spectral_mask_tester_filter", "spectralMaskEnabled", reportMask},
 };
 
-/// Switches a measurement on in the decks that have it; tells whether there is one.
-bool switchOn(const Measure& measure, std::vector<DeckSettings>& decks) {
-    bool switched = false;
-    for (auto& deck : decks) {
-        if (!deck.has(measure.stage, measure.enabled)) {
-            continue;
-        }
-        deck.preset(measure.stage, measure.enabled, "true");
-        for (const auto& [option, text] : measure.presets) {
-            deck.preset(measure.stage, option, std::string(text));
-        }
-        switched = true;
+/// Switches a measurement on in a deck; tells whether the deck has it.
+bool switchOn(const Measure& measure, DeckSettings& deck) {
+    if (!deck.has(measure.stage, measure.enabled)) {
+        return false;
     }
-    return switched;
+    deck.preset(measure.stage, measure.enabled, "true");
+    for (const auto& [option, text] : measure.presets) {
+        deck.preset(measure.stage, option, std::string(text));
+    }
+    return true;
 }
 
 }  // namespace
@@ -54,7 +58,9 @@ void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks
             }
             if (measure.name == name) {
                 found = true;
-                switched = switchOn(measure, decks) || switched;
+                for (auto& deck : decks) {
+                    switched = switchOn(measure, deck) || switched;
+                }
             }
         }
         if (!found) {
@@ -67,9 +73,12 @@ void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks
 }
 
 void switchUsualMeasuresOn(std::vector<DeckSettings>& decks) {
-    for (const auto& measure : measures) {
-        if (measure.name == "stats" || measure.stage == "frequency_peak_finder_filter") {
-            switchOn(measure, decks);
+    for (auto& deck : decks) {
+        const bool samples = deck.has("magnitude_phase_filter", "magPhaseData");
+        for (const auto& measure : measures) {
+            if (measure.name == (samples ? "stats" : "peaks")) {
+                switchOn(measure, deck);
+            }
         }
     }
 }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "CoefficientReader.h"
 #include "EngineeringNumber.h"
 #include "Measures.h"
 #include "ProgressLine.h"
@@ -17,6 +19,20 @@ namespace {
 std::uint64_t samplesBefore(std::uint64_t k, std::size_t frameSize, double rate, double firstRate) {
     return static_cast<std::uint64_t>(
         std::floor(static_cast<double>(k) * static_cast<double>(frameSize) * (rate / firstRate)));
+}
+
+/// Refuses what is said of raw samples when no input holds any.
+void refuseIdleOptions(const PlayCommand& command) {
+    const auto& options = command.inputOptions;
+    const bool anyRaw = std::any_of(command.inputs.begin(), command.inputs.end(), [&](const std::string& input) {
+        return input == "-" || (!options.format.empty() && !input.starts_with("gen:"));
+    });
+    for (const auto& [name, text] : {std::pair("--format", &options.format), std::pair("--rate", &options.rate),
+                                     std::pair("--channels", &options.channels)}) {
+        if (!anyRaw && !text->empty()) {
+            throw UsageError(std::string(name) + ": goes with raw samples, and no input is raw");
+        }
+    }
 }
 
 }  // namespace
@@ -39,23 +55,28 @@ PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtim
 }
 
 void PlaySession::openInputs(const PlayCommand& command) {
-    const auto isRaw = [&](const std::string& input) {
-        return input == "-" || (!command.inputOptions.format.empty() && !input.starts_with("gen:"));
-    };
-    const bool anyRaw = std::any_of(command.inputs.begin(), command.inputs.end(), isRaw);
-    for (const auto& [name, text] :
-         {std::pair("--format", &command.inputOptions.format), std::pair("--rate", &command.inputOptions.rate),
-          std::pair("--channels", &command.inputOptions.channels)}) {
-        if (!anyRaw && !text->empty()) {
-            throw UsageError(std::string(name) + ": goes with raw samples, and no input is raw");
+    if (std::find(command.decks.begin(), command.decks.end(), "response") != command.decks.end()) {
+        openCoefficients(command);
+    } else {
+        refuseIdleOptions(command);
+        for (const auto& input : command.inputs) {
+            inputs_.push_back(openInput(input, command.inputOptions));
         }
-    }
-    for (const auto& input : command.inputs) {
-        inputs_.push_back(openInput(input, command.inputOptions));
     }
     summaries_.resize(inputs_.size());
     frame_.resize(inputs_.size());
     spans_.resize(inputs_.size());
+}
+
+void PlaySession::openCoefficients(const PlayCommand& command) {
+    if (command.decks.size() > 1 || command.inputs.size() > 1) {
+        throw UsageError("--deck response: takes one file of coefficients and no other deck beside it");
+    }
+    constexpr double usualRate = 44100.0;
+    const auto& rate = command.inputOptions.rate;
+    inputs_.push_back(std::make_unique<CoefficientReader>(
+        command.inputs.front(), rate.empty() ? usualRate : readPositiveNumber("--rate", rate)));
+    frameSize_ = static_cast<std::size_t>(*inputs_.front()->facts().length);
 }
 
 SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
@@ -164,7 +185,7 @@ void PlaySession::send(DeckSession& deck) {
     if (update.message.isNull()) {
         return;
     }
-    deck.noteUpdate();
+    deck.noteUpdate(*update.message);
     if (messages_ && !readerGone_) {
         readerGone_ = !messages_->write(deck.name(), update.event, messageText_.write(*update.message));
     }

@@ -35,6 +35,7 @@ public:
 
 private:
     void openInputs(const PlayCommand& command);
+    void openCoefficients(const PlayCommand& command);
     void makeDecks(const PlayCommand& command);
     SessionFacts sessionFacts(const PlayCommand& command) const;
     std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command,

@@ -121,7 +121,7 @@ ReportSection reportPeaks(const WaveDeckClientSettings& board, const DeckSetting
     } else if (stage == "time_peak_finder_filter") {
         table.columns = {{"time", "time", "s"}, {"value", "value"}};
     } else {
-        table.columns = {{"sample", "sample"}, {"value", "value"}};
+        table.columns = {{"sample", "sample"}, {"value", "value"}};  // the response deck turns samples into frequencies
     }
     for (const auto& peak : record->peaks) {
         table.rows.push_back({peak.location, peak.value});

@@ -153,4 +153,34 @@ std::string toJson(const dspwavedecks::spectrumEstimatorMetaDataStruct& record) 
     });
 }
 
+std::string toJson(const dspwavedecks::bilevelMeasurementsStruct& record) {
+    std::vector<std::pair<std::string, std::string>> members;
+    for (const auto& field : dspwavedecks::bilevelMeasurementsFields) {
+        members.emplace_back(field.name, toJson(record.*field.value));
+    }
+    return jsonObject(members);
+}
+
+std::string toJson(const dspwavedecks::triggerStruct& record) {
+    return jsonObject({
+        {"startTime", toJson(record.startTime)},
+        {"endTime", toJson(record.endTime)},
+        {"position", toJson(record.position)},
+        {"level", toJson(record.level)},
+        {"highLevel", toJson(record.highLevel)},
+        {"lowLevel", toJson(record.lowLevel)},
+        {"enableOnceMode", toJson(record.enableOnceMode)},
+        {"signal", toJson(record.signal)},
+        {"mode", toJson(record.mode)},
+    });
+}
+
+std::string toJson(const boost::circular_buffer<dspwavedecks::triggerStruct>& queue) {
+    std::vector<std::string> events;
+    for (const auto& event : queue) {
+        events.push_back(toJson(event));
+    }
+    return jsonList(events);
+}
+
 }  // namespace program

@@ -39,6 +39,8 @@ std::optional<std::string> boardEntryAsJson(const wavedeck::WaveDeckClientSettin
         writerOf<dspwavedecks::phaseNoiseStruct>(),
         writerOf<dspwavedecks::spectralMaskStruct>(),
         writerOf<dspwavedecks::spectrumEstimatorMetaDataStruct>(),
+        writerOf<dspwavedecks::bilevelMeasurementsStruct>(),
+        writerOf<boost::circular_buffer<dspwavedecks::triggerStruct>>(),
     };
     const auto* entry = board.find(key);
     if (entry == nullptr) {
