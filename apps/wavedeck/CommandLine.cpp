@@ -30,8 +30,10 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addRepeated(app, "--deck", play.decks, "time, spectrum, frame, response; by default time and spectrum", "DECK");
     addRepeated(app, "--set", play.settings, "sets an option of the stages; `wavedeck options` lists them",
                 "[STAGE.]NAME=VALUE");
-    app.add_option("--measure", play.measure, "measurements to switch on: stats,peaks,bilevel,trigger,channel,distortion,"
-                   "phasenoise,mask; none switches all off")->type_name("LIST");
+    app.add_option("--measure", play.measure,
+                   "measurements to switch on: stats,peaks,bilevel,trigger,channel,distortion,"
+                   "phasenoise,mask; none switches all off")
+        ->type_name("LIST");
     addText(app, "--frame", play.frame, "samples of a frame (1024)", "N");
     addText(app, "--updates", play.updates, "updates a second of stream time (20)", "HZ");
     addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");

@@ -90,7 +90,11 @@ class BadInput(Folder):
             ([tone, "--span-time", "1s"], "--span-time: `1s` is not a number"),
             ([tone, "--report", "xml"], "--report: `xml` is neither"),
             ([tone, "--messages", self.folder + "/no/file"], "No such file"),
-            ([tone, "--rate", "8k"], "--rate"),
+            ([tone, "--rate", "8k"], "--rate: goes with raw samples"),
+            ([tone, "--measure", "channel", "--deck", "time"], "none of the chosen decks measures channel"),
+            ([tone, "--deck", "response", "--deck", "time"], "takes one file of coefficients"),
+            ([self.path("taps", b"0.5\n\n0.5x\n"), "--deck", "response"], "taps: line 3: expected one coefficient"),
+            ([self.path("none", b"# none\n"), "--deck", "response"], "holds no coefficients"),
             ([tone, "--frobnicate"], "--frobnicate"),
         ]:
             with self.subTest(arguments=arguments):
@@ -168,6 +172,31 @@ class Results(Folder):
         self.assertEqual(run.returncode, 0)
         self.assertEqual([entry["samples"] for entry in report["inputs"]], [24000, 44100])
         self.assertEqual(report["decks"][0]["samples"], 24000 + 44100)
+
+    def test_a_filter_and_its_response(self):
+        # The mean of two samples: |H| = cos(pi f / rate), half power at a quarter of the rate, nothing at half of it.
+        taps = self.path("taps.txt", b"# mean of two\n0.5\n\n0.5  # the last\n")
+        run, report = report_of(taps, "--deck", "response", "--rate", "8k")
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        response = report["decks"][0]["response"]
+        self.assertAlmostEqual(response["greatestGain"]["value"], 0.0, delta=1e-12)
+        level = 10 ** (-3 / 20)
+        # Points are joined by straight lines; two of the 2048 are 2 Hz apart.
+        self.assertAlmostEqual(response["points3dB"][0]["frequency"]["value"], 8000 * math.acos(level) / math.pi, delta=0.01)
+        self.assertNotIn("stopbandPeak", response)
+        # Eight equal taps: zeros at multiples of rate / 8, the first side lobe 12.8 dB down.
+        _, report = report_of(self.path("box.txt", b"0.125\n" * 8), "--deck", "response")
+        self.assertAlmostEqual(report["decks"][0]["response"]["stopbandPeak"]["value"], -12.80, delta=0.01)
+
+    def test_pulses_and_trigger(self):
+        _, report = report_of("gen:pulse?rate=1M&duration=20m", "--deck", "time", "--measure", "bilevel,trigger")
+        pulses = report["decks"][0]["bilevel"]
+        # Straight edges of 50 us from 10 to 90 % take 40 us; widths at half height.
+        for name, value in (("riseTime", 40e-6), ("fallTime", 40e-6), ("period", 1e-3), ("posWidth", 0.3e-3)):
+            self.assertAlmostEqual(pulses[name]["value"], value, delta=1e-6 if "Time" in name else 1e-9)
+        trigger = report["decks"][0]["trigger"]
+        self.assertGreater(trigger["triggered"], 0)
+        self.assertLessEqual(trigger["triggered"], trigger["updates"])
 
     def test_standard_input_and_standard_output(self):
         samples = struct.pack("<2000h", *range(-1000, 1000))

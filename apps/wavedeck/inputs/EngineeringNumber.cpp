@@ -39,7 +39,7 @@ std::optional<double> parseUnsigned(std::string_view text) {
 }
 
 bool takesPrefix(std::string_view unit) {
-    static constexpr std::array<std::string_view, 7> units{"Hz", "s", "V", "W", "S/s", "V/s", "1/s"};
+    static constexpr std::array<std::string_view, 4> units{"Hz", "s", "V", "W"};
     return std::find(units.begin(), units.end(), unit) != units.end();
 }
 
