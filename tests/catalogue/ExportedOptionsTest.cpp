@@ -5,8 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Catalogue.h"
@@ -223,6 +226,21 @@ TEST_P(ExportedOptions, AreRequiredAsTheCatalogueTells) {
             }
         }
     }
+}
+
+TEST(ExportedFactories, AreStagesOfTheCatalogue) {
+    std::ifstream names(EXPORTED_NAMES);
+    int factories = 0;
+    for (std::string name; std::getline(names, name);) {
+        const bool isFilter = name.ends_with("_filter");
+        if (isFilter || name.ends_with("_strategy")) {
+            const Stage* const stage = findStage(name);
+            ASSERT_NE(stage, nullptr) << name;
+            EXPECT_EQ(stage->kind == StageKind::Filter, isFilter) << name;
+            ++factories;
+        }
+    }
+    EXPECT_GT(factories, 0);
 }
 
 std::vector<const Stage*> allStages() {
