@@ -73,6 +73,7 @@ protected:
 
     /// An array that no message holds any more, to be written anew.
     ArrayPointer takeArray(std::size_t length) { return arrays.take(length); }
+    JsonArrayPool& arrayPool() { return arrays; }
     ArrayPointer packageNumbers(const double* values, std::size_t count, double shift = 0.0);
     ArrayPointer packageIntegers(const std::vector<int>& values);
 

@@ -1,0 +1,187 @@
+#include "SpectrumEstimatorFilter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "Board.h"
+#include "SpectrumFilterTestSupport.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::feed;
+using testsupport::noise;
+using testsupport::record;
+using testsupport::sine;
+using testsupport::TestClient;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+/// Segments of 64 samples at 6400 Hz without a window: bins 100 Hz apart, exact for tones on them.
+PropertyList plain(PropertyList list) {
+    list.addDouble("sampleRate", 6400)
+        .addChar("frequencyResolutionMethod", "window-length")
+        .addDouble("windowLength", 64);
+    list.addChar("window", "rectangular").addChar("frequencyRange", "one-sided");
+    list.addLogical("autoFFTLength", false).addDouble("fftLength", 64);
+    return list.addChar("spectrumUnits", "watts").addDouble("forgettingFactor", 0);
+}
+
+// A tone of amplitude A on a bin has the power A^2 / 2, whatever the cuts of the stream.
+TEST(SpectrumEstimatorFilter, publishesWhatItEstimates) {
+    for (const std::size_t cut : {1u, 7u, 64u, 100u}) {
+        TestClient client({2, 2});
+        client->setIsComplex({0, 1});
+        SpectrumEstimatorFilter filter;
+        filter.tuneImpl(plain(client.setup()));
+        EXPECT_TRUE(filter.isActive());
+        EXPECT_EQ((std::vector<double>{1.0, 0.5}), client->channelSizeFactors);
+        EXPECT_EQ(0u, SpectrumEstimatorFilter::getSpectrumLength(client.name()));
+        std::vector<double> out;
+        for (std::size_t from = 0; from < 256; from += cut) {
+            std::vector<double> frame = sine(cut, 2.0, 5.0 / 64, from);
+            const std::vector<double> second = sine(cut, 4.0, 9.0 / 64, from);
+            frame.insert(frame.end(), second.begin(), second.end());
+            const std::vector<double> result = feed(filter, frame, 0);
+            out = result.empty() ? out : result;
+            feed(filter, std::vector<double>(2 * cut, 1.0), 1);
+        }
+        ASSERT_EQ(3u * 33u, out.size()) << cut;
+        EXPECT_EQ(500.0, out[5]);
+        EXPECT_NEAR(2.0, out[33 + 5], 1e-13);
+        EXPECT_NEAR(8.0, out[66 + 9], 1e-13);
+        const auto published = record(client);
+        EXPECT_EQ(33u, published.spectrumLength);
+        EXPECT_EQ(33u, SpectrumEstimatorFilter::getSpectrumLength(client.name()));
+        EXPECT_EQ(100.0, SpectrumEstimatorFilter::getRBW(client.name()));
+        EXPECT_EQ(100.0, published.transientRBW);
+        EXPECT_EQ(64u, published.segmentLength);
+        EXPECT_TRUE(published.isNewDataReady);
+        EXPECT_EQ((std::vector<int>{2, 1}), published.numChannels);
+        EXPECT_EQ(std::vector<double>(out.begin(), out.begin() + 33), published.frequencyVector);
+        EXPECT_EQ(published.frequencyVector, SpectrumEstimatorFilter::getFrequencyVector(client.name()));
+        EXPECT_EQ(std::vector<double>(out.begin() + 33, out.end()), published.spectrumData[0]);
+        EXPECT_EQ(33u, published.spectrumData[1].size());
+    }
+}
+
+TEST(SpectrumEstimatorFilter, keepsAndResetsAsItsTunesAsk) {
+    TestClient client;
+    SpectrumEstimatorFilter filter;
+    filter.tuneImpl(plain(client.setup()).addLogical("plotMaxHoldTrace", true));
+    const auto run = [&] { return feed(filter, sine(64, 1.0, 5.0 / 64)); };
+    EXPECT_EQ(66u, run().size());
+    const auto updates = [&] { return record(client).numUpdatesProcessed; };
+    EXPECT_EQ(1u, updates());
+    filter.tuneImpl(TestClient::tune());                      // nothing
+    filter.tuneImpl(TestClient::tune().addDouble("rbw", 5));  // ignored while the RBW is automatic
+    run();
+    EXPECT_EQ(2u, updates());
+    EXPECT_EQ(100.0, record(client).rbw);
+    filter.tuneImpl(TestClient::tune().addChar("spectrumUnits", "dbw"));  // new units, the counters go on
+    EXPECT_NEAR(10.0 * std::log10(0.5), run()[33 + 5], 1e-12);
+    EXPECT_EQ(3u, updates());
+    const auto* const board = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(client.name());
+    EXPECT_NEAR(10.0 * std::log10(0.5), board->maxHoldTrace[5], 1e-12);
+    // A custom window counts from the same list on that chooses it.
+    filter.tuneImpl(
+        TestClient::tune().addChar("window", "custom").addDoubles("customWindow", std::vector<double>(64, 3.0)));
+    EXPECT_NEAR(10.0 * std::log10(0.5), run()[33 + 5], 1e-12);
+    EXPECT_EQ(64u, record(client).segmentLength);
+    filter.tuneImpl(TestClient::tune()
+                        .addChar("frequencyResolutionMethod", "rbw")
+                        .addChar("window", "rectangular")
+                        .addLogical("autoRBW", false)
+                        .addDouble("rbw", 200));
+    run();
+    EXPECT_EQ(200.0, record(client).rbw);
+    // A setup begins anew.
+    filter.tuneImpl(plain(client.setup()));
+    run();
+    EXPECT_EQ(1u, updates());
+}
+
+TEST(SpectrumEstimatorFilter, givesOutTheLastUpdateDuringAReplay) {
+    for (const bool isAggregated : {false, true}) {
+        TestClient client;
+        SpectrumEstimatorFilter filter;
+        PropertyList list = plain(client.setup()).addLogical("showSpectrogram", isAggregated);
+        filter.tuneImpl(list.addLogical("autoTimeResolution", !isAggregated).addDouble("timeResolution", 0.02));
+        const std::vector<double> live = feed(filter, noise(256));
+        ASSERT_FALSE(live.empty());
+        client->setIsDataSourceRepository(true);
+        filter.tuneImpl(client.setup());
+        EXPECT_EQ(live, feed(filter, noise(256, 2))) << isAggregated;
+        EXPECT_TRUE(client->isDataSourceRepository());
+        // A changed setting lets the stored frame be computed again; too short a frame gives nothing and ends it.
+        filter.tuneImpl(TestClient::tune().addChar("window", "hann"));
+        EXPECT_TRUE(feed(filter, noise(2)).empty());
+        EXPECT_FALSE(client->isDataSourceRepository());
+    }
+}
+
+TEST(SpectrumEstimatorFilter, takesOtherChannelsInMidStream) {
+    TestClient client({4});
+    SpectrumEstimatorFilter filter;
+    filter.tuneImpl(plain(client.setup()));
+    feed(filter, noise(4 * 100));
+    for (const int channels : {1, 3, 0}) {
+        client.numChannels = {channels};
+        filter.tuneImpl(client.sizeChange());
+        const auto out = feed(filter, noise(static_cast<std::size_t>(channels) * 100));
+        EXPECT_EQ(channels == 0 ? 0u : static_cast<std::size_t>(33 * (channels + 1)), out.size());
+    }
+    client.numChannels = {2};
+    client->setIsComplex({1});
+    filter.tuneImpl(client.setup());
+    EXPECT_EQ(33u * 2u, feed(filter, noise(2 * 64)).size());
+    EXPECT_TRUE(feed(filter, noise(64), 7).empty());  // no such signal
+}
+
+TEST(SpectrumEstimatorFilter, packagesItsRecord) {
+    TestClient client({2, 1});
+    SpectrumEstimatorFilter filter;
+    filter.tuneImpl(plain(client.setup()).addDoubles("frequencyOffset", {1e6, 0, 5}));
+    feed(filter, noise(128), 0);
+    feed(filter, noise(64), 1);
+    const auto package = SpectrumEstimatorFilter::packageImpl(client.name());
+    EXPECT_EQ(33u, package->size());
+    EXPECT_EQ(33, package->getValue<int>("spectrumLength"));
+    EXPECT_EQ(6400.0, package->getValue<double>("sampleRate"));
+    EXPECT_EQ(100.0, package->getValue<double>("minDeltaF"));
+    EXPECT_EQ(100, package->getValue<int>("numSpectrogramLines"));
+    EXPECT_EQ(3u, package->getArray("frequencyOffset")->size());
+    EXPECT_TRUE(package->getValue<bool>("linearFrequencyVector"));
+    EXPECT_EQ(0,
+              SpectrumEstimatorFilter::packageImpl(TestClient({1}, "other").name())->getValue<int>("spectrumLength"));
+}
+
+TEST(SpectrumEstimatorFilter, packagesHoldTraces) {
+    TestClient client({1, 2});
+    spectrumEstimatorMetaDataStruct stored;
+    stored.plotMaxHoldTrace = true;
+    stored.plotMinHoldTrace = true;
+    stored.numChannels = {1, 2};
+    const double infinity = std::numeric_limits<double>::infinity();
+    stored.maxHoldTrace = {9, 9, 1, -infinity, 3, nan};
+    stored.minHoldTrace = {-7, infinity, 1, 2};
+    client.board().addCustomSetting(SpectrumEstimatorFilter::spectrumEstimatorMetaData, stored);
+    JsonArrayPool arrays;
+    const auto package = SpectrumEstimatorFilter::packageImpl(client.name(), 1, 2, 2, arrays);
+    const auto text = [&](const char* key) {
+        std::ostringstream stream;
+        package->getArray(key)->stringify(stream);
+        return stream.str();
+    };
+    EXPECT_EQ("[[1,0],[3,0]]", text("maxHold"));
+    EXPECT_EQ("[[1],[1]]", text("maxHoldNaNIdx"));
+    EXPECT_EQ("9", package->getValue<std::string>("maxHoldDataMax"));  // of all signals
+    EXPECT_EQ("[[1,2],[]]", text("minHold"));                          // the last channel is not held
+    EXPECT_EQ("-7", package->getValue<std::string>("minHoldDataMin"));
+    EXPECT_EQ(6u, package->size());
+}
+
+}  // namespace
+}  // namespace dspwavedecks

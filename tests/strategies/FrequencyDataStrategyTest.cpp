@@ -1,0 +1,218 @@
+#include "FrequencyDataStrategy.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <numeric>
+
+#include "Board.h"
+#include "PhaseNoiseFilter.h"
+#include "SpectrumEstimatorFilter.h"
+#include "SpectrumThinnerFilter.h"
+#include "StrategyTestSupport.h"
+#include "phaseNoiseStruct.h"
+
+namespace dspwavedecks {
+namespace {
+
+using testsupport::at;
+using testsupport::TestClient;
+using testsupport::text;
+using testsupport::update;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// Puts a record on the board, in the place of the estimator.
+spectrumEstimatorMetaDataStruct& publish(const TestClient& client, unsigned long length) {
+    spectrumEstimatorMetaDataStruct record;
+    record.spectrumLength = length;
+    client.board().addCustomSetting(SpectrumEstimatorFilter::spectrumEstimatorMetaData, record);
+    return *board::find<spectrumEstimatorMetaDataStruct>(client.board(),
+                                                         SpectrumEstimatorFilter::spectrumEstimatorMetaData);
+}
+
+std::vector<double> counted(std::size_t count) {
+    std::vector<double> values(count);
+    std::iota(values.begin(), values.end(), 0.0);
+    return values;
+}
+
+TEST(FrequencyDataStrategy, sendsAShortMessageBeforeThereIsASpectrum) {
+    TestClient client;
+    publish(client, 0);
+    FrequencyDataStrategy strategy;
+    const auto message = update(strategy, client, {{1, 2}});
+    EXPECT_EQ(2u, message->size());
+    EXPECT_TRUE(message->has("spectrum") && message->has("simulation"));
+}
+
+TEST(FrequencyDataStrategy, sendsSpectra) {
+    TestClient client({2, 1, 1});
+    auto& record = publish(client, 3);
+    record.frequencyOffset = {1e6, 2e6, 3e6};
+    FrequencyDataStrategy strategy;
+    const auto message = update(strategy, client, {{0, 10, 20, 5, nan, -3, 7, 8, 9}, {}, {0, 10, 20, -infinity, 1, 2}});
+    EXPECT_EQ(4u, message->size());
+    EXPECT_TRUE(message->getArray("signals")->isNull(1));
+    const auto signal = at(message, "signals", 0);
+    EXPECT_EQ(7u, signal->size());
+    EXPECT_EQ(2, signal->getValue<int>("numChannels"));
+    EXPECT_EQ(3, signal->getValue<int>("spectrumLength"));
+    EXPECT_EQ(0, signal->getValue<int>("numInterpolationPoints"));
+    EXPECT_EQ("-3", signal->getValue<std::string>("dataMin"));
+    EXPECT_EQ("9", signal->getValue<std::string>("dataMax"));
+    const auto first = at(signal, "channel", 0);
+    EXPECT_EQ(7u, first->size());
+    EXPECT_EQ("[5,0,-3]", text(first, "data"));
+    EXPECT_FALSE(first->getArray("data")->get(1).isInteger());
+    EXPECT_EQ("[1]", text(first, "NaNIdx"));
+    EXPECT_EQ("[0,10,20]", text(first, "frequency"));
+    EXPECT_EQ(1e6, first->getValue<double>("frequencyOffset"));
+    const auto second = at(signal, "channel", 1);
+    EXPECT_EQ("[7,8,9]", text(second, "data"));
+    EXPECT_EQ("db1", second->getValue<std::string>("dbid"));
+    EXPECT_EQ(2e6, second->getValue<double>("frequencyOffset"));
+    EXPECT_EQ(first->getArray("frequency").get(), second->getArray("frequency").get());
+    const auto third = at(message, "signals", 2);
+    EXPECT_EQ("-inf", third->getValue<std::string>("dataMin"));                    // raw values
+    EXPECT_EQ(0.0, at(third, "channel", 0)->getValue<double>("frequencyOffset"));  // the list has no fourth
+    EXPECT_EQ(1u, message->getObject("measurements")->size());
+    EXPECT_TRUE(message->getObject("measurements")->has("signalAndChannel"));
+}
+
+TEST(FrequencyDataStrategy, sendsTheNewestLinesFirst) {
+    TestClient client;
+    auto& record = publish(client, 100);
+    record.showSpectrogram = true;
+    record.numSpectrogramLines = 10;
+    FrequencyDataStrategy strategy;
+    std::vector<double> buffer = counted(800);  // four lines in the buffer
+    buffer[400 + 100 + 2] = nan;                // line 2, third point
+    auto channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
+    EXPECT_EQ(400u, channel->getArray("data")->size());
+    EXPECT_EQ(700.0, channel->getArray("data")->getElement<double>(0));
+    EXPECT_EQ(600.0, channel->getArray("data")->getElement<double>(100));
+    EXPECT_EQ(400.0, channel->getArray("data")->getElement<double>(300));
+    EXPECT_EQ("[202]", text(channel, "NaNIdx"));
+    record.numSpectrogramLines = 2;
+    const auto signal = at(update(strategy, client, {buffer}), "signals", 0);
+    EXPECT_EQ(200u, at(signal, "channel", 0)->getArray("data")->size());
+    EXPECT_EQ("600", signal->getValue<std::string>("dataMin"));  // the oldest line that was written
+    EXPECT_EQ("699", signal->getValue<std::string>("dataMax"));
+    // Without the spectrogram the tail of the block is the spectrum.
+    record.showSpectrogram = false;
+    channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
+    EXPECT_EQ(700.0, channel->getArray("data")->getElement<double>(0));
+}
+
+TEST(FrequencyDataStrategy, staysInsideTheBuffer) {
+    const struct {
+        std::size_t size;
+        int channels;
+        unsigned long length;
+        std::uint64_t lines;
+        const char* what;
+    } rows[] = {
+        {6, 1, 7, 10, "a block shorter than a spectrum"},
+        {1, 3, 7, 10, "not a value a block"},
+        {20, 0, 5, 10, "no channel"},
+        {20, 1, 5, 0, "no lines"},
+        {20, -1, 5, 10, "no blocks"},
+    };
+    for (const auto& row : rows) {
+        for (const bool isSpectrogram : {false, true}) {
+            TestClient client({row.channels});
+            auto& record = publish(client, row.length);
+            record.showSpectrogram = isSpectrogram;
+            record.numSpectrogramLines = row.lines;
+            FrequencyDataStrategy strategy;
+            const auto signal = at(update(strategy, client, {counted(row.size)}), "signals", 0);
+            ASSERT_LE(1u, signal->getArray("channel")->size()) << row.what;
+            if (row.lines != 0 || isSpectrogram) {
+                EXPECT_EQ(0u, at(signal, "channel", 0)->getArray("data")->size()) << row.what;
+                EXPECT_EQ("0", signal->getValue<std::string>("dataMin")) << row.what;
+            }
+        }
+    }
+}
+
+TEST(FrequencyDataStrategy, countsThePointsBetweenUnevenFrequencies) {
+    const struct {
+        std::vector<double> grid;
+        double step;
+        int points;
+    } rows[] = {
+        {{0, 1, 3, 6}, 1, 0 + 1 + 2},
+        {{0, 1, 3, 6}, 0, 0},
+        {{0, 1, 3, 6}, -1, 0},
+        {{0, 1, 3, 6}, nan, 0},
+        {{0, 2.5}, 1, 2},
+        {{3, 2, 1}, 1, 0},
+        {{5}, 1, 0},
+        {{0, 1e6}, 1, 999999},
+        {{0, 1e30}, 1e-30, 2147483647},  // more than a count holds
+    };
+    for (const auto& row : rows) {
+        TestClient client;
+        auto& record = publish(client, row.grid.size());
+        record.linearFrequencyVector = false;
+        record.minDeltaF = row.step;
+        std::vector<double> buffer = row.grid;
+        buffer.resize(2 * row.grid.size());
+        FrequencyDataStrategy strategy;
+        auto signal = at(update(strategy, client, {buffer}), "signals", 0);
+        EXPECT_EQ(row.points, signal->getValue<int>("numInterpolationPoints")) << row.step;
+        record.linearFrequencyVector = true;  // no figure of an earlier update
+        signal = at(update(strategy, client, {buffer}), "signals", 0);
+        EXPECT_EQ(0, signal->getValue<int>("numInterpolationPoints"));
+    }
+}
+
+TEST(FrequencyDataStrategy, takesTheLengthsOfAThinner) {
+    TestClient client({1, 1, 1});
+    publish(client, 100);
+    client.board().addCustomSetting(SpectrumThinnerFilter::thinnedSpectrumLength, std::vector<unsigned long>{4, 0});
+    testsupport::activate(client, "spectrum_thinner_filter");
+    FrequencyDataStrategy strategy;
+    const auto message = update(strategy, client, {counted(8), counted(8), counted(8)});
+    EXPECT_EQ("[4,5,6,7]", text(at(at(message, "signals", 0), "channel", 0), "data"));
+    EXPECT_EQ("[0,1,2,3]", text(at(at(message, "signals", 0), "channel", 0), "frequency"));
+    for (const unsigned signal : {1u, 2u}) {  // thinned to nothing, no length known
+        EXPECT_EQ("[]", text(at(at(message, "signals", signal), "channel", 0), "data"));
+    }
+}
+
+TEST(FrequencyDataStrategy, attachesWhatIsActive) {
+    TestClient client({1, 1});
+    auto& record = publish(client, 2);
+    record.plotMaxHoldTrace = true;
+    record.maxHoldTrace = {1, 2, 3, 4};
+    record.numChannels = {1, 1};
+    FrequencyDataStrategy strategy;
+    const std::vector<std::vector<double>> data = {{0, 1, 5, 6}, {0, 1, 7, 8}};
+    auto message = update(strategy, client, data);
+    EXPECT_EQ("[[3,4]]", text(at(message, "signals", 1)->getObject("traceHold"), "maxHold"));
+    EXPECT_FALSE(at(message, "signals", 1)->getObject("traceHold")->has("minHold"));
+    record.showSpectrum = false;
+    EXPECT_FALSE(at(update(strategy, client, data), "signals", 1)->has("traceHold"));
+
+    for (const char* stage : {"channel_measurements_filter", "distortion_measurements_filter",
+                              "frequency_peak_finder_filter", "spectral_mask_tester_filter", "phase_noise_filter"}) {
+        testsupport::activate(client, stage);
+    }
+    phaseNoiseStruct phaseNoise;
+    client.board().addCustomSetting(PhaseNoiseFilter::phaseNoise, phaseNoise);
+    message = update(strategy, client, data);
+    const auto measurements = message->getObject("measurements");
+    EXPECT_EQ(5u, measurements->size());
+    for (const char* key : {"signalAndChannel", "channel", "distortion", "peaks", "spectralMask"}) {
+        EXPECT_TRUE(measurements->has(key)) << key;
+    }
+    EXPECT_FALSE(message->has("phaseNoise"));  // no data yet
+    board::find<phaseNoiseStruct>(client.board(), PhaseNoiseFilter::phaseNoise)->isNewDataReady = true;
+    EXPECT_EQ(2u, update(strategy, client, data)->getArray("phaseNoise")->size());
+}
+
+}  // namespace
+}  // namespace dspwavedecks
