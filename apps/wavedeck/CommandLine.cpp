@@ -38,6 +38,9 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addText(app, "--updates", play.updates, "updates a second of stream time (20)", "HZ");
     addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");
     app.add_flag("--realtime", play.realtime, "hands over the samples at their own rate");
+    addText(app, "--serve", play.serve,
+            "serves the live display in the browser, at 127.0.0.1 unless told otherwise; plays in real time",
+            "[HOST:]PORT");
     addText(app, "--messages", play.messages, "writes each client message as a line of JSON; - is standard output",
             "FILE|-");
     addText(app, "--report", play.report, "form of the report at the end: text or json (text)", "FORM");

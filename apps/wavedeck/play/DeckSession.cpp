@@ -39,6 +39,7 @@ std::uint64_t readCounter(const wavedeck::WaveDeckClientSettings& board, const c
 DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionFacts& facts,
                          const wavedeck::driver::StageLibrary& library)
     : deck_(deck),
+      facts_(facts),
       settings_(std::move(settings)),
       client_(clientFacts(deck, facts)),
       rate_(1.0 / facts.signals.front().sampleTime) {
@@ -58,6 +59,7 @@ void DeckSession::noteUpdate(const Poco::JSON::Object& message) {
 }
 
 ReportSection DeckSession::report() {
+    const std::lock_guard lock(mutex_);
     ReportSection section{"", "deck " + std::string(deck_.name)};
     section.add({"deck", "", std::string(deck_.name)});
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,6 +29,18 @@ public:
     std::string_view name() const { return deck_.name; }
     wavedeck::driver::DeckClient& client() { return client_; }
 
+    /// The settings of the stages as they stand; from any thread.
+    DeckSettings settings() const;
+
+    /// Changes options of a stage while data flows, from any thread, and what follows from them at other stages.
+    /// options  object: name to a number, a logical, a text or a list
+    /// Throws UsageError for an unknown stage or option or a value that is not allowed, and what the stage itself
+    /// throws for a value of a kind that it does not take; the settings then stay as they were.
+    void tune(const std::string& stage, const nlohmann::json& options);
+
+    /// Measures what the client holds once more, with the settings as they stand.
+    void replay();
+
     /// Takes account of an update that went out.
     void noteUpdate(const Poco::JSON::Object& message);
 
@@ -37,10 +51,13 @@ public:
     bool limitFailed();
 
 private:
+    void send(const DeckSettings& settings, const DeckSettings& previous);
     ReportSection reportMeasures();
     void addResponse(ReportSection& section, ReportSection& measures);
 
     const Deck& deck_;
+    const SessionFacts facts_;
+    mutable std::mutex mutex_;  ///< guards the settings: browsers tune while the deck reports
     DeckSettings settings_;
     wavedeck::driver::DeckClient client_;
     double rate_;  ///< Hz, of the first signal

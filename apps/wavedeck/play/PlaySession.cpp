@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 #include "CoefficientReader.h"
@@ -51,6 +52,11 @@ PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtim
     makeDecks(command);
     if (!command.messages.empty()) {
         messages_.emplace(command.messages);
+    }
+    if (!command.serve.empty()) {
+        realtime_ = true;
+        live_.emplace(command.serve, decks_);
+        std::fprintf(stderr, "serving the display at %s\n", live_->address().c_str());
     }
 }
 
@@ -155,6 +161,24 @@ void PlaySession::play() {
     for (const auto& deck : decks_) {
         send(*deck);
     }
+    if (live_) {
+        serveOn();
+    }
+}
+
+void PlaySession::serveOn() {
+    if (StopRequest::requested()) {
+        return;
+    }
+    live_->endInput();
+    std::fprintf(stderr, "the input has ended; the display stays until Ctrl-C\n");
+    constexpr auto lookAgain = std::chrono::milliseconds(50);
+    while (StopRequest::sleepUntil(std::chrono::steady_clock::now() + lookAgain)) {
+        for (auto* deck : live_->takeTuned()) {
+            deck->replay();
+            send(*deck);
+        }
+    }
 }
 
 bool PlaySession::readFrame() {
@@ -186,8 +210,15 @@ void PlaySession::send(DeckSession& deck) {
         return;
     }
     deck.noteUpdate(*update.message);
+    if (!messages_ && !live_) {
+        return;
+    }
+    const std::string& text = messageText_.write(*update.message);
     if (messages_ && !readerGone_) {
-        readerGone_ = !messages_->write(deck.name(), update.event, messageText_.write(*update.message));
+        readerGone_ = !messages_->write(deck.name(), update.event, text);
+    }
+    if (live_) {
+        live_->publish(deck, update.event, text);
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "DeckSession.h"
 #include "InputSummary.h"
+#include "LiveDecks.h"
 #include "MessageFile.h"
 #include "MessageText.h"
 #include "PlayCommand.h"
@@ -45,6 +46,8 @@ private:
     /// Hands the frame in hand to a deck and sends what is due.
     void feed(DeckSession& deck);
     void send(DeckSession& deck);
+    /// Keeps the display up after the end of the input until a stop is asked for.
+    void serveOn();
     bool keepPace(std::chrono::steady_clock::time_point begin) const;
     std::optional<double> duration() const;
 
@@ -56,6 +59,7 @@ private:
     std::vector<InputSummary> summaries_;
     std::vector<std::unique_ptr<DeckSession>> decks_;
     std::optional<MessageFile> messages_;
+    std::optional<LiveDecks> live_;  ///< behind the decks: its threads tune them
     bool readerGone_ = false;
     std::uint64_t frames_ = 0;
     std::vector<std::string> warnings_;

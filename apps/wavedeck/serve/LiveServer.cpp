@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <map>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -79,7 +80,8 @@ struct LiveServer::State {
     mutable std::mutex mutex;
     std::condition_variable left;
     std::vector<std::shared_ptr<Browser>> browsers;
-    std::size_t places = 0;  ///< live connections taken or being taken
+    std::map<std::string, std::shared_ptr<const LiveMessage>> newest;  ///< by client, for browsers that come later
+    std::size_t places = 0;                                            ///< live connections taken or being taken
     std::uint64_t sequence = 0;
     bool stopping = false;
     Counters counters;
@@ -124,6 +126,9 @@ std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& r
     const std::lock_guard lock(mutex);
     ++counters.connections;
     browsers.push_back(browser);
+    for (const auto& [client, message] : newest) {
+        browser->offer(message);
+    }
     if (stopping) {
         browser->close();
     }
@@ -175,10 +180,8 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
 void LiveServer::publish(const std::string& client, const std::string& event, const std::string& message) {
     const std::lock_guard lock(state_->mutex);
     ++state_->sequence;
-    if (state_->browsers.empty()) {
-        return;
-    }
     const auto shared = std::make_shared<const LiveMessage>(LiveMessage{client, event, message, state_->sequence});
+    state_->newest[client] = shared;
     for (const auto& browser : state_->browsers) {
         browser->offer(shared);
     }

@@ -19,7 +19,8 @@ struct TuneRequest {
 /// Serves the display page and hands the newest messages to every browser that is connected.
 ///
 /// Each browser has a slot for each client that holds only the newest message: a slow browser misses messages, which
-/// are counted for it, and never holds anybody up. Tunes come in on a browser's own thread.
+/// are counted for it, and never holds anybody up. A browser that comes later begins with the newest message of each
+/// client. Tunes come in on a browser's own thread.
 class LiveServer {
 public:
     struct Settings {
