@@ -13,7 +13,7 @@ const url = new URL('live', location.href);
 url.protocol = url.protocol === 'https:' ? 'wss:' : 'ws:';
 
 const state = {
-  clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, rate: 0,
+  clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, interval: 50,
   connected: false, ended: false, dirty: false,
 };
 
@@ -82,8 +82,10 @@ function update(message) {
   state.missed = message.missed;
   state.ended = Boolean(message.last);
   const now = performance.now();
-  if (state.lastArrival) state.rate += 0.1 * (1000 / Math.max(1, now - state.lastArrival) - state.rate);
-  if (message.client === state.current) state.lastArrival = now;
+  if (message.client === state.current) {
+    if (state.lastArrival) state.interval += 0.1 * (now - state.lastArrival - state.interval);
+    state.lastArrival = now;
+  }
   if (!state.running && state.wanted !== 'step' && state.wanted !== 'single') return;
   state.latest.set(message.client, message);
   if (message.client !== state.current) return;
@@ -109,7 +111,7 @@ function want(what) {
 
 function statusText() {
   const parts = state.view?.message ? state.view.status() : {};
-  parts.Updates = `${state.rate.toFixed(0)}/s`;
+  parts.Updates = `${(1000 / state.interval).toFixed(0)}/s`;
   parts.Missed = String(state.missed);
   parts.State = !state.connected ? 'reconnecting' : state.running ? (state.ended ? 'ended' : 'running') : state.wanted ?? 'held';
   return parts;

@@ -47,11 +47,14 @@ export class TraceView {
   update(message) {
     this.message = message;
     const lists = [[], []];
+    // A triggered picture stands still when its times count from the trigger point.
+    const found = this.trigger?.triggerFound ? figure(this.trigger.position) : NaN;
+    this.origin = Number.isFinite(found) ? found : 0;
     (message.signals ?? []).forEach((signal, s) => (signal?.channel ?? []).forEach((channel, c) => {
       const half = Math.floor(signal.numChannels / 2);
       lists[channel.subplotNum ? 1 : 0].push({
         name: `signal ${s + 1}, channel ${(channel.subplotNum ? c - half : c) + 1}`,
-        x: positions(channel[this.axis.key], this.axis.offset ? channel[this.axis.offset] : 0), values: samples(channel),
+        x: positions(channel[this.axis.key], (this.axis.offset ? channel[this.axis.offset] : 0) - this.origin), values: samples(channel),
       });
     }));
     lists.forEach((traces, index) => {
@@ -92,9 +95,8 @@ export class TraceView {
       context.setLineDash([]);
       plot.label(context, 'T', bbox.left + bbox.width, y - 3 * ratio, variable('--warn'));
     }
-    const position = this.trigger?.triggerFound ? figure(this.trigger.position) : NaN;
-    if (Number.isFinite(position)) {
-      const x = plot.canvasX(position);
+    if (this.trigger?.triggerFound) {
+      const x = plot.canvasX(0);
       context.fillStyle = variable('--warn');
       context.beginPath();
       context.moveTo(x, bbox.top + 9 * ratio);
@@ -152,7 +154,9 @@ export class TraceView {
 
   status() {
     const [from, to] = this.main?.rangeX() ?? [NaN, NaN];
-    const parts = { From: engineering(from, this.axis.unit, 6), Span: engineering(to - from, this.axis.unit, 6) };
+    const parts = {};
+    if (this.origin) parts['Trigger at'] = engineering(this.origin, this.axis.unit, 8);
+    Object.assign(parts, { From: engineering(from, this.axis.unit, 6), Span: engineering(to - from, this.axis.unit, 6) });
     if (this.trigger) parts.Trigger = this.trigger.triggerFound ? 'triggered' : 'waiting';
     if (this.cursor) parts.Cursor = `${engineering(this.cursor.x, this.axis.unit, 7)}, ${engineering(this.cursor.y)}${this.cursor.unit}`;
     return parts;
