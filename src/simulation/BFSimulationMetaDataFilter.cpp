@@ -44,7 +44,7 @@ void BFSimulationMetaDataFilter::reset() {
 
 void BFSimulationMetaDataFilter::filterImpl(const double* data, std::vector<double>&, int signal) {
     const auto index = static_cast<std::size_t>(signal);
-    if (index >= framePoints.size()) {
+    if (index >= std::min(frameSamples.size(), framePoints.size())) {  // a setup that failed midway leaves one longer
         return;
     }
     frameSamples[index] = inputLength;

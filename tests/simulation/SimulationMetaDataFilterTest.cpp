@@ -6,6 +6,7 @@
 #include "BFSimulationMetaDataFilter.h"
 #include "Board.h"
 #include "TestClient.h"
+#include "streamplug/Exceptions.h"
 
 namespace dspwavedecks {
 namespace {
@@ -136,6 +137,20 @@ TEST(BFSimulationMetaDataFilter, countsAndTakesBackSampleBasedFrames) {
     feed(filter, std::vector<double>(8), 0);
     feed(filter, std::vector<double>(3), 1);
     EXPECT_EQ((Counters{2, 14, 42}), read(client));
+}
+
+TEST(BFSimulationMetaDataFilter, passesSignalsOverThatASetupLeftWithoutAPlace) {
+    TestClient client({1, 1});
+    BFSimulationMetaDataFilter filter;
+    filter.tuneImpl(client.setup());
+    client.numChannels = {};
+    filter.tuneImpl(client.setup());  // fewer signals
+    feed(filter, headForm({1.0}, 1, 4), 1);
+    client.numChannels = {1, 1, 1};
+    EXPECT_THROW(filter.tuneImpl(client.setup().addInt("compiledStepSize", 1)),
+                 streamplug::kit::array::OptionNotExpectedType);  // more of them, but the setup ends midway
+    feed(filter, headForm({1.0}, 1, 4), 2);
+    EXPECT_EQ((Counters{0, 0, 0}), read(client));
 }
 
 TEST(BFAppSimulationMetaDataFilter, hasNoStepBack) {
