@@ -143,6 +143,9 @@ void linkSpots(const FrequencyRange& range, DeckSettings& settings) {
     }
     const double width = range.stop - range.start;
     std::vector<double> spots;
+    if (!(width > 0.0 && std::isfinite(width))) {
+        return;  // the estimator refuses such a span or goes its own way
+    }
     for (double spot = std::pow(10.0, std::ceil(std::log10(width / 100.0))); spot <= width / 2.0; spot *= 10.0) {
         spots.push_back(spot);
     }
