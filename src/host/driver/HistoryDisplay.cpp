@@ -66,6 +66,9 @@ void HistoryDisplay::dropNewerThan(double time) {
 
 void HistoryDisplay::endReplay() {
     showsReplay_ = false;
+    for (std::vector<double>& buffer : replayed_) {
+        buffer.clear();  // the next replay need not bring every signal
+    }
 }
 
 void HistoryDisplay::layOut() {
