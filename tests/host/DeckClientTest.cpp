@@ -166,6 +166,16 @@ TEST(DeckClient, RefusesWhatCannotBe) {
     EXPECT_THROW(rig.client.simulationFrame(Buffers{{1, 2}}), DriverError);
 }
 
+TEST(DeckClient, TakesNothingOfAFrameOfWhichOneSignalIsWrong) {
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 2), realSignal(2, 1.0, 2)}));
+    rig.add("stage");
+    rig.client.setup();
+    EXPECT_THROW(rig.client.frame(Buffers{{1, 2}, {1, 2, 3}}), DriverError);
+    rig.client.frame(Buffers{{1, 2}, {1, 2, 3, 4}});
+    rig.client.update();
+    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 1, 1, 2}));
+}
+
 TEST(DeckClient, StagesGoWithTheClientAndTheBoardStaysWithItsHolders) {
     std::shared_ptr<WaveDeckClientInfo> record;
     std::weak_ptr<RecordingStage> stage;

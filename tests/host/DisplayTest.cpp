@@ -121,7 +121,9 @@ TEST(Display, HistoryIsDroppedWhenTheChannelsChange) {
 }
 
 TEST(Display, AFrameStandsAgainstItsOwnSamples) {
-    DriverRig rig(factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)}));
+    ClientFacts facts = factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)});
+    facts.startTime = 100.0;
+    DriverRig rig(facts);
     rig.add("stage");
     rig.client.setup();
     rig.client.frame(Buffers{{1, 2}});

@@ -49,6 +49,9 @@ void DeckClient::takeFrame(Signals signals, FrameSource source) {
     if (isBlockflow(facts_.kind)) {
         throw DriverError("client \"" + facts_.name + "\" takes the frames of a simulation");
     }
+    for (std::size_t s = 0; s < signals.size(); ++s) {
+        stream_->checkFrame(s, signals[s]);  // all of them before any is taken
+    }
     endReplayFor(source);
     for (std::size_t s = 0; s < signals.size(); ++s) {
         stream_->take(s, signals[s], source);
@@ -93,6 +96,9 @@ void DeckClient::simulationFrame(const std::vector<std::vector<double>>& heads) 
     requireReady(heads.size());
     if (!isBlockflow(facts_.kind)) {
         throw DriverError("client \"" + facts_.name + "\" takes no frames of a simulation");
+    }
+    for (std::size_t s = 0; s < heads.size(); ++s) {
+        stream_->checkHead(s, heads[s]);
     }
     endReplayFor(FrameSource::Stream);
     for (std::size_t s = 0; s < heads.size(); ++s) {

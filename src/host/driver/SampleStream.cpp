@@ -134,8 +134,10 @@ void SampleStream::begin(std::size_t signal, std::span<const double> raw) {
 
 void SampleStream::fillTimes(std::size_t signal, std::uint64_t first, std::size_t n, double* times) const {
     const double sampleTime = info_.getSampleTime(static_cast<int>(signal));
-    const double start = facts_.startTime;
-    const auto index = static_cast<double>(first);
+    // The frame of a frame display stands against its own samples, not against the stream's time.
+    const bool ownSamples = facts_.kind == ChainKind::Frame;
+    const double start = ownSamples ? 0.0 : facts_.startTime;
+    const double index = ownSamples ? 0.0 : static_cast<double>(first);
     for (std::size_t i = 0; i < n; ++i) {
         times[i] = start + (index + static_cast<double>(i)) * sampleTime;
     }
@@ -149,20 +151,22 @@ void SampleStream::formBlocks(std::size_t signal, std::span<const double> raw, s
     std::copy(raw.begin(), raw.end(), blocks.begin() + static_cast<std::ptrdiff_t>(n));
 }
 
-void SampleStream::take(std::size_t signal, std::span<const double> raw, FrameSource source) {
+void SampleStream::checkFrame(std::size_t signal, std::span<const double> raw) const {
     const std::size_t channels = countOf(numChannels_[signal]);
     if (channels == 0 ? !raw.empty() : raw.size() % channels != 0) {
         throw DriverError("the frame of " + place(signal) + " holds " + std::to_string(raw.size()) +
                           " values, which is no whole number of points for " + std::to_string(channels) + " channels");
     }
+}
+
+void SampleStream::take(std::size_t signal, std::span<const double> raw, FrameSource source) {
+    const std::size_t channels = countOf(numChannels_[signal]);
     const std::size_t n = channels == 0 ? 0 : raw.size() / channels;
     const std::uint64_t first = nextIndex_[signal];
     SignalFrame& frame = signals_[signal];
     begin(signal, raw);
     if (hasLeadingBlock(facts_.kind)) {
-        // The frame of a frame display stands against its own samples, not against the stream's time.
-        const bool ownSamples = facts_.kind == ChainKind::Frame;
-        formBlocks(signal, raw, ownSamples ? 0 : first);
+        formBlocks(signal, raw, first);
         frame.current = &frame.blocks;
     }
     if (source == FrameSource::Stream) {
@@ -183,19 +187,26 @@ void SampleStream::takeAsIs(std::size_t signal, std::span<const double> buffer, 
     }
 }
 
-void SampleStream::takeHead(std::size_t signal, std::span<const double> head, FrameSource source) {
-    const std::size_t perTime = 1 + countOf(numChannels_[signal]) * countOf(frameSizes_[signal]);
+std::size_t SampleStream::valuesPerTime(std::size_t signal) const {
+    return 1 + countOf(numChannels_[signal]) * countOf(frameSizes_[signal]);
+}
+
+void SampleStream::checkHead(std::size_t signal, std::span<const double> head) const {
+    const std::size_t perTime = valuesPerTime(signal);
     if (head.size() % perTime != 0) {
         throw DriverError("the simulation frame of " + place(signal) + " holds " + std::to_string(head.size()) +
                           " values, which is no multiple of " + std::to_string(perTime));
     }
+}
+
+void SampleStream::takeHead(std::size_t signal, std::span<const double> head, FrameSource source) {
     begin(signal, head);
     expandHead(signal, head);
     SignalFrame& frame = signals_[signal];
     if (facts_.kind == ChainKind::BlockflowTime) {
         frame.current = &frame.blocks;
     }
-    const std::size_t n = head.size() / perTime * countOf(frameSizes_[signal]);
+    const std::size_t n = head.size() / valuesPerTime(signal) * countOf(frameSizes_[signal]);
     if (source == FrameSource::Stream && n > 0) {
         store(signal, frame.blocks.data(), n);
         nextIndex_[signal] += n;

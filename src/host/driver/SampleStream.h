@@ -35,13 +35,16 @@ public:
     /// The frame in hand, signal by signal.
     std::vector<SignalFrame>& signals() { return signals_; }
 
-    /// Takes the next samples of a signal: raw is [numChannels][n]. Throws DriverError unless its size is a multiple of
-    /// the count of channels.
+    /// Throws DriverError unless the size is a multiple of the signal's count of channels.
+    void checkFrame(std::size_t signal, std::span<const double> raw) const;
+    /// Throws DriverError for a size that is no head form.
+    void checkHead(std::size_t signal, std::span<const double> head) const;
+
+    /// Takes the next samples of a signal: raw is [numChannels][n].
     void take(std::size_t signal, std::span<const double> raw, FrameSource source);
     /// Takes a buffer that every stage shall see as it stands.
     void takeAsIs(std::size_t signal, std::span<const double> buffer, FrameSource source);
-    /// Takes a simulation's frame in head form: F times, then [numChannels][F * frameSize]. Throws DriverError for a
-    /// size that is no such form.
+    /// Takes a simulation's frame in head form: F times, then [numChannels][F * frameSize].
     void takeHead(std::size_t signal, std::span<const double> head, FrameSource source);
     /// Takes the stored samples as the frame in hand.
     void takeStored(std::size_t signal);
@@ -62,6 +65,7 @@ private:
     void fillTimes(std::size_t signal, std::uint64_t first, std::size_t n, double* times) const;
     void formBlocks(std::size_t signal, std::span<const double> raw, std::uint64_t first);
     void expandHead(std::size_t signal, std::span<const double> head);
+    std::size_t valuesPerTime(std::size_t signal) const;
     void store(std::size_t signal, const double* rows, std::size_t n);
     std::size_t rowsStored(std::size_t signal) const;
     void configureHistory(std::size_t signal);
