@@ -6,7 +6,6 @@
 #include "JsonArrays.h"
 #include "NumberText.h"
 #include "OptionTable.h"
-#include "PublishedSpectrum.h"
 #include "SpectrumMeasurementOptions.h"
 
 namespace dspwavedecks {
@@ -20,7 +19,7 @@ void ChannelMeasurementsFilter::filterImpl(const double* data, std::vector<doubl
         return;
     }
     auto& settings = getBoard();
-    if (const auto rbw = publishedSpectrum::rbw(settings)) {
+    if (const auto rbw = getPublishedRBW()) {
         channelMeasurements->setRBW(*rbw);
     }
     const MeasuredSpectrum spectrum = findMeasuredSpectrum(data, signal);

@@ -6,7 +6,6 @@
 #include "JsonArrays.h"
 #include "NumberText.h"
 #include "OptionTable.h"
-#include "PublishedSpectrum.h"
 #include "SpectrumMeasurementOptions.h"
 
 namespace dspwavedecks {
@@ -21,7 +20,7 @@ void DistortionMeasurementsFilter::filterImpl(const double* data, std::vector<do
         return;
     }
     auto& settings = getBoard();
-    if (const auto rbw = publishedSpectrum::rbw(settings)) {
+    if (const auto rbw = getPublishedRBW()) {
         distortionMeasurements->setRBW(*rbw);
     }
     const MeasuredSpectrum spectrum = findMeasuredSpectrum(data, signal);

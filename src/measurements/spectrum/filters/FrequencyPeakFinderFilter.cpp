@@ -4,7 +4,7 @@
 
 #include "Board.h"
 #include "OptionTable.h"
-#include "PublishedSpectrum.h"
+#include "SpectrumEstimatorFilter.h"
 #include "SpectrumMeasurementOptions.h"
 
 namespace dspwavedecks {
@@ -32,7 +32,7 @@ void FrequencyPeakFinderFilter::filterImpl(const double* data, std::vector<doubl
             found = peakFinder_->findPeaks(data, range, PeakSelectionLastMaximum);
             markZeroFrequency(data, range);
         } else {
-            const auto* const record = publishedSpectrum::record(getBoard());
+            const auto* const record = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(clientID);
             found = peakFinder_->findPeaks(trace.selectHold(*record).data(), range, PeakSelectionLastMaximum);
         }
         // The grid stands at the head of the frame for hold traces too.
@@ -59,7 +59,7 @@ void FrequencyPeakFinderFilter::markZeroFrequency(const double* data, const std:
 }
 
 void FrequencyPeakFinderFilter::computeFrequencyRange(const double* freq, const int& /*signal*/) {
-    const unsigned long length = publishedSpectrum::length(getBoard());
+    const unsigned long length = SpectrumEstimatorFilter::getSpectrumLength(clientID);
     if (length == 0 || length > inputLength || frequencyLimits.size() < 2) {
         frequencyRange[1] = frequencyRange[0];
         return;
@@ -76,8 +76,7 @@ void FrequencyPeakFinderFilter::computeFrequencyRange(const double* freq, const 
 
 std::vector<unsigned long> FrequencyPeakFinderFilter::getDataRange(const int& signal) {
     const std::vector<unsigned long> nothing{0, 0};
-    const auto& settings = getBoard();
-    const unsigned long length = publishedSpectrum::length(settings);
+    const unsigned long length = SpectrumEstimatorFilter::getSpectrumLength(clientID);
     if (frequencyRange[0] >= frequencyRange[1] || frequencyRange[1] >= length) {
         return nothing;
     }
@@ -90,7 +89,7 @@ std::vector<unsigned long> FrequencyPeakFinderFilter::getDataRange(const int& si
         }
         first = layout.endOf(measurementChannel_) - length;
     } else {
-        const auto* const record = publishedSpectrum::record(settings);
+        const auto* const record = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(clientID);
         if (record == nullptr) {
             return nothing;
         }

@@ -7,7 +7,6 @@
 #include "Board.h"
 #include "JsonArrays.h"
 #include "OptionTable.h"
-#include "PublishedSpectrum.h"
 #include "SpectrumMeasurementOptions.h"
 
 namespace dspwavedecks {
@@ -75,7 +74,7 @@ void PhaseNoiseFilter::filterImpl(const double* data, std::vector<double>&, int 
         return;
     }
     auto& settings = getBoard();
-    if (const auto rbw = publishedSpectrum::rbw(settings)) {
+    if (const auto rbw = getPublishedRBW()) {
         phaseNoise_->setRBW(*rbw);
     }
     const auto index = static_cast<unsigned long>(signal);

@@ -3,7 +3,7 @@
 #include "BaseOptions.h"
 #include "Board.h"
 #include "OptionTable.h"
-#include "PublishedSpectrum.h"
+#include "SpectrumEstimatorFilter.h"
 
 namespace dspwavedecks {
 
@@ -34,7 +34,7 @@ SpectrumFrameLayout SpectrumMeasurementFilter::getLayout(int signal) const {
 }
 
 std::vector<unsigned long> SpectrumMeasurementFilter::getDataRange(const int& signal) {
-    const unsigned long length = publishedSpectrum::length(getBoard());
+    const unsigned long length = SpectrumEstimatorFilter::getSpectrumLength(clientID);
     const SpectrumFrameLayout layout = getLayout(signal);
     if (!layout.holdsSpectrum(measurementChannel_, length)) {
         return {0, 0};
@@ -43,14 +43,19 @@ std::vector<unsigned long> SpectrumMeasurementFilter::getDataRange(const int& si
     return {end - length, end};
 }
 
+std::optional<double> SpectrumMeasurementFilter::getPublishedRBW() const {
+    return SpectrumEstimatorFilter::hasSpectrumEstimatorMetaData(clientID)
+               ? std::optional(SpectrumEstimatorFilter::getRBW(clientID))
+               : std::nullopt;
+}
+
 SpectrumMeasurementFilter::MeasuredSpectrum SpectrumMeasurementFilter::findMeasuredSpectrum(const double* data,
                                                                                             int signal) {
     if (trace.isNormal()) {
         return {data, data, getDataRange(signal)};
     }
-    const auto& settings = getBoard();
-    const unsigned long length = publishedSpectrum::length(settings);
-    const auto* const record = publishedSpectrum::record(settings);
+    const unsigned long length = SpectrumEstimatorFilter::getSpectrumLength(clientID);
+    const auto* const record = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(clientID);
     if (record == nullptr || record->frequencyVector.size() < length) {
         return {data, data, {0, 0}};
     }

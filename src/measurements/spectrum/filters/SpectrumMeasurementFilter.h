@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ protected:
     /// Channels of a signal, complex ones counted once.
     unsigned long getNumSpectra(int signal) const;
     SpectrumFrameLayout getLayout(int signal) const;
+    /// Resolution bandwidth of the estimator's last update, Hz; nothing for a client without an estimator.
+    std::optional<double> getPublishedRBW() const;
 
     /// A spectrum and its grid; an empty range stands for one that is not there.
     struct MeasuredSpectrum {

@@ -8,6 +8,7 @@
 
 #include "Board.h"
 #include "QueryStructure.h"
+#include "SpectrumEstimatorFilter.h"
 #include "TestClient.h"
 #include "spectrumEstimatorMetaDataStruct.h"
 
@@ -18,17 +19,19 @@ class SpectrumClient : public TestClient {
 public:
     explicit SpectrumClient(unsigned long spectrumLength, std::vector<int> channels = {1}, double rbw = 1.0)
         : TestClient(std::move(channels)) {
-        board().addCustomSetting("spectrumLength", spectrumLength);
-        board().addCustomSetting("rbw", rbw);
-        board().addCustomSetting("spectrumEstimatorMetaData", dspwavedecks::spectrumEstimatorMetaDataStruct());
+        board().addCustomSetting(dspwavedecks::SpectrumEstimatorFilter::spectrumLength, spectrumLength);
+        board().addCustomSetting(dspwavedecks::SpectrumEstimatorFilter::rbw, rbw);
+        board().addCustomSetting(dspwavedecks::SpectrumEstimatorFilter::spectrumEstimatorMetaData,
+                                 dspwavedecks::spectrumEstimatorMetaDataStruct());
     }
 
     dspwavedecks::spectrumEstimatorMetaDataStruct& estimator() const {
         using Record = dspwavedecks::spectrumEstimatorMetaDataStruct;
-        return *dspwavedecks::board::find<Record>(board(), "spectrumEstimatorMetaData");
+        return *dspwavedecks::board::find<Record>(board(),
+                                                  dspwavedecks::SpectrumEstimatorFilter::spectrumEstimatorMetaData);
     }
     void setSpectrumLength(unsigned long length) const {
-        dspwavedecks::board::write(board(), "spectrumLength", length);
+        dspwavedecks::board::write(board(), dspwavedecks::SpectrumEstimatorFilter::spectrumLength, length);
     }
     template <class Record>
     Record& record(const std::string& key) const {
