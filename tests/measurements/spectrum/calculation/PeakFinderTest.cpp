@@ -159,12 +159,18 @@ TEST(PeakFinder, AgreesWithTheDefinitionAtFullLength) {
     }
 }
 
-TEST(PeakFinder, AgreesWithAnIndependentImplementationOnNoise) {
+/// The samples that reference/peaks.py measured, exact in double precision.
+Values referenceNoise(int count) {
     Values x;
     std::minstd_rand sequence(1);
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < count; ++i) {
         x.push_back(static_cast<double>(sequence()) / 2147483647);
     }
+    return x;
+}
+
+TEST(PeakFinder, AgreesWithAnIndependentImplementationOnNoise) {
+    const Values x = referenceNoise(4000);
     for (const PeaksReference& reference : peaksReference) {
         PeakFinder finder(reference.minHeight, reference.numPeaks, reference.minDistance, reference.threshold);
         const auto found = finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum);
@@ -173,6 +179,18 @@ TEST(PeakFinder, AgreesWithAnIndependentImplementationOnNoise) {
             EXPECT_EQ(peak.value, x[static_cast<std::size_t>(peak.location)]);
         }
     }
+}
+
+TEST(PeakFinder, AgreesWithAnIndependentImplementationOnPlateaus) {
+    const Values noise = referenceNoise(900);
+    Values x;
+    for (std::size_t i = 3; i < noise.size(); ++i) {
+        x.push_back(std::floor(4 * (noise[i - 3] + noise[i - 2] + noise[i - 1] + noise[i])));
+    }
+    PeakFinder finder(-infinity, x.size(), 1, 0);
+    Values found = locations(finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum));
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, plateausReference);
 }
 
 }  // namespace

@@ -25,6 +25,16 @@ def strongest(samples, count, **conditions):
     return found[np.argsort(samples[found])[::-1]][:count]
 
 
+def print_plateaus():
+    """Samples in steps, with plateaus, ties and slopes that rest: the system takes a plateau at its left edge."""
+    samples = noise()[:900]
+    smooth = samples[:-3] + samples[1:-2] + samples[2:-1] + samples[3:]
+    _, plateaus = find_peaks(np.floor(4 * smooth), plateau_size=1)
+    places = ", ".join(str(p) for p in plateaus["left_edges"])
+    print("\n/// Left edges of all peaks of floor(4 * the sum of four neighbouring samples), of the first 900 samples.")
+    print(f"inline const std::vector<double> plateausReference{{{places}}};")
+
+
 def main():
     samples = noise()
     assert len(np.unique(samples)) == COUNT
@@ -47,6 +57,7 @@ def main():
     print("inline const PeaksReference peaksReference[] = {")
     print("\n".join(rows))
     print("};")
+    print_plateaus()
 
 
 if __name__ == "__main__":
