@@ -6,8 +6,8 @@
 
 namespace wavedeck::driver {
 
-/// Room that writeNumber() needs.
-constexpr std::size_t longestNumberText = 40;
+/// Room that writeNumber() needs: a text has 34 characters at most, and copies of fixed length reach behind it.
+constexpr std::size_t longestNumberText = 48;
 
 /// Writes the shortest decimal text that reads back as the same double, laid out as Poco lays it out: decimal for
 /// decimal exponents from -15 up to and including 14 ("0.001", "123456"), else with an exponent ("1.5e+20", "5e-324");
