@@ -24,6 +24,9 @@ void copyEntries(const Ring& ring, std::size_t first, std::size_t last, double* 
 }  // namespace
 
 void MeasurementsDataCache::setCapacity(const unsigned long& n) {
+    if (n == data.capacity()) {
+        return;
+    }
     Ring newData(n);
     Ring newTime(n);
     const std::size_t kept = std::min<std::size_t>(n, size());
