@@ -74,10 +74,10 @@ NbArrayPointer packageSpectrum(const Record& record) {
 /// All lines of the update for the selected channel, of the first signal that has it.
 NbArrayPointer packageSpectrogram(const Record& record) {
     const std::size_t block = record.numSpectrumBlocks * record.spectrumLength;
-    const std::size_t end = (record.spectrogramChannel + 1) * block;
     for (const std::vector<double>& rows : record.spectrumData) {
-        if (rows.size() >= end) {
-            return createColumn(rows.data() + end - block, block);
+        // A channel that somebody asks for may be any number: it is compared before it is multiplied.
+        if (block > 0 && record.spectrogramChannel < rows.size() / block) {
+            return createColumn(rows.data() + record.spectrogramChannel * block, block);
         }
     }
     return NbArrayPointer(nbCreateDoubleMatrix(block, 1));

@@ -93,6 +93,9 @@ TEST(SpectrumQueries, giveTheRecord) {
         record->numSpectrumBlocks = odd;
         EXPECT_EQ(11u, ask(answerSpectrumData, client.name()).size());
     }
+    record->spectrogramChannel = ~std::uint64_t{0};  // a channel of -1
+    record->numSpectrumBlocks = 2;
+    EXPECT_EQ(std::vector<double>(4, 0.0), values(ask(answerSpectrumData, client.name())[3]));
 
     EXPECT_TRUE(nbGetScalar(ask(answerIsSpectrumAvailable, client.name())[0].get()));
     answers = ask(answerIsNewSpectrumReady, client.name());
