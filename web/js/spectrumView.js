@@ -10,6 +10,11 @@ import { Waterfall } from './waterfall.js';
 const estimator = 'spectrum_estimator_filter';
 const channelStage = 'channel_measurements_filter';
 
+/** Unit words of the estimator as they are written. */
+const unitSymbols = {
+  dbm: 'dBm', dbw: 'dBW', dbfs: 'dBFS', dbv: 'dBV', dbuv: 'dBµV', watts: 'W', vrms: 'Vrms', auto: 'W', none: 'W',
+};
+
 /** Text of a mask option, "f1,f2,...,l1,l2,..." or one level, as breakpoints. */
 function maskPoints(text, limits) {
   const numbers = figures(text);
@@ -29,7 +34,8 @@ export class SpectrumView {
   }
 
   get unit() {
-    const unit = this.client.value(estimator, 'spectrumUnits', 'dBm');
+    const word = this.client.value(estimator, 'spectrumUnits', 'dbm');
+    const unit = unitSymbols[word] ?? word;
     const type = this.client.value(estimator, 'spectrumType', 'power');
     if (type === 'power-density') return `${unit}/Hz`;
     return unit;
