@@ -3,6 +3,21 @@
 packages="g++ clang clang-format clang-tidy libclang-rt-14-dev cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
  libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils python3"
 
+# install_page: fetches what the display page is drawn with, once; needs node and npm, which it installs if missing.
+install_page() {
+  [ -d web/node_modules/uplot ] && [ web/node_modules -nt web/package-lock.json ] && return 0
+  command -v npm >/dev/null || packages="nodejs npm" install_packages || return $?
+  local log
+  log=$(mktemp)
+  if ! npm ci --prefix web --no-audit --no-fund >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    return 2
+  fi
+  touch web/node_modules
+  rm -f "$log"
+}
+
 # install_packages: installs what is missing of $packages, without a question; nothing to do takes a fraction of a second.
 install_packages() {
   local missing=""
