@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "SpectrumKernels.h"
+
 namespace dspwavedecks {
 
 namespace {
@@ -24,69 +26,18 @@ double valueOf(Key key) {
     return std::bit_cast<double>(key);
 }
 
-// Vector types of the compiler: a comparison yields 0 or -1 a lane, which subtracts into a count. A plain sum of
-// comparisons is turned into narrow conversions or branches and takes several times as long.
-constexpr std::size_t numLanes = 2;
-using DoubleLanes = double __attribute__((vector_size(numLanes * sizeof(double))));
-using CountLanes = std::int64_t __attribute__((vector_size(numLanes * sizeof(std::int64_t))));
-
-/// Number of values at most the bound.
-std::size_t countAtMost(const double* x, std::size_t n, double bound) {
-    const DoubleLanes bounds = {bound, bound};
-    CountLanes even{};
-    CountLanes odd{};
-    std::size_t i = 0;
-    for (; i + 2 * numLanes <= n; i += 2 * numLanes) {
-        even -= DoubleLanes{x[i], x[i + 1]} <= bounds;
-        odd -= DoubleLanes{x[i + 2], x[i + 3]} <= bounds;
-    }
-    std::size_t count = static_cast<std::size_t>(even[0] + even[1] + odd[0] + odd[1]);
-    for (; i < n; ++i) {
-        count += static_cast<std::size_t>(x[i] <= bound);
-    }
-    return count;
-}
-
-/// Appends the values above lower and not above upper. Blocks without one are passed over, as most are.
+/// Appends the values above lower and not above upper. The count of a block tells whether it has any; most have none.
 void collect(const double* x, std::size_t n, double lower, double upper, std::vector<double>& inside) {
-    const auto append = [&](std::size_t first, std::size_t stop) {
-        for (std::size_t i = first; i < stop; ++i) {
-            if (x[i] > lower && x[i] <= upper) {
-                inside.push_back(x[i]);
-            }
-        }
-    };
-    const DoubleLanes lowers = {lower, lower};
-    const DoubleLanes uppers = {upper, upper};
-    std::size_t i = 0;
-    for (; i + 4 * numLanes <= n; i += 4 * numLanes) {
-        CountLanes any{};
-        for (std::size_t k = i; k < i + 4 * numLanes; k += numLanes) {
-            const DoubleLanes values = {x[k], x[k + 1]};
-            any |= (values > lowers) & (values <= uppers);
-        }
-        if ((any[0] | any[1]) != 0) {
-            append(i, i + 4 * numLanes);
+    constexpr std::size_t blockLength = 32;
+    const SpectrumKernels& kernels = spectrumKernels();
+    for (std::size_t start = 0; start < n; start += blockLength) {
+        const std::size_t length = std::min(blockLength, n - start);
+        const double* const block = x + start;
+        if (kernels.countAtMost(block, length, upper) > kernels.countAtMost(block, length, lower)) {
+            std::copy_if(block, block + length, std::back_inserter(inside),
+                         [=](double value) { return value > lower && value <= upper; });
         }
     }
-    append(i, n);
-}
-
-/// The smallest value above a bound, infinity if there is none.
-double smallestAbove(const double* x, std::size_t n, double bound) {
-    const DoubleLanes bounds = {bound, bound};
-    DoubleLanes smallest = {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
-    std::size_t i = 0;
-    for (; i + numLanes <= n; i += numLanes) {
-        const DoubleLanes values = {x[i], x[i + 1]};
-        const CountLanes isSmaller = (values > bounds) & (values < smallest);
-        smallest = isSmaller ? values : smallest;
-    }
-    double result = std::min(smallest[0], smallest[1]);
-    for (; i < n; ++i) {
-        result = x[i] > bound && x[i] < result ? x[i] : result;
-    }
-    return result;
 }
 
 /// Closes in on the value of a rank: rankLower values are at most `lower`, not more than the rank; rankUpper values are
@@ -140,7 +91,7 @@ public:
             }
         }
         if (rank + 1 == rankUpper) {
-            middle.second = smallestAbove(x, n, most);
+            middle.second = spectrumKernels().smallestAbove(x, n, most);
         }
         return middle;
     }
@@ -156,7 +107,7 @@ private:
         if (key <= lower || key >= upper) {
             return;
         }
-        const std::size_t numAtMost = countAtMost(x, n, valueOf(key));
+        const std::size_t numAtMost = spectrumKernels().countAtMost(x, n, valueOf(key));
         (numAtMost <= rank ? lower : upper) = key;
         (numAtMost <= rank ? rankLower : rankUpper) = numAtMost;
     }
@@ -173,8 +124,9 @@ private:
 }  // namespace
 
 double medianOfPositive(const double* x, std::size_t n, std::vector<double>& scratch) {
-    const std::size_t numNotPositive = countAtMost(x, n, 0.0);
-    const std::size_t numPositive = countAtMost(x, n, std::numeric_limits<double>::infinity()) - numNotPositive;
+    const std::size_t numNotPositive = spectrumKernels().countAtMost(x, n, 0.0);
+    const std::size_t numPositive =
+        spectrumKernels().countAtMost(x, n, std::numeric_limits<double>::infinity()) - numNotPositive;
     if (numPositive == 0) {
         return 0.0;
     }

@@ -1,50 +1,12 @@
 #include "SpectralMaskTester.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "FirstLargest.h"
 #include "LimitLine.h"
+#include "SpectrumKernels.h"
 
 namespace dspwavedecks {
-
-namespace {
-
-// Vector types of the compiler: a comparison yields 0 or -1 a lane, which subtracts into a count.
-constexpr std::size_t numLanes = 2;
-using DoubleLanes = double __attribute__((vector_size(numLanes * sizeof(double))));
-using FlagLanes = std::int64_t __attribute__((vector_size(numLanes * sizeof(std::int64_t))));
-
-/// Bins that are compared before it is asked whether one failed.
-constexpr std::size_t blockLength = 512;
-
-/// Whether any bin of the first n fails against its line: fails(bin, reference + line), for lanes and for single bins.
-template <class Fails>
-bool anyFails(const double* bins, const double* line, double reference, std::size_t n, Fails fails) {
-    const DoubleLanes references = {reference, reference};
-    std::size_t k = 0;
-    while (k + 2 * numLanes <= n) {
-        const std::size_t stop = std::min(n, k + blockLength);
-        FlagLanes even{};
-        FlagLanes odd{};
-        for (; k + 2 * numLanes <= stop; k += 2 * numLanes) {
-            even -= fails(DoubleLanes{bins[k], bins[k + 1]}, references + DoubleLanes{line[k], line[k + 1]});
-            odd -= fails(DoubleLanes{bins[k + 2], bins[k + 3]}, references + DoubleLanes{line[k + 2], line[k + 3]});
-        }
-        even += odd;
-        if (even[0] + even[1] != 0) {
-            return true;
-        }
-    }
-    for (; k < n; ++k) {
-        if (fails(bins[k], reference + line[k])) {
-            return true;
-        }
-    }
-    return false;
-}
-
-}  // namespace
 
 bool SpectralMaskTester::isUpperMaskEnabled() const {
     return enabledMasks == EnabledMasks::upper || enabledMasks == EnabledMasks::upperAndLower;
@@ -137,12 +99,12 @@ double SpectralMaskTester::findReference(const double* data, int signal, std::si
 void SpectralMaskTester::testChannel(const double* bins, std::size_t numPoints, double reference, std::size_t channel) {
     const std::vector<double>& upper = upperMaskOnGrid[channel];
     const std::vector<double>& lower = lowerMaskOnGrid[channel];
+    const SpectrumKernels& kernels = spectrumKernels();
+    // Bins beyond a line count as outside of the mask.
     const bool failsUpper =
-        isUpperMaskEnabled() && anyFails(bins, upper.data(), reference, std::min(numPoints, upper.size()),
-                                         [](auto bin, auto limit) { return bin > limit; });
+        isUpperMaskEnabled() && kernels.anyAbove(bins, upper.data(), reference, std::min(numPoints, upper.size()));
     const bool failsLower =
-        isLowerMaskEnabled() && anyFails(bins, lower.data(), reference, std::min(numPoints, lower.size()),
-                                         [](auto bin, auto limit) { return bin < limit; });
+        isLowerMaskEnabled() && kernels.anyBelow(bins, lower.data(), reference, std::min(numPoints, lower.size()));
     upperMaskPassing = upperMaskPassing && !failsUpper;
     lowerMaskPassing = lowerMaskPassing && !failsLower;
     if (failsUpper || failsLower) {

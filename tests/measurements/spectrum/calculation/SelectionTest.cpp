@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "FirstLargest.h"
+#include "SpectrumKernels.h"
 
 namespace {
 
@@ -54,6 +55,50 @@ TEST(FirstLargest, IsThatOfThePlainScan) {
         }
         const auto expected = static_cast<std::size_t>(std::max_element(x.begin(), x.end()) - x.begin());
         ASSERT_EQ(firstLargest(x.data(), x.size()), expected) << "round " << round;
+    }
+}
+
+// Odd lengths and places, NaN, ties with the bound; one bin that fails, at every place in turn.
+TEST(SpectrumKernels, AgreeWithPlainLoopsOnEveryInstructionSet) {
+    std::mt19937 random(9);
+    for (const InstructionSet set : {InstructionSet::portable, InstructionSet::avx2}) {
+        if (!isSupported(set)) {
+            continue;
+        }
+        const SpectrumKernels& kernels = spectrumKernels(set);
+        for (std::size_t n = 0; n < 40; ++n) {
+            std::vector<double> x(n + 1);
+            for (double& value : x) {
+                value =
+                    random() % 9 == 0 ? std::numeric_limits<double>::quiet_NaN() : static_cast<double>(random() % 9);
+            }
+            const double* const odd = x.data() + 1;
+            std::size_t atMost = 0;
+            double largest = 3, smallest = std::numeric_limits<double>::infinity();
+            for (std::size_t i = 0; i < n; ++i) {
+                atMost += odd[i] <= 3 ? 1 : 0;
+                largest = odd[i] > largest ? odd[i] : largest;
+                smallest = odd[i] > 3 && odd[i] < smallest ? odd[i] : smallest;
+            }
+            EXPECT_EQ(kernels.countAtMost(odd, n, 3), atMost);
+            EXPECT_EQ(kernels.largestAbove(odd, n, 3), largest);
+            EXPECT_EQ(kernels.smallestAbove(odd, n, 3), smallest);
+        }
+        constexpr std::size_t numBins = 1100;
+        const std::vector<double> line(numBins, 2.0);
+        for (std::size_t failing = 0; failing <= numBins; failing += 1 + failing / 50) {
+            std::vector<double> bins(numBins, 5.0);  // on the line: the reference is 3
+            bins[(failing + 1) % numBins] = std::numeric_limits<double>::quiet_NaN();
+            EXPECT_FALSE(kernels.anyAbove(bins.data(), line.data(), 3, numBins));
+            EXPECT_FALSE(kernels.anyBelow(bins.data(), line.data(), 3, numBins));
+            if (failing < numBins) {
+                bins[failing] = 5.5;
+                EXPECT_TRUE(kernels.anyAbove(bins.data(), line.data(), 3, numBins)) << failing;
+                EXPECT_FALSE(kernels.anyAbove(bins.data(), line.data(), 3, failing)) << failing;
+                bins[failing] = 4.5;
+                EXPECT_TRUE(kernels.anyBelow(bins.data(), line.data(), 3, numBins)) << failing;
+            }
+        }
     }
 }
 
