@@ -28,14 +28,7 @@ const channelMeasurementsStruct& ChannelMeasurements::computeChannelMeasurements
     // Powers in a bandwidth that is no number tell no density.
     const bool hasDensity = spectrumType != SpectrumType::power || std::isfinite(rbw);
     const std::size_t n = hasDensity && range[1] > range[0] ? range[1] - range[0] : 0;
-    frequencies.assign(freq, freq + n);
-    if (frequencyOffset != 0.0) {
-        for (double& frequency : frequencies) {
-            frequency += frequencyOffset;
-        }
-    }
-    psd.assign(spectrum + range[0], spectrum + range[0] + n);
-    SpectrumMeasurementsUtils::computePSDInWattsFromSpectrum(psd, rbw, spectrumType, spectrumUnits);
+    takeDensity(freq, spectrum + range[0], n);
     if (type == Type::occupiedBandwidth) {
         computeOccupiedBW();
     } else {
@@ -46,6 +39,36 @@ const channelMeasurementsStruct& ChannelMeasurements::computeChannelMeasurements
     return results;
 }
 
+/// Grid and density of the bins that a band can reach, and two more to either side: turning levels into powers costs
+/// more than all else.
+void ChannelMeasurements::takeDensity(const double* freq, const double* bins, std::size_t n) {
+    const double centre = (startFrequency + stopFrequency) / 2.0;
+    double reach = 0.0;
+    if (type == Type::acpr) {
+        for (std::size_t i = 0; i < std::min<std::size_t>(numOffsets, acprOffsets.size()); ++i) {
+            reach = std::max(reach, std::abs(acprOffsets[i]) + std::abs(adjacentBW) / 2.0);
+        }
+    }
+    const double lowest = std::min(startFrequency, centre - reach);
+    const double highest = std::max(stopFrequency, centre + reach);
+    const double* const lower = std::partition_point(
+        freq, freq + n, [=, this](double frequency) { return frequency + frequencyOffset < lowest; });
+    const double* const upper = std::partition_point(
+        lower, freq + n, [=, this](double frequency) { return frequency + frequencyOffset <= highest; });
+    const double* const begin = lower - std::min<std::ptrdiff_t>(lower - freq, 2);
+    const double* const end = upper + std::min<std::ptrdiff_t>(freq + n - upper, 2);
+
+    binWidth = n < 2 ? nan : (freq[1] + frequencyOffset) - (freq[0] + frequencyOffset);
+    frequencies.assign(begin, end);
+    if (frequencyOffset != 0.0) {
+        for (double& frequency : frequencies) {
+            frequency += frequencyOffset;
+        }
+    }
+    psd.assign(bins + (begin - freq), bins + (end - freq));
+    SpectrumMeasurementsUtils::computePSDInWattsFromSpectrum(psd, rbw, spectrumType, spectrumUnits);
+}
+
 /// The bins that hold the two edges. False, and both bins 0, for edges out of order or outside the grid, whose end bins
 /// reach half a bin further than their frequencies.
 bool ChannelMeasurements::locateBand(std::size_t numBins, double lowerEdge, double upperEdge) {
@@ -54,7 +77,7 @@ bool ChannelMeasurements::locateBand(std::size_t numBins, double lowerEdge, doub
     if (numBins < 2) {
         return false;
     }
-    const double halfBin = binWidth() / 2.0;
+    const double halfBin = binWidth / 2.0;
     if (!(lowerEdge <= upperEdge) || lowerEdge < frequencies[0] - halfBin ||
         upperEdge > frequencies[numBins - 1] + halfBin) {
         return false;
@@ -88,7 +111,7 @@ double ChannelMeasurements::computeChannelPower(const std::vector<double>& densi
 
 /// Powers that the two end bins of the located band hold outside of it.
 void ChannelMeasurements::measureExcess(const std::vector<double>& density, double lowerEdge, double upperEdge) {
-    const double halfBin = binWidth() / 2.0;
+    const double halfBin = binWidth / 2.0;
     lowerEdgeExcess = density[startIdx] * (lowerEdge - (frequencies[startIdx] - halfBin));
     upperEdgeExcess = density[stopIdx] * (frequencies[stopIdx] + halfBin - upperEdge);
 }
@@ -121,12 +144,12 @@ double ChannelMeasurements::accumulateBand() {
     cumulative.resize(numBins + 1);
     edges.resize(numBins + 1);
     cumulative[0] = -lowerEdgeExcess;
-    edges[0] = frequencies[startIdx] - binWidth() / 2.0;
+    edges[0] = frequencies[startIdx] - binWidth / 2.0;
     double sum = 0.0;
     for (std::size_t k = 0; k < numBins; ++k) {
         sum += psd[startIdx + k];
-        cumulative[k + 1] = binWidth() * sum - lowerEdgeExcess;
-        edges[k + 1] = frequencies[startIdx + k] + binWidth() / 2.0;
+        cumulative[k + 1] = binWidth * sum - lowerEdgeExcess;
+        edges[k + 1] = frequencies[startIdx + k] + binWidth / 2.0;
     }
     return sum;
 }

@@ -77,11 +77,11 @@ public:
                                 const double& level) const;
 
 private:
+    void takeDensity(const double* freq, const double* bins, std::size_t n);
     bool locateBand(std::size_t numBins, double lowerEdge, double upperEdge);
     void measureExcess(const std::vector<double>& density, double lowerEdge, double upperEdge);
     double accumulateBand();
-    double binWidth() const { return frequencies[1] - frequencies[0]; }
-    double bandPower(double sum) const { return binWidth() * sum - lowerEdgeExcess - upperEdgeExcess; }
+    double bandPower(double sum) const { return binWidth * sum - lowerEdgeExcess - upperEdgeExcess; }
 
     /// Power responses of the channel filters, into the bins of the band that was located last. With W the width of the
     /// main channel and d the distance from the centre, a the coefficient:
@@ -118,8 +118,9 @@ private:
     channelMeasurementsStruct results;
 
     // scratch
-    std::vector<double> frequencies;  // [n] Hz
-    std::vector<double> psd;          // [n] power/Hz
+    double binWidth = std::numeric_limits<double>::quiet_NaN();  // Hz
+    std::vector<double> frequencies;                             // [n] Hz, of the bins that the bands reach
+    std::vector<double> psd;                                     // [n] power/Hz
     std::vector<double> filteredPSD;  // [n] power/Hz, valid in the band that was located last
     std::vector<double> cumulative;   // [bins + 1] power up to each bin's upper edge
     std::vector<double> edges;        // [bins + 1] Hz
