@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "SpectrumKernels.h"
+
 namespace dspwavedecks {
 
 namespace {
@@ -13,6 +15,12 @@ constexpr std::size_t rankedGrowth = 8;
 /// Fewer candidates than so many times those wanted are sorted as they are.
 constexpr std::size_t fewGroups = 4;
 
+/// Samples are looked at in blocks of at least this length, of which there are about so many at most, and so many for
+/// each peak wanted at least.
+constexpr std::size_t leastBlockLength = 16;
+constexpr std::size_t mostBlocks = 2048;
+constexpr std::size_t blocksAPeak = 8;
+
 /// Whether of any two places one lies within the distance of the other exactly if the other lies within that of the
 /// one. It fails only for a distance so little below a whole number that place +- distance rounds to that number on one
 /// side and not on the other.
@@ -20,6 +28,17 @@ bool isDistanceSymmetric(double distance, std::size_t numSamples) {
     const double whole = std::ceil(distance);
     const double roundingMargin = std::numeric_limits<double>::epsilon() * (static_cast<double>(numSamples) + whole);
     return whole == distance || whole - distance > roundingMargin;
+}
+
+bool isRankedByValue(PeakSelectionPreference preference) {
+    return preference == PeakSelectionLastMaximum || preference == PeakSelectionFirstMaximum;
+}
+
+/// The value that `rank` of the values reach, counted from 1; reorders them.
+double largestOfRank(std::vector<double>& values, std::size_t rank) {
+    const auto place = values.end() - static_cast<std::ptrdiff_t>(rank);
+    std::nth_element(values.begin(), place, values.end());
+    return *place;
 }
 
 }  // namespace
@@ -37,12 +56,66 @@ const peakFinderStruct& PeakFinder::findPeaks(const double* data, const std::vec
         return result;
     }
     const std::size_t numSamples = range[1] - range[0];
-    collectCandidates(data + range[0], numSamples);
-    selectPeaks(preference, isDistanceSymmetric(minDistance, numSamples));
+    const double* const x = data + range[0];
+    const bool mayStopEarly = isDistanceSymmetric(minDistance, numSamples);
+    if (!mayStopEarly || !isRankedByValue(preference) || !findAmongStrongest(x, numSamples, preference)) {
+        result.peaks.clear();
+        collectCandidates(x, numSamples);
+        selectPeaks(preference, mayStopEarly);
+    }
     actualNumPeaks = result.peaks.size();
     result.numPeaks = actualNumPeaks;
     result.isNewDataReady = true;
     return result;
+}
+
+/// Searches the blocks that hold the strongest samples, a few percent of all. True if what was found is what a search
+/// of the whole would find: as many peaks as are wanted, to which weaker candidates change nothing, or all of those
+/// that are high enough.
+bool PeakFinder::findAmongStrongest(const double* x, std::size_t numSamples, PeakSelectionPreference preference) {
+    const std::size_t blockLength = std::max(leastBlockLength, numSamples / mostBlocks);
+    const std::size_t numBlocks = numSamples / blockLength;
+    if (numPeaks > numBlocks / blocksAPeak || numBlocks < blocksAPeak * leastRankedAtOnce) {
+        return false;
+    }
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    blockMaxima.resize(numBlocks);
+    for (std::size_t block = 0; block < numBlocks; ++block) {
+        blockMaxima[block] = spectrumKernels().largestAbove(x + block * blockLength, blockLength, -infinity);
+    }
+    groupMaxima = blockMaxima;
+    const double bound = largestOfRank(groupMaxima, std::max<std::size_t>(leastRankedAtOnce, 2 * numPeaks));
+    if (bound == -infinity) {
+        return false;
+    }
+    locations.clear();
+    candidates.clear();
+    for (std::size_t block = 0; block < numBlocks; ++block) {
+        if (blockMaxima[block] >= bound) {
+            collectStrong(x, numSamples, bound, block * blockLength, (block + 1) * blockLength);
+        }
+    }
+    collectStrong(x, numSamples, bound, numBlocks * blockLength, numSamples);
+    selectPeaks(preference, true);
+    return result.peaks.size() == numPeaks || minHeight >= bound;
+}
+
+/// Appends the candidates from `first` up to `stop` that reach the bound.
+void PeakFinder::collectStrong(const double* x, std::size_t numSamples, double bound, std::size_t first,
+                               std::size_t stop) {
+    for (std::size_t k = std::max<std::size_t>(first, 1); k < stop && k + 1 < numSamples; ++k) {
+        if (x[k] >= bound && x[k] > x[k - 1] && x[k] > minHeight) {
+            std::size_t next = k + 1;
+            while (next < numSamples && !(x[next] > x[next - 1]) && !(x[next] < x[next - 1])) {
+                ++next;
+            }
+            const bool falls = next < numSamples && x[next] < x[next - 1];
+            if (falls && std::min(x[k] - x[k + 1], x[k] - x[k - 1]) >= threshold) {
+                locations.push_back(static_cast<double>(k));
+                candidates.push_back({x[k], candidates.size()});
+            }
+        }
+    }
 }
 
 void PeakFinder::collectCandidates(const double* x, std::size_t numSamples) {
@@ -83,10 +156,9 @@ void PeakFinder::selectPeaks(PeakSelectionPreference preference, bool mayStopEar
         return;
     }
     const bool isThinning = minDistance != 1.0;
-    const bool isInOrder = preference != PeakSelectionLastMaximum && preference != PeakSelectionFirstMaximum;
     suppressed.assign(candidates.size(), 0);
     std::size_t next = candidates.size();
-    std::size_t numUnranked = isInOrder ? 0 : candidates.size();
+    std::size_t numUnranked = isRankedByValue(preference) ? candidates.size() : 0;
     std::size_t numSurvivors = 0;
     while (next > 0 && !(mayStopEarly && numSurvivors == numPeaks)) {
         if (next == numUnranked) {
@@ -122,9 +194,7 @@ double PeakFinder::boundOfStrongest(std::size_t numUnranked, std::size_t wanted)
         }
         groupMaxima.push_back(largest);
     }
-    const auto place = groupMaxima.end() - static_cast<std::ptrdiff_t>(wanted);
-    std::nth_element(groupMaxima.begin(), place, groupMaxima.end());
-    return *place;
+    return largestOfRank(groupMaxima, wanted);
 }
 
 /// Puts the strongest of the first numUnranked candidates, a number that grows from call to call, behind the others in

@@ -57,6 +57,8 @@ private:
         std::size_t order;  ///< index into locations
     };
 
+    bool findAmongStrongest(const double* x, std::size_t numSamples, PeakSelectionPreference preference);
+    void collectStrong(const double* x, std::size_t numSamples, double bound, std::size_t first, std::size_t stop);
     void collectCandidates(const double* x, std::size_t numSamples);
     void selectPeaks(PeakSelectionPreference preference, bool mayStopEarly);
     double boundOfStrongest(std::size_t numUnranked, std::size_t wanted);
@@ -78,6 +80,7 @@ private:
     std::vector<double> locations;      // of the candidates, ascending
     std::vector<Candidate> candidates;  // ranked from the back, as far as was needed
     std::vector<char> suppressed;       // by order
+    std::vector<double> blockMaxima;    // strongest sample of each block
     std::vector<double> groupMaxima;    // the strongest candidate of each of a number of groups
 };
 
