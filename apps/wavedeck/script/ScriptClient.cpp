@@ -204,11 +204,7 @@ constexpr std::array<std::pair<std::string_view, ReadChange>, 16> changes{{
     {"board", readBoard},
     {"storage",
      [](const ScriptValue& value) -> ClientChange {
-         return [storage = readStorage(value)](DeckClient& client) {
-             client.withInfo([&](WaveDeckClientInfo& info) {
-                 info.getClientSettings().addCustomSetting("dataStorageFilterUtils", storage);
-             });
-         };
+         return [storage = readStorage(value)](DeckClient& client) { client.setStorage(storage); };
      }},
     {"source",
      [](const ScriptValue& value) -> ClientChange {

@@ -13,6 +13,7 @@
 
 #include "ClientFacts.h"
 #include "QueryValue.h"
+#include "wavedeck/DataStorageFilterUtils.h"
 #include "wavedeck/Visibility.h"
 #include "wavedeck/WaveDeckClientInfo.h"
 #include "wavedeck/WaveDeckDataProcStrategy.h"
@@ -133,6 +134,8 @@ public:
     void setKeepOutputs(bool keep);
     /// What a replacing stage put out for a signal in the last frame; empty if nothing.
     std::vector<double> output(const std::string& stage, std::size_t signal) const;
+    /// Stands for the host's storage filter: puts its record on the board and lets strategies find it active.
+    void setStorage(const DataStorageFilterUtils& storage);
     /// Reads or changes the client's facts and board under the client's lock.
     void withInfo(const std::function<void(WaveDeckClientInfo&)>& change);
     const std::string& name() const { return facts_.name; }

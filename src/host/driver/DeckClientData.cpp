@@ -263,6 +263,12 @@ std::vector<double> DeckClient::output(const std::string& name, std::size_t sign
     return signal < stage.outputs.size() ? stage.outputs[signal] : std::vector<double>{};
 }
 
+void DeckClient::setStorage(const DataStorageFilterUtils& storage) {
+    const std::lock_guard lock(mutex_);
+    info_->getClientSettings().addCustomSetting("dataStorageFilterUtils", storage);
+    info_->setFilterImpl("wavedeck_datastorage_filter", std::make_shared<WaveDeckTransformImpl>());
+}
+
 void DeckClient::withInfo(const std::function<void(WaveDeckClientInfo&)>& change) {
     const std::lock_guard lock(mutex_);
     change(*info_);
