@@ -108,15 +108,21 @@ void SpectrumBuffer::setup(const std::size_t& signals, const std::size_t& channe
 
 void SpectrumBuffer::addData(const double* data, const std::size_t& channel, const std::size_t& numSamples,
                              const std::size_t& numChannelsOfSignal, const bool& dataIsComplex) {
+    addData(data, channel, Slice{0, numSamples, numSamples}, numChannelsOfSignal, dataIsComplex);
+}
+
+void SpectrumBuffer::addData(const double* data, const std::size_t& channel, const Slice& slice,
+                             const std::size_t& numChannelsOfSignal, const bool& dataIsComplex) {
+    const double* re = data + slice.first;
     if (auto* real = std::get_if<Runs<double>>(&store)) {
-        append((*real)[channel], RealSource{data}, numSamples);
+        append((*real)[channel], RealSource{re}, slice.count);
         return;
     }
     auto& run = std::get<Runs<std::complex<double>>>(store)[channel];
     if (dataIsComplex) {
-        append(run, ComplexSource{data, data + numChannelsOfSignal * numSamples}, numSamples);
+        append(run, ComplexSource{re, re + numChannelsOfSignal * slice.frameSize}, slice.count);
     } else {
-        append(run, RealAsComplexSource{data}, numSamples);
+        append(run, RealAsComplexSource{re}, slice.count);
     }
 }
 

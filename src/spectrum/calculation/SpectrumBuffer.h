@@ -55,6 +55,16 @@ public:
     void addData(const double* data, const std::size_t& channel, const std::size_t& numSamples,
                  const std::size_t& numChannelsOfSignal, const bool& dataIsComplex);
 
+    /// Part of a frame: `count` samples from `first` on, of the `frameSize` that the frame has in each channel.
+    struct Slice {
+        std::size_t first;
+        std::size_t count;
+        std::size_t frameSize;
+    };
+    /// Appends a part of a frame of one channel, `data` being that of the whole frame.
+    void addData(const double* data, const std::size_t& channel, const Slice& slice,
+                 const std::size_t& numChannelsOfSignal, const bool& dataIsComplex);
+
     /// Whole segments held; 0 for a channel that is not there.
     std::size_t getNumSegments(const std::size_t& channel) const;
     /// Samples held, the overlap counted twice; 0 for a channel that is not there.

@@ -427,14 +427,19 @@ private:
     void allocateWelchResources();
     void allocateFFTResources();
     void repeatCachedSpectrum(std::vector<double>& out, const int& signal);
+    void computeInSlices(const double* data, std::vector<double>& out, const std::size_t& numChannels);
+    std::size_t sliceLength() const;
     void addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& numChannels,
-                                 const std::size_t& frameSize, const bool& isComplex);
+                                 const SpectrumBuffer::Slice& slice);
     std::size_t getNumSegments(const std::size_t& bufferIndex) const;
     std::size_t computeTransientSegmentLength(const std::size_t& bufferIndex, bool ready) const;
     double computeTransientRBW(const std::size_t& length) const;
     void computeTransientNumSamplesPerUpdate();
     void beginTransientUpdate(bool ready);
     void computeUpdate(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+    void prepareOutput(std::vector<double>& out, const std::size_t& numChannels) const;
+    void computeSegments(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
+    void finishOutput(std::vector<double>& out, const int& signal, const std::size_t& numChannels);
     void countSegment(const int& signal);
     void finishFrame(bool ready, std::size_t newSegments);
     void addFrequencyVectorToOutputBuffer(std::vector<double>& out) const;

@@ -55,7 +55,12 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const 
     }
     propertyChanged = false;
     const std::size_t channels = getNumChannels(signal);
-    addDataToSpectrumBuffer(data, signal, channels, toCount(getFrameSize(signal)), isComplexSignal(signal));
+    if (numSignals == 1 && desiredSegmentLengthMet && !showSpectrogram) {
+        computeInSlices(data, out, channels);
+        return metaData;
+    }
+    const std::size_t samples = toCount(getFrameSize(signal));
+    addDataToSpectrumBuffer(data, signal, channels, {0, samples, samples});
     const bool ready = spectrumBuffer->isReady() && !isZoomLeadInPending(0);
     if (!ready && (enableDesiredSegmentLengthThreshold || desiredSegmentLengthMet)) {
         spectrumBuffer->setZerosInFirstSegment(true);
@@ -100,12 +105,52 @@ void SpectrumEstimator::repeatCachedSpectrum(std::vector<double>& out, const int
     metaData.resetSignalBuffers = resetSignalBuffers;
 }
 
+/// In steady state a single signal is taken in slices of a segment or a few, whose samples are still in the first cache
+/// when they are transformed; the segments are the same ones, in the same order. Several signals have to wait for one
+/// another, and a spectrogram needs to know the number of its rows.
+void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>& out, const std::size_t& channels) {
+    const int signal = 0;
+    const std::size_t samples = toCount(getFrameSize(signal));
+    const std::size_t slice = sliceLength();
+    std::size_t newSegments = 0;
+    for (std::size_t first = 0; first < samples; first += slice) {
+        addDataToSpectrumBuffer(data, signal, channels, {first, std::min(slice, samples - first), samples});
+        if (!spectrumBuffer->isReady() || isZoomLeadInPending(0)) {
+            continue;
+        }
+        if (newSegments == 0) {
+            transientSegmentLength = actualSegmentLength;
+            numSpectrumBlocks = 1;
+            prepareOutput(out, channels);
+        }
+        numSegments = getNumSegments(0);
+        computeSegments(out, signal, channels);
+        spectrumBuffer->clear();
+        newSegments += numSegments;
+    }
+    if (newSegments == 0) {
+        spectrumBuffer->setZerosInFirstSegment(true);
+        return;
+    }
+    numSegments = newSegments;
+    finishOutput(out, signal, channels);
+    finishFrame(false, newSegments);
+    updateComputedSpectrumMetaData();
+    resetSignalBuffers = false;
+}
+
+std::size_t SpectrumEstimator::sliceLength() const {
+    constexpr std::size_t leastSamples = 1024;  // below, calls cost more than the cache gains
+    const std::size_t hop = spectrumBuffer->getSegmentLength() - spectrumBuffer->getNumOverlapSamples();
+    return hop * std::max(transform.segments(), leastSamples / hop);
+}
+
 void SpectrumEstimator::addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& channels,
-                                                const std::size_t& samples, const bool& complex) {
+                                                const SpectrumBuffer::Slice& slice) {
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const std::size_t index = getChannelBufferIdx(signal, channel);
         beginZoomChannel(index);
-        spectrumBuffer->addData(data + samples * channel, index, samples, channels, complex);
+        spectrumBuffer->addData(data + slice.frameSize * channel, index, slice, channels, isComplexSignal(signal));
         takeZoomLeadIn(index);
     }
 }
@@ -160,16 +205,16 @@ void SpectrumEstimator::beginTransientUpdate(bool ready) {
     resetSignalBuffers = true;
 }
 
-void SpectrumEstimator::computeUpdate(std::vector<double>& out, const int& signal, const std::size_t& channels) {
+void SpectrumEstimator::prepareOutput(std::vector<double>& out, const std::size_t& channels) const {
     out.resize(getOutputDataSize(channels));
     addFrequencyVectorToOutputBuffer(out);
     if (outputFrequencyVector != 0 && showSpectrogram) {
         const auto grid = out.begin() + static_cast<std::ptrdiff_t>(spectrumLength);
         std::fill(grid, grid + static_cast<std::ptrdiff_t>((numSegments - 1) * spectrumLength), 0.0);
     }
-    if (isZoomInUse() && !desiredSegmentLengthMet) {
-        zoomStateAtStart = zoomState;
-    }
+}
+
+void SpectrumEstimator::computeSegments(std::vector<double>& out, const int& signal, const std::size_t& channels) {
     for (std::size_t segment = 0; segment < numSegments; ++segment) {
         countSegment(signal);
         addDataToFFTBuffer(signal, channels, segment);
@@ -185,15 +230,27 @@ void SpectrumEstimator::computeUpdate(std::vector<double>& out, const int& signa
             computeMaxAndMinHoldTracePSD(out, signal, channels, segment);
         }
     }
-    if (isZoomInUse() && !desiredSegmentLengthMet) {
-        zoomState = zoomStateAtStart;  // the same samples come again, in a longer segment
-    }
+}
+
+void SpectrumEstimator::finishOutput(std::vector<double>& out, const int& signal, const std::size_t& channels) {
     aggregateSpectrum(out, signal, channels);
     scaleSpectrum(out, signal, channels);
     if (showSpectrum) {
         scaleMaxMinHoldTraceSpectrum(signal, channels);
     }
     cacheSpectrum(out, signal, channels);
+}
+
+void SpectrumEstimator::computeUpdate(std::vector<double>& out, const int& signal, const std::size_t& channels) {
+    prepareOutput(out, channels);
+    if (isZoomInUse() && !desiredSegmentLengthMet) {
+        zoomStateAtStart = zoomState;
+        computeSegments(out, signal, channels);
+        zoomState = zoomStateAtStart;  // the same samples come again, in a longer segment
+    } else {
+        computeSegments(out, signal, channels);
+    }
+    finishOutput(out, signal, channels);
 }
 
 /// The one counter goes on with each signal, the other with the last one alone; both are meant.
