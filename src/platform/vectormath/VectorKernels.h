@@ -17,6 +17,7 @@ struct VectorKernels {
     void (*windowComplex)(const double*, const double*, double*, std::size_t);
     void (*scaledPower)(const double*, double, double*, std::size_t);
     bool (*averageExponentially)(double*, double*, std::size_t, double, bool);
+    bool (*averagePower)(const double*, double, double*, std::size_t, double, bool);
     void (*holdMaximum)(const double*, double*, std::size_t);
     void (*holdMinimum)(const double*, double*, std::size_t);
 };

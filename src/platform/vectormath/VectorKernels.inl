@@ -235,6 +235,40 @@ VECTOR_TARGET bool averageExponentially(double* row, double* average, std::size_
     return any(notFinite);
 }
 
+/// re^2 + im^2 of as many samples as there are lanes.
+VECTOR_INLINE Doubles magnitudesSquared(const double* spectrum) {
+    const Doubles low = load(spectrum) * load(spectrum);
+    const Doubles high = load(spectrum + lanes) * load(spectrum + lanes);
+#if VECTOR_LANES == 2
+    return __builtin_shufflevector(low, high, 0, 2) + __builtin_shufflevector(low, high, 1, 3);
+#else
+    // Pairs are parted within each half of a vector, and the sums put in order once.
+    const Doubles sums =
+        __builtin_shufflevector(low, high, 0, 4, 2, 6) + __builtin_shufflevector(low, high, 1, 5, 3, 7);
+    return __builtin_shufflevector(sums, sums, 0, 2, 1, 3);
+#endif
+}
+
+VECTOR_TARGET bool averagePower(const double* spectrum, double scale, double* average, std::size_t n, double weight,
+                                bool useNonFinite) {
+    const Integers use = Integers{} - std::int64_t{useNonFinite};
+    Integers notFinite{};
+    std::size_t i = 0;
+    for (; i + lanes <= n; i += lanes) {
+        Doubles y = scale * magnitudesSquared(spectrum + 2 * i);
+        notFinite |= averageStep(y, load(average + i), weight, use);
+        store(average + i, y);
+    }
+    if (i < n) {
+        double rest[2 * lanes] = {};
+        __builtin_memcpy(rest, spectrum + 2 * i, 2 * (n - i) * sizeof(double));
+        Doubles y = scale * magnitudesSquared(rest);
+        notFinite |= averageStep(y, loadSome(average + i, n - i, 0.0), weight, use);
+        storeSome(average + i, n - i, y);
+    }
+    return any(notFinite);
+}
+
 constexpr VectorKernels table{toDecibels,           rootToDecibels, fromDecibels,  squareFromDecibels,
                               squareRoots,          windowReal,     windowComplex, scaledPower,
-                              averageExponentially, holdMaximum,    holdMinimum};
+                              averageExponentially, averagePower,   holdMaximum,   holdMinimum};

@@ -62,6 +62,11 @@ bool averageExponentially(double* row, double* average, std::size_t n, double we
     return kernels().averageExponentially(row, average, n, weight, useNonFinite);
 }
 
+bool averagePower(const double* spectrum, double scale, double* average, std::size_t n, double weight,
+                  bool useNonFinite) {
+    return kernels().averagePower(spectrum, scale, average, n, weight, useNonFinite);
+}
+
 void holdMaximum(const double* row, double* hold, std::size_t n) {
     kernels().holdMaximum(row, hold, n);
 }

@@ -59,6 +59,12 @@ void scaledPower(const double* spectrum, double scale, double* power, std::size_
 /// Returns whether any y was infinite or NaN.
 bool averageExponentially(double* row, double* average, std::size_t n, double weight, bool useNonFinite);
 
+/// `scaledPower` and `averageExponentially` in one pass, without a row between them: the average takes
+/// y = scale * (spectrum[2 i]^2 + spectrum[2 i + 1]^2), bit for bit as by the two calls, in half of their time.
+/// spectrum [2 n], real and imaginary parts in turn; average [n], which does not overlap it
+bool averagePower(const double* spectrum, double scale, double* average, std::size_t n, double weight,
+                  bool useNonFinite);
+
 /// hold[i] = row[i] < hold[i] ? hold[i] : row[i]. A NaN in the row takes the place of what was held.
 void holdMaximum(const double* row, double* hold, std::size_t n);
 

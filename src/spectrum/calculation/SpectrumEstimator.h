@@ -475,6 +475,10 @@ private:
     void computeActualSpectralAverages();
     void computeExponentialAverage(std::vector<double>& out, const int& signal, const std::size_t& numChannels,
                                    const std::size_t& segment);
+    double nextAverageWeight(const int& signal);
+    bool canAverageInPlace() const;
+    void computeAveragedPSD(const int& signal, const std::size_t& numChannels);
+    void copyAverageToRows(std::vector<double>& out, const int& signal, const std::size_t& numChannels) const;
     void computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const int& signal, const std::size_t& numChannels,
                                       const std::size_t& segment);
     void computeMaxAndMinHoldTraceSpectrum(const std::vector<double>& out, const int& signal,
@@ -640,7 +644,7 @@ private:
     std::size_t totalNumSamplesProcessed = 0;
     std::optional<SpectrumBuffer> spectrumBuffer;
     spectrumEstimatorMetaDataStruct metaData;
-    std::vector<double> averagedSpectrum;
+    AlignedVector<double> averagedSpectrum;
     std::vector<double> averagingWeights;
     std::vector<double> maxHoldPSD;
     std::vector<double> minHoldPSD;
@@ -656,6 +660,7 @@ private:
 
     // Scratch.
     SpectrumTransform transform;
+    bool rowsAreInAverage = false;  ///< the rows of the last segment stand in averagedSpectrum alone
     std::vector<double> rowScratch;
     std::vector<unsigned long> conversionRange;
     std::vector<std::complex<double>> zoomOutput;  ///< [all channels * L] decimated samples of the segment at hand

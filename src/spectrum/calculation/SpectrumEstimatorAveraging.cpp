@@ -119,21 +119,69 @@ void SpectrumEstimator::resetAveragingResources(const bool& force) {
 
 /// The weight of the newest row is 1 / (1 + ff + ff^2 + ...) over the rows so far, so that the average is right from
 /// the first row on and needs no correction.
+double SpectrumEstimator::nextAverageWeight(const int& signal) {
+    double& weight = averagingWeights[static_cast<std::size_t>(signal)];
+    weight = actualForgettingFactor * weight + 1.0;
+    return 1.0 / weight;
+}
+
 void SpectrumEstimator::computeExponentialAverage(std::vector<double>& out, const int& signal,
                                                   const std::size_t& channels, const std::size_t& segment) {
     if (isAveragingDisallowed()) {
         return;
     }
-    double& weight = averagingWeights[static_cast<std::size_t>(signal)];
-    const double sum = actualForgettingFactor * weight + 1.0;
+    const double weight = nextAverageWeight(signal);
     double* average = averagedSpectrum.data() + getChannelBufferIdx(signal, 0) * spectrumLength;
     for (std::size_t channel = 0; channel < channels; ++channel, average += spectrumLength) {
         double* row = out.data() + getOutputDataIdx(channel, segment);
-        if (vectormath::averageExponentially(row, average, spectrumLength, 1.0 / sum, useNaNsInCalculatingAverages)) {
+        if (vectormath::averageExponentially(row, average, spectrumLength, weight, useNaNsInCalculatingAverages)) {
             dataHasNaNs = true;
         }
     }
-    weight = sum;
+}
+
+/// Where all segments write one row and the whole band is shown, the row that an average leaves is the average itself:
+/// it need not be written with every segment.
+bool SpectrumEstimator::canAverageInPlace() const {
+    return !showSpectrogram && !isFrequencyVectorTrimmed() && !isAveragingDisallowed();
+}
+
+void SpectrumEstimator::computeAveragedPSD(const int& signal, const std::size_t& channels) {
+    const std::size_t N = actualFFTLength;
+    const double scale = getSpectrumScaleValue();
+    const double weight = nextAverageWeight(signal);
+    const auto take = [&](const double* bins, double factor, double* average, std::size_t n) {
+        if (vectormath::averagePower(bins, factor, average, n, weight, useNaNsInCalculatingAverages)) {
+            dataHasNaNs = true;
+        }
+    };
+    double* average = averagedSpectrum.data() + getChannelBufferIdx(signal, 0) * spectrumLength;
+    for (std::size_t channel = 0; channel < channels; ++channel, average += spectrumLength) {
+        const double* bins = transform.output(channel);
+        if (isTwoSidedSpectrum()) {
+            const std::size_t zeroHertz = (N - 1) / 2;
+            take(bins, scale, average + zeroHertz, N - zeroHertz);
+            take(bins + 2 * (N - zeroHertz), scale, average, zeroHertz);
+            continue;
+        }
+        // All bins as pairs first, so that the rows stay aligned; the single ones then again from what they were.
+        const std::size_t last = spectrumLength - 1;
+        const double before[2] = {average[0], average[last]};
+        take(bins, scale * 2.0, average, spectrumLength);
+        average[0] = before[0];
+        take(bins, scale, average, 1);
+        if (last != 0 && isDCOrNyquist(last, N % 2 == 0)) {
+            average[last] = before[1];
+            take(bins + 2 * last, scale, average + last, 1);
+        }
+    }
+    rowsAreInAverage = true;
+}
+
+void SpectrumEstimator::copyAverageToRows(std::vector<double>& out, const int& signal,
+                                          const std::size_t& channels) const {
+    const double* average = averagedSpectrum.data() + getChannelBufferIdx(signal, 0) * spectrumLength;
+    std::copy_n(average, channels * spectrumLength, out.data() + getOutputDataIdx(0, 0));
 }
 
 void SpectrumEstimator::allocateMaxAndMinHoldResources() {
@@ -163,7 +211,8 @@ void SpectrumEstimator::computeMaxAndMinHoldTracePSD(const std::vector<double>& 
                                                      const std::size_t& channels, const std::size_t& segment) {
     std::size_t place = getChannelBufferIdx(signal, 0) * spectrumLength;
     for (std::size_t channel = 0; channel < channels; ++channel, place += spectrumLength) {
-        const double* row = out.data() + getOutputDataIdx(channel, segment);
+        const double* row =
+            rowsAreInAverage ? averagedSpectrum.data() + place : out.data() + getOutputDataIdx(channel, segment);
         if (plotMaxHoldTrace) {
             vectormath::holdMaximum(row, maxHoldPSD.data() + place, spectrumLength);
         }

@@ -216,12 +216,17 @@ void SpectrumEstimator::prepareOutput(std::vector<double>& out, const std::size_
 
 void SpectrumEstimator::computeSegments(std::vector<double>& out, const int& signal, const std::size_t& channels) {
     for (std::size_t segment = 0; segment < numSegments; ++segment) {
+        rowsAreInAverage = false;
         countSegment(signal);
         addDataToFFTBuffer(signal, channels, segment);
         transform.execute(channels, inputSegment(segment));
-        computePSD(out, channels, segment);
-        if (desiredSegmentLengthMet) {
-            computeExponentialAverage(out, signal, channels, segment);
+        if (desiredSegmentLengthMet && canAverageInPlace()) {
+            computeAveragedPSD(signal, channels);
+        } else {
+            computePSD(out, channels, segment);
+            if (desiredSegmentLengthMet) {
+                computeExponentialAverage(out, signal, channels, segment);
+            }
         }
         if (isAnyHoldTraceOn() && showSpectrum) {
             if (desiredSegmentLengthMet) {
@@ -229,6 +234,9 @@ void SpectrumEstimator::computeSegments(std::vector<double>& out, const int& sig
             }
             computeMaxAndMinHoldTracePSD(out, signal, channels, segment);
         }
+    }
+    if (rowsAreInAverage) {
+        copyAverageToRows(out, signal, channels);
     }
 }
 

@@ -206,6 +206,16 @@ void EveryLengthAndAddress::checkAverages(std::size_t n, std::size_t offset) {
         expectAll(row, offset, 0, [&](std::size_t i) { return expected[offset + i]; });
         expectAll(mean, 1, 0, [&](std::size_t i) { return expectedMean[1 + i]; });
     }
+    for (const bool useNonFinite : {false, true}) {
+        const Array spectrum = makeArray(2 * n, offset);
+        Array average = makeArray(n, 1);
+        Array expected = average;
+        Array row(n + 1);
+        kernels_.scaledPower(&spectrum[offset], 1.7, &row[0], n);
+        const bool found = kernels_.averageExponentially(&row[0], &expected[1], n, 0.3, useNonFinite);
+        EXPECT_EQ(kernels_.averagePower(&spectrum[offset], 1.7, &average[1], n, 0.3, useNonFinite), found);
+        expectAll(average, 1, 0, [&](std::size_t i) { return expected[1 + i]; });
+    }
     const Array row = makeArray(n, offset);
     const Array before = makeArray(n, 1);
     Array held = before;
