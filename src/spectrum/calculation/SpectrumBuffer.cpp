@@ -126,6 +126,12 @@ void SpectrumBuffer::addData(const double* data, const std::size_t& channel, con
     }
 }
 
+void SpectrumBuffer::continueFrom(const double* shared, const std::size_t& channel) {
+    auto& run = std::get<Runs<double>>(store)[channel];
+    run.clear();
+    appendSamples(run, RealSource{shared}, 0, numOverlapSamples);
+}
+
 /// Begins a segment with what it shares with the one before, or with zeros if there is none.
 template <class Sample>
 void SpectrumBuffer::openSegment(SampleVector<Sample>& run) const {

@@ -65,6 +65,10 @@ public:
     void addData(const double* data, const std::size_t& channel, const Slice& slice,
                  const std::size_t& numChannelsOfSignal, const bool& dataIsComplex);
 
+    /// Puts the overlap of the next segment in the place of what a real channel holds, for segments that were read
+    /// elsewhere: `shared` holds the last getNumOverlapSamples() samples of them.
+    void continueFrom(const double* shared, const std::size_t& channel);
+
     /// Whole segments held; 0 for a channel that is not there.
     std::size_t getNumSegments(const std::size_t& channel) const;
     /// Samples held, the overlap counted twice; 0 for a channel that is not there.

@@ -346,6 +346,12 @@ private:
         bool operator==(const WindowKey&) const = default;
     };
 
+    /// Segments that are read in the frame at hand; none without data.
+    struct SegmentsInFrame {
+        const double* data = nullptr;
+        std::size_t frameSize = 0;
+        std::size_t first = 0;  ///< sample with which the first of them begins
+    };
     /// What the decimator remembers from one segment to the next.
     struct ZoomState {
         std::vector<double> history;                   ///< [all channels * 48 d - 1] last input samples, as stored
@@ -428,7 +434,10 @@ private:
     void allocateFFTResources();
     void repeatCachedSpectrum(std::vector<double>& out, const int& signal);
     void computeInSlices(const double* data, std::vector<double>& out, const std::size_t& numChannels);
+    std::size_t numSegmentsInFrame(std::size_t first, std::size_t samples) const;
     std::size_t sliceLength() const;
+    const double* segmentSamples(const std::size_t& bufferIndex, std::size_t segment, std::size_t segments,
+                                 std::size_t& available) const;
     void addDataToSpectrumBuffer(const double* data, const int& signal, const std::size_t& numChannels,
                                  const SpectrumBuffer::Slice& slice);
     std::size_t getNumSegments(const std::size_t& bufferIndex) const;
@@ -660,6 +669,7 @@ private:
 
     // Scratch.
     SpectrumTransform transform;
+    SegmentsInFrame segmentsInFrame;
     bool rowsAreInAverage = false;  ///< the rows of the last segment stand in averagedSpectrum alone
     std::vector<double> rowScratch;
     std::vector<unsigned long> conversionRange;

@@ -148,20 +148,14 @@ void SpectrumEstimator::allocateKernelStores(bool complexSamples) {
     }
 }
 
-/// The samples of a run of segments of a channel, and how many of those wanted are there.
+/// What the bank filters: segments as they are, or the points of a zoomed one.
 const double* SpectrumEstimator::filterbankSamples(const std::size_t& bufferIndex, std::size_t segment,
                                                    std::size_t segments, std::size_t& available) const {
-    if (isZoomInUse()) {
-        available = transientSegmentLength;
-        return reinterpret_cast<const double*>(zoomOutput.data() + bufferIndex * actualSegmentLength);
+    if (!isZoomInUse()) {
+        return segmentSamples(bufferIndex, segment, segments, available);
     }
-    const std::size_t held = spectrumBuffer->size(bufferIndex);
-    const std::size_t offset = std::min(segment * transientSegmentLength, held);
-    available = std::min(segments * transientSegmentLength, held - offset);
-    if (spectrumBuffer->holdsComplexSamples()) {
-        return reinterpret_cast<const double*>(spectrumBuffer->run<std::complex<double>>(bufferIndex) + offset);
-    }
-    return spectrumBuffer->run<double>(bufferIndex) + offset;
+    available = transientSegmentLength;
+    return reinterpret_cast<const double*>(zoomOutput.data() + bufferIndex * actualSegmentLength);
 }
 
 void SpectrumEstimator::computeFIRPolyphaseAnalysis(const int& signal, const std::size_t& channels,

@@ -105,33 +105,50 @@ void SpectrumEstimator::repeatCachedSpectrum(std::vector<double>& out, const int
     metaData.resetSignalBuffers = resetSignalBuffers;
 }
 
-/// In steady state a single signal is taken in slices of a segment or a few, whose samples are still in the first cache
-/// when they are transformed; the segments are the same ones, in the same order. Several signals have to wait for one
-/// another, and a spectrogram needs to know the number of its rows.
+/// A single signal in steady state. Its segments are the same ones, in the same order, but they are not all stored
+/// before the first is transformed: real segments that lie within the frame are read where they are, others go through
+/// the buffer in slices that stay in the first cache. Several signals have to wait for one another, and a spectrogram
+/// needs to know the number of its rows.
 void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>& out, const std::size_t& channels) {
     const int signal = 0;
     const std::size_t samples = toCount(getFrameSize(signal));
-    const std::size_t slice = sliceLength();
     std::size_t newSegments = 0;
-    for (std::size_t first = 0; first < samples; first += slice) {
-        addDataToSpectrumBuffer(data, signal, channels, {first, std::min(slice, samples - first), samples});
-        if (!spectrumBuffer->isReady() || isZoomLeadInPending(0)) {
-            continue;
-        }
+    const auto compute = [&](std::size_t segments) {
         if (newSegments == 0) {
             transientSegmentLength = actualSegmentLength;
             numSpectrumBlocks = 1;
             prepareOutput(out, channels);
         }
-        numSegments = getNumSegments(0);
+        numSegments = segments;
         computeSegments(out, signal, channels);
-        spectrumBuffer->clear();
-        newSegments += numSegments;
+        newSegments += segments;
+    };
+    for (std::size_t first = 0; first < samples;) {
+        const std::size_t inFrame = numSegmentsInFrame(first, samples);
+        if (inFrame != 0) {
+            const std::size_t shared = spectrumBuffer->getNumOverlapSamples();
+            segmentsInFrame = {data, samples, first - shared};
+            compute(inFrame);
+            segmentsInFrame = {};
+            first += inFrame * (actualSegmentLength - shared);
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                spectrumBuffer->continueFrom(data + channel * samples + (first - shared), channel);
+            }
+            continue;
+        }
+        const std::size_t count = std::min(sliceLength(), samples - first);
+        addDataToSpectrumBuffer(data, signal, channels, {first, count, samples});
+        first += count;
+        if (spectrumBuffer->isReady() && !isZoomLeadInPending(0)) {
+            compute(getNumSegments(0));
+            spectrumBuffer->clear();
+        }
     }
     if (newSegments == 0) {
         spectrumBuffer->setZerosInFirstSegment(true);
         return;
     }
+    metaData.isNewDataReady = false;
     numSegments = newSegments;
     finishOutput(out, signal, channels);
     finishFrame(false, newSegments);
@@ -139,9 +156,26 @@ void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>&
     resetSignalBuffers = false;
 }
 
+/// Segments that begin with the samples shared with the one before and lie within the frame as a whole, if the buffer
+/// stands at the beginning of a segment when `first` samples of the frame have been taken.
+std::size_t SpectrumEstimator::numSegmentsInFrame(std::size_t first, std::size_t samples) const {
+    const std::size_t shared = spectrumBuffer->getNumOverlapSamples();
+    const bool atBoundary = spectrumBuffer->size(0) == shared && first >= shared;
+    if (!atBoundary || spectrumBuffer->holdsComplexSamples() || isZoomInUse() || numSegmentsPerBlock != 1) {
+        return 0;
+    }
+    return (samples - first) / (actualSegmentLength - shared);
+}
+
+/// Up to the end of the open segment where segments can be read in the frame from there on; else some segments.
 std::size_t SpectrumEstimator::sliceLength() const {
+    const std::size_t L = spectrumBuffer->getSegmentLength();
+    const std::size_t hop = L - spectrumBuffer->getNumOverlapSamples();
+    if (!spectrumBuffer->holdsComplexSamples()) {
+        const std::size_t open = spectrumBuffer->size(0) % L;
+        return open == 0 ? hop : L - open;
+    }
     constexpr std::size_t leastSamples = 1024;  // below, calls cost more than the cache gains
-    const std::size_t hop = spectrumBuffer->getSegmentLength() - spectrumBuffer->getNumOverlapSamples();
     return hop * std::max(transform.segments(), leastSamples / hop);
 }
 
@@ -317,21 +351,38 @@ void SpectrumEstimator::addDataToFFTBuffer(const int& signal, const std::size_t&
 /// What the segment or the window does not reach is zero.
 void SpectrumEstimator::addWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels,
                                                    const std::size_t& segment) {
-    const std::size_t offset = segment * transientSegmentLength;
     const std::size_t wanted = std::min({transientSegmentLength, actualFFTLength, windowData.size()});
     for (std::size_t channel = 0; channel < channels; ++channel) {
-        const std::size_t index = getChannelBufferIdx(signal, channel);
-        const std::size_t held = spectrumBuffer->size(index);
-        const std::size_t count = std::min(wanted, held - std::min(offset, held));
         double* in = transform.input(channel, inputSegment(segment));
+        std::size_t available = 0;
+        const double* samples = segmentSamples(getChannelBufferIdx(signal, channel), segment, 1, available);
+        const std::size_t count = std::min(wanted, available);
         if (count != 0 && spectrumBuffer->holdsComplexSamples()) {
-            const auto* samples = spectrumBuffer->run<std::complex<double>>(index) + offset;
-            vectormath::windowComplex(reinterpret_cast<const double*>(samples), windowData.data(), in, count);
+            vectormath::windowComplex(samples, windowData.data(), in, count);
         } else if (count != 0) {
-            vectormath::windowReal(spectrumBuffer->run<double>(index) + offset, windowData.data(), in, count);
+            vectormath::windowReal(samples, windowData.data(), in, count);
         }
         std::fill(in + 2 * count, in + 2 * actualFFTLength, 0.0);
     }
+}
+
+/// The samples of some segments of a channel, the parts of complex ones in turn, and how many of those wanted are
+/// there.
+const double* SpectrumEstimator::segmentSamples(const std::size_t& bufferIndex, std::size_t segment,
+                                                std::size_t segments, std::size_t& available) const {
+    const std::size_t L = transientSegmentLength;
+    if (segmentsInFrame.data != nullptr) {
+        available = segments * L;
+        const std::size_t hop = L - spectrumBuffer->getNumOverlapSamples();
+        return segmentsInFrame.data + bufferIndex * segmentsInFrame.frameSize + segmentsInFrame.first + segment * hop;
+    }
+    const std::size_t held = spectrumBuffer->size(bufferIndex);
+    const std::size_t offset = std::min(segment * L, held);
+    available = std::min(segments * L, held - offset);
+    if (spectrumBuffer->holdsComplexSamples()) {
+        return reinterpret_cast<const double*>(spectrumBuffer->run<std::complex<double>>(bufferIndex) + offset);
+    }
+    return spectrumBuffer->run<double>(bufferIndex) + offset;
 }
 
 void SpectrumEstimator::computePSD(std::vector<double>& out, const std::size_t& channels, const std::size_t& segment) {
