@@ -346,6 +346,14 @@ private:
         bool operator==(const WindowKey&) const = default;
     };
 
+    /// Some channels of a segment, and the weight of its row in the average, 0 for none.
+    struct SegmentPart {
+        int signal;
+        std::size_t segment;
+        std::size_t first;
+        std::size_t end;
+        double averageWeight;
+    };
     /// Segments that are read in the frame at hand; none without data.
     struct SegmentsInFrame {
         const double* data = nullptr;
@@ -452,12 +460,13 @@ private:
     void countSegment(const int& signal);
     void finishFrame(bool ready, std::size_t newSegments);
     void addFrequencyVectorToOutputBuffer(std::vector<double>& out) const;
-    void addDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
-    void addWelchDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
-    void addWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
-    void computePSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
-    void computeTwoSidedPSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
-    void computeOneSidedPSD(std::vector<double>& out, const std::size_t& numChannels, const std::size_t& segment);
+    void prepareSegment(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
+    void computeSegmentPart(std::vector<double>& out, const SegmentPart& part);
+    void addDataToFFTBuffer(const SegmentPart& part);
+    void addWindowedDataToFFTBuffer(const SegmentPart& part);
+    void computePSD(std::vector<double>& out, const SegmentPart& part);
+    void computeTwoSidedPSD(std::vector<double>& out, const SegmentPart& part);
+    void computeOneSidedPSD(std::vector<double>& out, const SegmentPart& part);
     bool isDCOrNyquist(std::size_t k, const bool& isEvenLength) const;
     void cacheSpectrum(const std::vector<double>& out, const int& signal, const std::size_t& numChannels);
 
@@ -473,8 +482,7 @@ private:
                   std::complex<double>* points);
     void keepZoomHistory(const std::size_t& bufferIndex, std::size_t offset, std::size_t samples);
     void computeZoomSegment(const int& signal, const std::size_t& numChannels, const std::size_t& segment);
-    void addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& numChannels,
-                                           const std::size_t& segment);
+    void addZoomFFTWindowedDataToFFTBuffer(const SegmentPart& part);
 
     // Averaging and hold traces.
     void allocateAveragingResources();
@@ -482,14 +490,12 @@ private:
     void computeActualForgettingFactor();
     void computeActualVBW();
     void computeActualSpectralAverages();
-    void computeExponentialAverage(std::vector<double>& out, const int& signal, const std::size_t& numChannels,
-                                   const std::size_t& segment);
+    void computeExponentialAverage(std::vector<double>& out, const SegmentPart& part);
     double nextAverageWeight(const int& signal);
     bool canAverageInPlace() const;
-    void computeAveragedPSD(const int& signal, const std::size_t& numChannels);
+    void computeAveragedPSD(const SegmentPart& part);
     void copyAverageToRows(std::vector<double>& out, const int& signal, const std::size_t& numChannels) const;
-    void computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const int& signal, const std::size_t& numChannels,
-                                      const std::size_t& segment);
+    void computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const SegmentPart& part);
     void computeMaxAndMinHoldTraceSpectrum(const std::vector<double>& out, const int& signal,
                                            const std::size_t& numChannels);
 
@@ -522,6 +528,10 @@ private:
     void analyse(FilterbankStores<Sample>& bank, const Sample* samples, std::size_t count,
                  std::size_t bufferIndex) const;
     void addFIRPolyphaseAnalysisDataToFFTBuffer(const int& signal, const std::size_t& numChannels);
+    /// Place of a channel in the transform's input: the bank fills it for all channels, windows for those at hand.
+    std::size_t inputPlace(const SegmentPart& part, std::size_t channel) const {
+        return isFilterbankMode() ? channel : channel - part.first;
+    }
     /// Place of a segment in the transform's input.
     std::size_t inputSegment(std::size_t segment) const { return segment % transform.segments(); }
 

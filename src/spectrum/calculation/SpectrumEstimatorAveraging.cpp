@@ -125,16 +125,12 @@ double SpectrumEstimator::nextAverageWeight(const int& signal) {
     return 1.0 / weight;
 }
 
-void SpectrumEstimator::computeExponentialAverage(std::vector<double>& out, const int& signal,
-                                                  const std::size_t& channels, const std::size_t& segment) {
-    if (isAveragingDisallowed()) {
-        return;
-    }
-    const double weight = nextAverageWeight(signal);
-    double* average = averagedSpectrum.data() + getChannelBufferIdx(signal, 0) * spectrumLength;
-    for (std::size_t channel = 0; channel < channels; ++channel, average += spectrumLength) {
-        double* row = out.data() + getOutputDataIdx(channel, segment);
-        if (vectormath::averageExponentially(row, average, spectrumLength, weight, useNaNsInCalculatingAverages)) {
+void SpectrumEstimator::computeExponentialAverage(std::vector<double>& out, const SegmentPart& part) {
+    double* average = averagedSpectrum.data() + getChannelBufferIdx(part.signal, part.first) * spectrumLength;
+    for (std::size_t channel = part.first; channel < part.end; ++channel, average += spectrumLength) {
+        double* row = out.data() + getOutputDataIdx(channel, part.segment);
+        if (vectormath::averageExponentially(row, average, spectrumLength, part.averageWeight,
+                                             useNaNsInCalculatingAverages)) {
             dataHasNaNs = true;
         }
     }
@@ -143,21 +139,20 @@ void SpectrumEstimator::computeExponentialAverage(std::vector<double>& out, cons
 /// Where all segments write one row and the whole band is shown, the row that an average leaves is the average itself:
 /// it need not be written with every segment.
 bool SpectrumEstimator::canAverageInPlace() const {
-    return !showSpectrogram && !isFrequencyVectorTrimmed() && !isAveragingDisallowed();
+    return !showSpectrogram && !isFrequencyVectorTrimmed();
 }
 
-void SpectrumEstimator::computeAveragedPSD(const int& signal, const std::size_t& channels) {
+void SpectrumEstimator::computeAveragedPSD(const SegmentPart& part) {
     const std::size_t N = actualFFTLength;
     const double scale = getSpectrumScaleValue();
-    const double weight = nextAverageWeight(signal);
     const auto take = [&](const double* bins, double factor, double* average, std::size_t n) {
-        if (vectormath::averagePower(bins, factor, average, n, weight, useNaNsInCalculatingAverages)) {
+        if (vectormath::averagePower(bins, factor, average, n, part.averageWeight, useNaNsInCalculatingAverages)) {
             dataHasNaNs = true;
         }
     };
-    double* average = averagedSpectrum.data() + getChannelBufferIdx(signal, 0) * spectrumLength;
-    for (std::size_t channel = 0; channel < channels; ++channel, average += spectrumLength) {
-        const double* bins = transform.output(channel);
+    double* average = averagedSpectrum.data() + getChannelBufferIdx(part.signal, part.first) * spectrumLength;
+    for (std::size_t channel = part.first; channel < part.end; ++channel, average += spectrumLength) {
+        const double* bins = transform.output(channel - part.first);
         if (isTwoSidedSpectrum()) {
             const std::size_t zeroHertz = (N - 1) / 2;
             take(bins, scale, average + zeroHertz, N - zeroHertz);
@@ -175,7 +170,6 @@ void SpectrumEstimator::computeAveragedPSD(const int& signal, const std::size_t&
             take(bins + 2 * last, scale, average + last, 1);
         }
     }
-    rowsAreInAverage = true;
 }
 
 void SpectrumEstimator::copyAverageToRows(std::vector<double>& out, const int& signal,
@@ -207,12 +201,11 @@ void SpectrumEstimator::resetMaxAndMinHoldResources() {
     resetMaxMinHoldStates = false;
 }
 
-void SpectrumEstimator::computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const int& signal,
-                                                     const std::size_t& channels, const std::size_t& segment) {
-    std::size_t place = getChannelBufferIdx(signal, 0) * spectrumLength;
-    for (std::size_t channel = 0; channel < channels; ++channel, place += spectrumLength) {
+void SpectrumEstimator::computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const SegmentPart& part) {
+    std::size_t place = getChannelBufferIdx(part.signal, part.first) * spectrumLength;
+    for (std::size_t channel = part.first; channel < part.end; ++channel, place += spectrumLength) {
         const double* row =
-            rowsAreInAverage ? averagedSpectrum.data() + place : out.data() + getOutputDataIdx(channel, segment);
+            rowsAreInAverage ? averagedSpectrum.data() + place : out.data() + getOutputDataIdx(channel, part.segment);
         if (plotMaxHoldTrace) {
             vectormath::holdMaximum(row, maxHoldPSD.data() + place, spectrumLength);
         }

@@ -55,7 +55,7 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const 
     }
     propertyChanged = false;
     const std::size_t channels = getNumChannels(signal);
-    if (numSignals == 1 && desiredSegmentLengthMet && !showSpectrogram) {
+    if (numSignals == 1 && desiredSegmentLengthMet && !showSpectrogram && numSegmentsPerBlock == 1) {
         computeInSlices(data, out, channels);
         return metaData;
     }
@@ -161,7 +161,7 @@ void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>&
 std::size_t SpectrumEstimator::numSegmentsInFrame(std::size_t first, std::size_t samples) const {
     const std::size_t shared = spectrumBuffer->getNumOverlapSamples();
     const bool atBoundary = spectrumBuffer->size(0) == shared && first >= shared;
-    if (!atBoundary || spectrumBuffer->holdsComplexSamples() || isZoomInUse() || numSegmentsPerBlock != 1) {
+    if (!atBoundary || spectrumBuffer->holdsComplexSamples() || isZoomInUse()) {
         return 0;
     }
     return (samples - first) / (actualSegmentLength - shared);
@@ -249,28 +249,60 @@ void SpectrumEstimator::prepareOutput(std::vector<double>& out, const std::size_
 }
 
 void SpectrumEstimator::computeSegments(std::vector<double>& out, const int& signal, const std::size_t& channels) {
+    // As many channels at a time as stay in the first cache from their window to their power.
+    constexpr std::size_t fewPoints = 1024;
+    const std::size_t atOnce = std::max<std::size_t>(fewPoints / actualFFTLength, 1);
     for (std::size_t segment = 0; segment < numSegments; ++segment) {
-        rowsAreInAverage = false;
         countSegment(signal);
-        addDataToFFTBuffer(signal, channels, segment);
-        transform.execute(channels, inputSegment(segment));
-        if (desiredSegmentLengthMet && canAverageInPlace()) {
-            computeAveragedPSD(signal, channels);
-        } else {
-            computePSD(out, channels, segment);
-            if (desiredSegmentLengthMet) {
-                computeExponentialAverage(out, signal, channels, segment);
-            }
-        }
-        if (isAnyHoldTraceOn() && showSpectrum) {
-            if (desiredSegmentLengthMet) {
-                resetMaxAndMinHoldResources();
-            }
-            computeMaxAndMinHoldTracePSD(out, signal, channels, segment);
+        prepareSegment(signal, channels, segment);
+        const bool averages = desiredSegmentLengthMet && !isAveragingDisallowed();
+        rowsAreInAverage = averages && canAverageInPlace();
+        SegmentPart part{signal, segment, 0, 0, averages ? nextAverageWeight(signal) : 0.0};
+        for (; part.first < channels; part.first = part.end) {
+            part.end = std::min(part.first + atOnce, channels);
+            computeSegmentPart(out, part);
         }
     }
     if (rowsAreInAverage) {
         copyAverageToRows(out, signal, channels);
+    }
+}
+
+/// What comes before the windows of a segment: the points of a zoomed one, and what the bank gives.
+void SpectrumEstimator::prepareSegment(const int& signal, const std::size_t& channels, const std::size_t& segment) {
+    if (isZoomInUse()) {
+        computeZoomSegment(signal, channels, segment);
+    }
+    if (isFilterbankMode() && desiredSegmentLengthMet) {
+        if (kernelBank.inUse) {
+            computeKernelAnalysis(signal, channels, segment);
+        } else {
+            computeFIRPolyphaseAnalysis(signal, channels, segment);
+            addFIRPolyphaseAnalysisDataToFFTBuffer(signal, channels);
+        }
+    }
+    // Hold traces don't keep what was shown while the bank filled.
+    if (isFilterbankInSteadyStateStart() && desiredSegmentLength != 0 && useWelchForFilterBankTransient) {
+        resetMaxMinHoldStates = true;
+    }
+    if (isAnyHoldTraceOn() && showSpectrum && desiredSegmentLengthMet) {
+        resetMaxAndMinHoldResources();
+    }
+}
+
+void SpectrumEstimator::computeSegmentPart(std::vector<double>& out, const SegmentPart& part) {
+    addDataToFFTBuffer(part);
+    transform.execute(inputPlace(part, part.first), part.end - part.first, inputSegment(part.segment));
+    if (rowsAreInAverage) {
+        computeAveragedPSD(part);
+    } else {
+        computePSD(out, part);
+        if (part.averageWeight != 0.0) {
+            computeExponentialAverage(out, part);
+        }
+    }
+    if (isAnyHoldTraceOn() && showSpectrum) {
+        computeMaxAndMinHoldTracePSD(out, part);
     }
 }
 
@@ -322,40 +354,25 @@ void SpectrumEstimator::finishFrame(bool ready, std::size_t newSegments) {
     }
 }
 
-void SpectrumEstimator::addDataToFFTBuffer(const int& signal, const std::size_t& channels, const std::size_t& segment) {
+/// Windows the segment. While the bank fills, a hybrid engine shows Welch spectra over what the bank gave.
+void SpectrumEstimator::addDataToFFTBuffer(const SegmentPart& part) {
+    if (isPlainFilterbank()) {
+        return;
+    }
     if (isZoomInUse()) {
-        computeZoomSegment(signal, channels, segment);
-    }
-    if (isFilterbankMode() && desiredSegmentLengthMet) {
-        if (kernelBank.inUse) {
-            computeKernelAnalysis(signal, channels, segment);
-        } else {
-            computeFIRPolyphaseAnalysis(signal, channels, segment);
-            addFIRPolyphaseAnalysisDataToFFTBuffer(signal, channels);
-        }
-    }
-    // While the bank fills, a hybrid engine shows Welch spectra over what the bank gave.
-    if (!isPlainFilterbank()) {
-        if (isZoomInUse()) {
-            addZoomFFTWindowedDataToFFTBuffer(signal, channels, segment);
-        } else {
-            addWindowedDataToFFTBuffer(signal, channels, segment);
-        }
-    }
-    // Hold traces don't keep what was shown during the fill.
-    if (isFilterbankInSteadyStateStart() && desiredSegmentLength != 0 && useWelchForFilterBankTransient) {
-        resetMaxMinHoldStates = true;
+        addZoomFFTWindowedDataToFFTBuffer(part);
+    } else {
+        addWindowedDataToFFTBuffer(part);
     }
 }
 
 /// What the segment or the window does not reach is zero.
-void SpectrumEstimator::addWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels,
-                                                   const std::size_t& segment) {
+void SpectrumEstimator::addWindowedDataToFFTBuffer(const SegmentPart& part) {
     const std::size_t wanted = std::min({transientSegmentLength, actualFFTLength, windowData.size()});
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        double* in = transform.input(channel, inputSegment(segment));
+    for (std::size_t channel = part.first; channel < part.end; ++channel) {
+        double* in = transform.input(inputPlace(part, channel), inputSegment(part.segment));
         std::size_t available = 0;
-        const double* samples = segmentSamples(getChannelBufferIdx(signal, channel), segment, 1, available);
+        const double* samples = segmentSamples(getChannelBufferIdx(part.signal, channel), part.segment, 1, available);
         const std::size_t count = std::min(wanted, available);
         if (count != 0 && spectrumBuffer->holdsComplexSamples()) {
             vectormath::windowComplex(samples, windowData.data(), in, count);
@@ -385,17 +402,16 @@ const double* SpectrumEstimator::segmentSamples(const std::size_t& bufferIndex, 
     return spectrumBuffer->run<double>(bufferIndex) + offset;
 }
 
-void SpectrumEstimator::computePSD(std::vector<double>& out, const std::size_t& channels, const std::size_t& segment) {
+void SpectrumEstimator::computePSD(std::vector<double>& out, const SegmentPart& part) {
     if (isTwoSidedSpectrum() && !propertyChanged) {
-        computeTwoSidedPSD(out, channels, segment);
+        computeTwoSidedPSD(out, part);
     } else {
-        computeOneSidedPSD(out, channels, segment);
+        computeOneSidedPSD(out, part);
     }
 }
 
 /// Bins in the order of the grid: negative frequencies first, and for an even length the one at +Fs' / 2 last.
-void SpectrumEstimator::computeTwoSidedPSD(std::vector<double>& out, const std::size_t& channels,
-                                           const std::size_t& segment) {
+void SpectrumEstimator::computeTwoSidedPSD(std::vector<double>& out, const SegmentPart& part) {
     const std::size_t N = actualFFTLength;
     const std::size_t zeroHertz = (N - 1) / 2;
     const double scale = getSpectrumScaleValue();
@@ -403,9 +419,9 @@ void SpectrumEstimator::computeTwoSidedPSD(std::vector<double>& out, const std::
     if (trimmed) {
         rowScratch.resize(N);
     }
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        const double* bins = transform.output(channel);
-        double* const outRow = out.data() + getOutputDataIdx(channel, segment);
+    for (std::size_t channel = part.first; channel < part.end; ++channel) {
+        const double* bins = transform.output(channel - part.first);
+        double* const outRow = out.data() + getOutputDataIdx(channel, part.segment);
         double* const row = trimmed ? rowScratch.data() : outRow;
         vectormath::scaledPower(bins, scale, row + zeroHertz, N - zeroHertz);
         vectormath::scaledPower(bins + 2 * (N - zeroHertz), scale, row, zeroHertz);
@@ -419,16 +435,15 @@ void SpectrumEstimator::computeTwoSidedPSD(std::vector<double>& out, const std::
 }
 
 /// Bins that stand for two, the positive and the negative frequency, count double.
-void SpectrumEstimator::computeOneSidedPSD(std::vector<double>& out, const std::size_t& channels,
-                                           const std::size_t& segment) {
+void SpectrumEstimator::computeOneSidedPSD(std::vector<double>& out, const SegmentPart& part) {
     const bool even = actualFFTLength % 2 == 0;
     const std::size_t lastBin = oneSidedLength() - 1;
     const std::size_t start = std::min(frequencyRangeStart(), lastBin);
     const std::size_t count = std::min(spectrumLength, lastBin + 1 - start);
     const double scale = getSpectrumScaleValue();
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        const double* bins = transform.output(channel);
-        double* const row = out.data() + getOutputDataIdx(channel, segment);
+    for (std::size_t channel = part.first; channel < part.end; ++channel) {
+        const double* bins = transform.output(channel - part.first);
+        double* const row = out.data() + getOutputDataIdx(channel, part.segment);
         vectormath::scaledPower(bins + 2 * start, scale * 2.0, row, count);
         for (const std::size_t single : {std::size_t{0}, spectrumLength - 1}) {
             if (isDCOrNyquist(single, even) && single >= start && single < start + count) {

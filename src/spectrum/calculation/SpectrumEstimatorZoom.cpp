@@ -227,12 +227,11 @@ void SpectrumEstimator::computeZoomSegment(const int& signal, const std::size_t&
     }
 }
 
-void SpectrumEstimator::addZoomFFTWindowedDataToFFTBuffer(const int& signal, const std::size_t& channels,
-                                                          const std::size_t& segment) {
+void SpectrumEstimator::addZoomFFTWindowedDataToFFTBuffer(const SegmentPart& part) {
     const std::size_t count = std::min({transientSegmentLength, actualFFTLength, windowData.size()});
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        const Complex* points = zoomOutput.data() + getChannelBufferIdx(signal, channel) * actualSegmentLength;
-        double* in = transform.input(channel, inputSegment(segment));
+    for (std::size_t channel = part.first; channel < part.end; ++channel) {
+        const Complex* points = zoomOutput.data() + getChannelBufferIdx(part.signal, channel) * actualSegmentLength;
+        double* in = transform.input(inputPlace(part, channel), inputSegment(part.segment));
         vectormath::windowComplex(reinterpret_cast<const double*>(points), windowData.data(), in, count);
         std::fill(in + 2 * count, in + 2 * actualFFTLength, 0.0);
     }

@@ -38,11 +38,11 @@ void SpectrumTransform::reset() {
     std::fill_n(out.get(), segmentStride(), 0.0);
 }
 
-void SpectrumTransform::execute(std::size_t channels, std::size_t segment) {
-    const std::size_t transforms = std::min(channels, numChannels);
+void SpectrumTransform::execute(std::size_t first, std::size_t channels, std::size_t segment) {
+    const std::size_t transforms = std::min(channels, numChannels - std::min(first, numChannels));
     constexpr int forward = -1;
     constexpr bool measureFirst = false;
-    fftbridge::interleavedFFT1D<double, 2>(context, planCache, input(0, segment), out.get(), points, transforms,
+    fftbridge::interleavedFFT1D<double, 2>(context, planCache, input(first, segment), out.get(), points, transforms,
                                            forward, measureFirst);
 }
 

@@ -18,8 +18,9 @@ public:
     /// Fills both buffers with zeros.
     void reset();
 
-    /// Transforms the first `channels` channels of a segment, at most as many as there are.
-    void execute(std::size_t channels, std::size_t segment = 0);
+    /// Transforms `channels` channels of a segment, from channel `first` on and at most as many as there are; the first
+    /// of them is channel 0 of the output.
+    void execute(std::size_t first, std::size_t channels, std::size_t segment = 0);
 
     std::size_t length() const { return points; }
     std::size_t segments() const { return numSegments; }
