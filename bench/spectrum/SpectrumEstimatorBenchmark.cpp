@@ -74,14 +74,16 @@ public:
         run();
         waitForBetterPlans();
     }
-    void run() {
+    void run() { run(frame_.data()); }
+    void run(const double* frameData) {
         if (!estimator_.isLocked()) {
             const auto frame = static_cast<int>(frameSize_);
             estimator_.setup(1, {frame}, {frame}, {static_cast<int>(channels_)}, {0}, true);
         }
-        estimator_.computeSpectrum(frame_.data(), out_, 0);
+        estimator_.computeSpectrum(frameData, out_, 0);
         benchmark::DoNotOptimize(out_.data());
     }
+    const double* frame() const { return frame_.data(); }
     const Values& spectrum() const { return out_; }
     SpectrumEstimator& estimator() { return estimator_; }
 
@@ -125,7 +127,7 @@ BENCHMARK(welch)
     ->UseManualTime()
     ->MinTime(1.0);
 
-/// Argument: channels. The yardstick is one channel as many times.
+/// Argument: channels. The yardstick takes the same samples as frames of one channel.
 void channels(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
     Welch subject(1024, 64, count);

@@ -252,19 +252,36 @@ VECTOR_INLINE Doubles magnitudesSquared(const double* spectrum) {
 VECTOR_TARGET bool averagePower(const double* spectrum, double scale, double* average, std::size_t n, double weight,
                                 bool useNonFinite) {
     const Integers use = Integers{} - std::int64_t{useNonFinite};
+    const double rest = 1 - weight;
     Integers notFinite{};
     std::size_t i = 0;
-    for (; i + lanes <= n; i += lanes) {
-        Doubles y = scale * magnitudesSquared(spectrum + 2 * i);
-        notFinite |= averageStep(y, load(average + i), weight, use);
-        store(average + i, y);
+    // Four vectors at a time are looked at as one: a product with 0 is 0 unless its factor is infinite or NaN. Choosing
+    // in each lane, which only the others need, takes half of the time.
+    for (; i + 4 * lanes <= n; i += 4 * lanes) {
+        Doubles y[4];
+        Doubles zero{};
+        for (std::size_t part = 0; part < 4; ++part) {
+            y[part] = scale * magnitudesSquared(spectrum + 2 * (i + part * lanes));
+            zero += y[part] * 0.0;
+        }
+        const bool allFinite = !any(zero != 0.0);
+        for (std::size_t part = 0; part < 4; ++part) {
+            const Doubles m = load(average + i + part * lanes);
+            if (allFinite) {
+                y[part] = weight * y[part] + rest * m;
+            } else {
+                notFinite |= averageStep(y[part], m, weight, use);
+            }
+            store(average + i + part * lanes, y[part]);
+        }
     }
-    if (i < n) {
-        double rest[2 * lanes] = {};
-        __builtin_memcpy(rest, spectrum + 2 * i, 2 * (n - i) * sizeof(double));
-        Doubles y = scale * magnitudesSquared(rest);
-        notFinite |= averageStep(y, loadSome(average + i, n - i, 0.0), weight, use);
-        storeSome(average + i, n - i, y);
+    for (; i < n; i += lanes) {
+        const std::size_t count = n - i < lanes ? n - i : lanes;
+        double bins[2 * lanes] = {};
+        __builtin_memcpy(bins, spectrum + 2 * i, 2 * count * sizeof(double));
+        Doubles y = scale * magnitudesSquared(bins);
+        notFinite |= averageStep(y, loadSome(average + i, count, 0.0), weight, use);
+        storeSome(average + i, count, y);
     }
     return any(notFinite);
 }

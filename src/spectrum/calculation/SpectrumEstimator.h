@@ -680,7 +680,8 @@ private:
     // Scratch.
     SpectrumTransform transform;
     SegmentsInFrame segmentsInFrame;
-    bool rowsAreInAverage = false;  ///< the rows of the last segment stand in averagedSpectrum alone
+    std::vector<double> averageWeights;  ///< of the segments at hand
+    bool rowsAreInAverage = false;       ///< the rows of the last segment stand in averagedSpectrum alone
     std::vector<double> rowScratch;
     std::vector<unsigned long> conversionRange;
     std::vector<std::complex<double>> zoomOutput;  ///< [all channels * L] decimated samples of the segment at hand

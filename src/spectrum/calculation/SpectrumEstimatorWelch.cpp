@@ -249,18 +249,25 @@ void SpectrumEstimator::prepareOutput(std::vector<double>& out, const std::size_
 }
 
 void SpectrumEstimator::computeSegments(std::vector<double>& out, const int& signal, const std::size_t& channels) {
-    // As many channels at a time as stay in the first cache from their window to their power.
+    // As many channels at a time as stay in the first cache from their window to their power, and all segments of these
+    // before the next ones: their samples come in as one stream. Bank and zoom make a segment of all channels at once.
     constexpr std::size_t fewPoints = 1024;
-    const std::size_t atOnce = std::max<std::size_t>(fewPoints / actualFFTLength, 1);
-    for (std::size_t segment = 0; segment < numSegments; ++segment) {
-        countSegment(signal);
-        prepareSegment(signal, channels, segment);
-        const bool averages = desiredSegmentLengthMet && !isAveragingDisallowed();
-        rowsAreInAverage = averages && canAverageInPlace();
-        SegmentPart part{signal, segment, 0, 0, averages ? nextAverageWeight(signal) : 0.0};
-        for (; part.first < channels; part.first = part.end) {
-            part.end = std::min(part.first + atOnce, channels);
-            computeSegmentPart(out, part);
+    const std::size_t channelsAtOnce = std::max<std::size_t>(fewPoints / actualFFTLength, 1);
+    const std::size_t segmentsAtOnce = isFilterbankMode() || isZoomInUse() ? 1 : numSegments;
+    for (std::size_t first = 0; first < numSegments; first += segmentsAtOnce) {
+        averageWeights.clear();
+        for (std::size_t segment = first; segment < first + segmentsAtOnce; ++segment) {
+            countSegment(signal);
+            prepareSegment(signal, channels, segment);
+            const bool averages = desiredSegmentLengthMet && !isAveragingDisallowed();
+            rowsAreInAverage = averages && canAverageInPlace();
+            averageWeights.push_back(averages ? nextAverageWeight(signal) : 0.0);
+        }
+        for (std::size_t channel = 0; channel < channels; channel += channelsAtOnce) {
+            const std::size_t end = std::min(channel + channelsAtOnce, channels);
+            for (std::size_t segment = first; segment < first + segmentsAtOnce; ++segment) {
+                computeSegmentPart(out, {signal, segment, channel, end, averageWeights[segment - first]});
+            }
         }
     }
     if (rowsAreInAverage) {
