@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <sstream>
 
@@ -43,26 +42,20 @@ std::vector<double> seconds(int first, int last) {
 
 /// A client with a cache of one sample a second from 0 to `newest`, and a filter for the calculator to ask.
 struct Display {
-    explicit Display(int newest) {
+    Display(int newest, bool automatic, double custom) {
         client.board().addCustomSetting(MagPhaseFilter::magPhaseData, std::vector<bool>{false});
         client.board().addCustomSetting(MeasurementsDataCacheFilter::measurementsDataCache, MeasurementsDataCache());
+        client.board().axesTimeTable.set(0, {0.0, 10.0, 0});
         const auto frame = seconds(0, newest);
         cacheOf(client).addData(frame.data(), 0, frame.size() / 2);
-        filter.tuneImpl(client.setup());
+        filter.tuneImpl(client.setup().addLogical("autoSpan", automatic).addDouble("customSpan", custom));
         filter.setInputLength(12);  // six points
-        filter.setForceComputeSpan(false);
     }
-    void axes(double start, double span, unsigned long flag = 0) {
-        client.board().axesTimeTable.set(0, {start, span, flag});
-    }
-    void spanOptions(bool automatic, double custom) {
-        filter.tuneImpl(TestClient::tune().addLogical("autoSpan", automatic).addDouble("customSpan", custom));
-    }
-    PropertyList options(double startTime, double autoTimeRange, bool frameMode) {
-        return client.setup()
-            .addDouble("startTime", startTime)
-            .addDouble("autoTimeRange", autoTimeRange)
-            .addLogical("isBlockInFrameProcMode", frameMode);
+    void setup(double startTime, double autoTimeRange, bool frameMode) {
+        calc.setPropertiesOnSetup(client.setup()
+                                      .addDouble("startTime", startTime)
+                                      .addDouble("autoTimeRange", autoTimeRange)
+                                      .addLogical("isBlockInFrameProcMode", frameMode));
     }
     Range range() { return calc.getDataRange(filter, 0); }
 
@@ -71,119 +64,74 @@ struct Display {
     BFMeasurementFilterRangeCalc calc;
 };
 
-struct Row {
-    const char* what;
-    int newest;
-    std::function<void(Display&)> set;
-    Range range;
+struct Facts {
+    bool automatic = false, anew = false, frameMode = false, replay = false, onePeriod = false;
+    double optionStart = 0.0, autoRange = 10.0, custom = 0.0, simStart = 0.0, sampleTime = 1.0;
+    wavedeck::AxesTime axes = {0.0, 10.0, 0};
 };
 
-// The span of the axes is 10 s; index i of the cache is second i.
+struct Row {
+    int newest;
+    Range range;
+    Facts facts = {};
+};
+
+// Index i of the cache is second i.
 const Row rows[] = {
-    {"only the start of the simulation", 0, [](Display&) {}, {0, 0}},
-    {"inside the first span", 7, [](Display&) {}, {0, 8}},
-    {"at its end it has not moved", 10, [](Display&) {}, {0, 11}},
-    {"moved by whole spans", 25, [](Display&) {}, {20, 26}},
-    {"a whole number of spans shows the last", 30, [](Display&) {}, {20, 31}},
-    {"automatic", 25, [](Display& d) { d.spanOptions(true, 0); }, {20, 26}},
-    {"an option moves the start",
-     25,
-     [](Display& d) { d.calc.setPropertiesOnSetup(d.options(3, 10, false)); },
-     {23, 26}},
-    {"axes driven from elsewhere stand still", 25, [](Display& d) { d.axes(5, 10, 1); }, {5, 16}},
-    {"driven, and the span measured anew",
-     25,
-     [](Display& d) {
-         d.axes(5, 10, 1);
-         d.spanOptions(false, 8);
-         d.filter.setForceComputeSpan(true);
-     },
-     {0, 9}},
-    {"a replay counts as moved", 10, [](Display& d) { d.client->setIsDataSourceRepository(true); }, {0, 11}},
-    {"a replay further on", 25, [](Display& d) { d.client->setIsDataSourceRepository(true); }, {20, 26}},
-    {"one frame period ends with the newest",
-     25,
-     [](Display& d) { d.client->setTimeSpanOneFramePeriod(true); },
-     {15, 26}},
-    {"one frame period of a later start",
-     25,
-     [](Display& d) {
-         d.client->setTimeSpanOneFramePeriod(true);
-         d.client->setSimStartTime(2);
-         d.calc.setPropertiesOnSetup(d.options(2, 10, false));
-     },
-     {15, 26}},
-    {"the same, automatic",
-     25,
-     [](Display& d) {
-         d.client->setTimeSpanOneFramePeriod(true);
-         d.client->setSimStartTime(2);
-         d.calc.setPropertiesOnSetup(d.options(2, 10, false));
-         d.spanOptions(true, 0);
-     },
-     {17, 26}},
-    {"automatic on samples takes its own span",
-     25,
-     [](Display& d) {
-         d.calc.setPropertiesOnSetup(d.options(0, 8, false));
-         d.spanOptions(true, 0);
-     },
-     {24, 26}},
-    {"automatic on frames takes the axes'",
-     25,
-     [](Display& d) {
-         d.calc.setPropertiesOnSetup(d.options(0, 8, true));
-         d.spanOptions(true, 0);
-     },
-     {20, 26}},
-    {"measured anew: five intervals",
-     27,
-     [](Display& d) {
-         d.spanOptions(true, 0);
-         d.filter.setForceComputeSpan(true);
-     },
-     {25, 28}},
-    {"without a sample time, on frames: up to now",
-     25,
-     [](Display& d) {
-         d.calc.setPropertiesOnSetup(d.options(0, 8, true));
-         d.client->setSampleTimes({0.0});
-         d.client->setSimulationTime(25);
-         d.spanOptions(true, 0);
-         d.filter.setForceComputeSpan(true);
-     },
-     {0, 26}},
-    {"without a span: the newest sample", 25, [](Display& d) { d.axes(0, 0); }, {25, 26}},
+    {0, {0, 0}},     // nothing but the start of the simulation
+    {7, {0, 8}},     // inside the first span
+    {10, {0, 11}},   // at its end it has not moved
+    {25, {20, 26}},  // moved by whole spans
+    {30, {20, 31}},  // a whole number of spans shows the last
+    {25, {20, 26}, {.automatic = true}},
+    {25, {23, 26}, {.optionStart = 3.0}},
+    {25, {5, 16}, {.axes = {5.0, 10.0, 1}}},  // axes driven from elsewhere stand still
+    {25, {0, 9}, {.anew = true, .custom = 8.0, .axes = {5.0, 10.0, 1}}},
+    {10, {0, 11}, {.replay = true}},  // a replay counts as moved
+    {25, {20, 26}, {.replay = true}},
+    {25, {15, 26}, {.onePeriod = true}},  // ends with the newest sample
+    {25, {15, 26}, {.onePeriod = true, .optionStart = 2.0, .simStart = 2.0}},
+    {25, {17, 26}, {.automatic = true, .onePeriod = true, .optionStart = 2.0, .simStart = 2.0}},
+    {25, {24, 26}, {.automatic = true, .autoRange = 8.0}},
+    {25, {20, 26}, {.automatic = true, .frameMode = true, .autoRange = 8.0}},  // on frames that of the axes
+    {27, {25, 28}, {.automatic = true, .anew = true}},                         // five intervals of the frame in hand
+    {25, {0, 26}, {.automatic = true, .anew = true, .frameMode = true, .sampleTime = 0.0}},  // up to now
+    {25, {25, 26}, {.axes = {0.0, 0.0, 0}}},                                                 // no span
 };
 
 TEST(BFMeasurementFilterRangeCalc, findsTheSpanInTheCache) {
-    for (const Row& row : rows) {
-        Display display(row.newest);
-        display.axes(0, 10);
-        row.set(display);
-        EXPECT_EQ(display.range(), row.range) << row.what;
+    for (std::size_t index = 0; index < std::size(rows); ++index) {
+        const Row& row = rows[index];
+        Display display(row.newest, row.facts.automatic, row.facts.custom);
+        display.setup(row.facts.optionStart, row.facts.autoRange, row.facts.frameMode);
+        display.client.board().axesTimeTable.set(0, row.facts.axes);
+        display.client->setIsDataSourceRepository(row.facts.replay);
+        display.client->setTimeSpanOneFramePeriod(row.facts.onePeriod);
+        display.client->setSimStartTime(row.facts.simStart);
+        display.client->setSampleTimes({row.facts.sampleTime});
+        display.client->setSimulationTime(25.0);
+        display.filter.setForceComputeSpan(row.facts.anew);
+        EXPECT_EQ(display.range(), row.range) << index;
         EXPECT_FALSE(display.filter.getForceComputeSpan());
     }
-    Display atStart(0);
-    atStart.filter.setForceComputeSpan(true);
-    atStart.range();
+    Display atStart(0, false, 0.0);
+    EXPECT_EQ(atStart.range(), Range({0, 0}));
     EXPECT_TRUE(atStart.filter.getForceComputeSpan());  // nothing was computed yet
     cacheOf(atStart.client).reset();
     EXPECT_EQ(atStart.range(), Range({0, 0}));
 }
 
 TEST(BFMeasurementFilterRangeCalc, fastRestartGoesBackToTheSnapshot) {
-    Display display(27);
-    display.axes(0, 10);
-    display.spanOptions(true, 0);
-    display.calc.setPropertiesOnSetup(display.options(0, 10, false));
+    Display display(27, true, 0.0);
+    display.filter.setForceComputeSpan(false);
+    display.setup(0, 10, false);
     display.client->setFastRestart(true);
-    display.calc.setPropertiesOnSetup(display.options(0, 5, false));
+    display.setup(0, 5, false);
     EXPECT_EQ(display.range(), Range({25, 28}));  // its length is taken first, and then the snapshot comes back
     EXPECT_EQ(display.range(), Range({20, 28}));
     // A setup without a fast restart drops the snapshot; a fast restart then finds none.
     display.client->setFastRestart(false);
-    display.calc.setPropertiesOnSetup(display.options(0, 5, false));
+    display.setup(0, 5, false);
     display.client->setFastRestart(true);
     EXPECT_EQ(display.range(), Range({25, 28}));
     EXPECT_EQ(display.range(), Range({25, 28}));
@@ -243,71 +191,60 @@ TEST(BFMeasurementsDataCacheFilter, beginsAnewWithEachSpan) {
     EXPECT_EQ(cache.size(), 4u);
 }
 
-TEST(SimulationMeasurements, readWhatThoseOfAStreamRead) {
-    const auto wave = [](double time) { return std::fmod(time, 7.0) < 3.0 ? 0.1 * time : 5.0 + 0.1 * time; };
-    std::vector<double> frame = seconds(0, 40);
-    for (std::size_t i = 41; i < 82; ++i) {
-        frame[i] = wave(frame[i]);
-    }
+/// A stage of a simulation reads what that of a stream reads; a new run clears the record, and an empty span does
+/// nothing.
+template <class Plain, class Simulated>
+std::string expectSame() {
     TestClient client;
     client->setOffsets({100.0});
     client.board().addCustomSetting(MagPhaseFilter::magPhaseData, std::vector<bool>{false});
-    client.board().axesTimeTable.set(0, {0.0, 40.0});
+    client.board().axesTimeTable.set(0, {0.0, 40.0, 0});
+    std::vector<double> frame = seconds(0, 40);
+    for (std::size_t i = 41; i < 82; ++i) {
+        frame[i] = 0.1 * frame[i] + (std::fmod(frame[i], 7.0) < 3.0 ? 0.0 : 5.0);
+    }
     BFMeasurementsDataCacheFilter cacheFilter;
     cacheFilter.tuneImpl(client.setup());
     feed(cacheFilter, frame);
-    const auto run = [&](auto&& stage) {
-        stage.tuneImpl(client.setup()
-                           .addLogical("showTransitions", true)
-                           .addLogical("showCycles", true)
-                           .addLogical("autoStateLevel", false)
-                           .addDouble("highStateLevel", 5.0)
-                           .addDouble("lowStateLevel", 4.1));
-        stage.setForceComputeSpan(false);
-        feed(stage, frame);
-    };
-    const auto stats = [&] { return SignalStatisticsFilter::packageImpl(client.name()); };
-    const auto peaks = [&] { return PeakFinderFilter::packageImpl(client.name()); };
-    const auto pulses = [&] { return BilevelMeasurementsFilter::packageImpl(client.name()); };
-    const auto text = [](const Poco::JSON::Object::Ptr& object) {
+    const auto options = client.setup().addLogical("showTransitions", true).addLogical("showCycles", true);
+    const auto text = [&] {
         std::ostringstream stream;
-        object->stringify(stream);
+        auto package = Plain::packageImpl(client.name());
+        package->set("timeRange", std::string());
+        package->stringify(stream);
         return stream.str();
     };
-    run(TimeSignalStatisticsFilter());
-    auto expected = stats();
-    run(BFTimeSignalStatisticsFilter());
-    EXPECT_EQ(stats()->getValue<std::string>("timeRange"), "100, 140");
-    auto actual = stats();
-    actual->set("timeRange", std::string());
-    EXPECT_EQ(text(actual), text(expected));
-    EXPECT_EQ(expected->getValue<std::string>("xMin"), "100");
-
-    run(TimePeakFinderFilter());
-    expected = peaks();
-    BFTimePeakFinderFilter peakFilter;
-    run(peakFilter);
-    EXPECT_EQ(text(peaks()), text(expected));
-    EXPECT_GT(expected->getValue<int>("numPeaks"), 0);
-
-    run(BilevelMeasurementsFilter());
-    expected = pulses();
-    BFBilevelMeasurementsFilter pulseFilter;
-    run(pulseFilter);
-    EXPECT_EQ(text(pulses()), text(expected));
-    EXPECT_EQ(expected->getValue<std::string>("posEdges"), "6");
-
-    // A new run shows no stale figures, and an empty span does nothing.
-    peakFilter.tuneImpl(client.setup());
-    pulseFilter.tuneImpl(client.setup());
-    BFTimeSignalStatisticsFilter().tuneImpl(client.setup());
+    Plain plain;
+    Simulated simulated;
+    simulated.tuneImpl(options);
+    const std::string blank = text();
+    simulated.setForceComputeSpan(false);
+    feed(simulated, frame);
+    const std::string figures = text();
+    EXPECT_NE(figures, blank);
+    plain.tuneImpl(options);
+    plain.setForceComputeSpan(false);
+    feed(plain, frame);
+    EXPECT_EQ(text(), figures);
+    simulated.tuneImpl(options);
     cacheFilter.tuneImpl(client.setup());
-    feed(peakFilter, frame);
-    feed(pulseFilter, frame);
-    EXPECT_EQ(peaks()->getValue<int>("numPeaks"), 0);
-    EXPECT_EQ(pulses()->getValue<std::string>("amplitude"), "nan");
-    EXPECT_EQ(stats()->getValue<std::string>("mean"), "0");
-    EXPECT_EQ(stats()->getValue<std::string>("timeRange"), "");
+    feed(simulated, frame);
+    EXPECT_EQ(text(), blank);
+    return figures;
+}
+
+TEST(SimulationMeasurements, readWhatThoseOfAStreamRead) {
+    EXPECT_NE((expectSame<TimeSignalStatisticsFilter, BFTimeSignalStatisticsFilter>()).find("\"xMin\":\"100\""),
+              std::string::npos);
+    EXPECT_NE((expectSame<TimePeakFinderFilter, BFTimePeakFinderFilter>()).find("\"numPeaks\":3"), std::string::npos);
+    EXPECT_NE((expectSame<BilevelMeasurementsFilter, BFBilevelMeasurementsFilter>()).find("\"posEdges\":\""),
+              std::string::npos);
+    // Only the statistics of a simulation tell their span.
+    Display display(25, false, 0.0);
+    display.filter.setForceComputeSpan(false);
+    feed(display.filter, seconds(25, 25));
+    EXPECT_EQ(board::read<signalStatsStruct>(display.client.board(), "signalStats").timeRange,
+              std::vector<double>({20, 25}));
 }
 
 TEST(BFTriggerFilter, flushesAtTheEndOfTheSimulation) {

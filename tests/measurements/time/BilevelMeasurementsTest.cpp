@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
 #include <functional>
 #include <limits>
 #include <random>
@@ -17,7 +15,6 @@ namespace dspwavedecks {
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 using Metrics = bilevelMeasurementsStruct;
 
@@ -48,18 +45,8 @@ Metrics measure(BilevelMeasurements& bilevel, const std::vector<double>& values)
 }
 
 void expectFigure(double actual, double expected, double tolerance, const char* name) {
-    if (std::isnan(expected)) {
-        EXPECT_TRUE(std::isnan(actual)) << name << " is " << actual;
-    } else {
-        EXPECT_LE(std::fabs(actual - expected), tolerance * std::max(1.0, std::fabs(expected)))
-            << name << ": " << actual << ", expected " << expected;
-    }
-}
-
-void expectFigures(const Metrics& actual, const Metrics& expected, double tolerance) {
-    for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
-        expectFigure(actual.*field.value, expected.*field.value, tolerance, field.name);
-    }
+    EXPECT_LE(std::fabs(actual - expected), tolerance * std::max(1.0, std::fabs(expected)))
+        << name << ": " << actual << ", expected " << expected;
 }
 
 struct Trapezoid {
@@ -87,41 +74,35 @@ TEST(BilevelMeasurements, trapezoidsReadTheirClosedForms) {
                 times.push_back(i / 1024.0);
                 values.push_back(sign * shape(i / 1024.0));
             }
+            const bool up = sign > 0;
             const double amplitude = shape.high - shape.low;
             const double width = 0.5 * shape.riseTime + shape.highTime + 0.5 * shape.fallTime;
             const double rest = shape.period() - width;
-            Metrics expected;
-            expected.lowStateLevel = sign > 0 ? shape.low : -shape.high;
-            expected.highStateLevel = sign > 0 ? shape.high : -shape.low;
-            expected.amplitude = amplitude;
-            expected.posEdges = expected.negEdges = 3.0;
-            expected.riseTime = 0.8 * (sign > 0 ? shape.riseTime : shape.fallTime);
-            expected.fallTime = 0.8 * (sign > 0 ? shape.fallTime : shape.riseTime);
-            expected.posSlewRate = 0.8 * amplitude / expected.riseTime;
-            expected.negSlewRate = -0.8 * amplitude / expected.fallTime;
-            expected.posPreshoot = expected.posOvershoot = expected.negPreshoot = expected.negOvershoot = 0.0;
-            // The stretch behind a transition begins with the first sample in the state: on the ramp, below the level.
-            // A falling one has the last part of the ramp above its level, which is overshoot.
-            const auto beyondBound = [&](double rampTime) {
+            const double rise = up ? shape.riseTime : shape.fallTime;
+            const double fall = up ? shape.fallTime : shape.riseTime;
+            // The stretch behind a transition begins with the first sample in the state, still on the ramp: a rise then
+            // is below its level, and a fall above it.
+            const auto beyondBound = [](double rampTime) {
                 const double step = 100.0 / (rampTime * 1024.0);
                 return 2.0 - (step - std::fmod(98.0, step));
             };
-            expected.posUndershoot = beyondBound(expected.riseTime / 0.8);
-            expected.negUndershoot = 0.0;
-            expected.negOvershoot = beyondBound(expected.fallTime / 0.8);
-            expected.posSettlingTime = 0.48 * expected.riseTime / 0.8;  // from 50 % to 98 % of the ramp
-            expected.negSettlingTime = 0.48 * expected.fallTime / 0.8;
-            expected.period = shape.period();
-            expected.frequency = 1.0 / shape.period();
-            expected.posPulses = expected.negPulses = sign > 0 ? 3.0 : 2.0;
-            expected.negPulses = sign > 0 ? 2.0 : 3.0;
-            expected.posWidth = sign > 0 ? width : rest;
-            expected.negWidth = sign > 0 ? rest : width;
-            expected.posDutyCycle = 100.0 * expected.posWidth / shape.period();
-            expected.negDutyCycle = 100.0 * expected.negWidth / shape.period();
+            // clang-format off
+            const Metrics expected{
+                up ? shape.high : -shape.low, up ? shape.low : -shape.high, amplitude,
+                3.0, 0.8 * rise, amplitude / rise,    // posEdges, riseTime, posSlewRate
+                3.0, 0.8 * fall, -amplitude / fall,   // negEdges, fallTime, negSlewRate
+                0.0, 0.0, beyondBound(rise), 0.48 * rise,  // settled from 50 % to 98 % of the ramp
+                0.0, beyondBound(fall), 0.0, 0.48 * fall,
+                shape.period(), 1.0 / shape.period(),
+                up ? 3.0 : 2.0, up ? width : rest, 100.0 * (up ? width : rest) / shape.period(),
+                up ? 2.0 : 3.0, up ? rest : width, 100.0 * (up ? rest : width) / shape.period()};
+            // clang-format on
             BilevelMeasurements bilevel = measuring(expected.lowStateLevel, expected.highStateLevel);
             bilevel.setSettleSeek(0.6 * width);
-            expectFigures(measure(bilevel, times, values), expected, 1e-10);
+            const Metrics metrics = measure(bilevel, times, values);
+            for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
+                expectFigure(metrics.*field.value, expected.*field.value, 1e-10, field.name);
+            }
         }
     }
 }
@@ -176,57 +157,25 @@ TEST(BilevelMeasurements, stepResponseReadsOvershootPreshootAndSettlingTime) {
     }
 }
 
-struct Levels {
-    double low, high;
-};
-
-/// The histogram method as a plain loop with ceil().
-Levels plainStateLevels(const std::vector<double>& values) {
-    const auto [leastAt, mostAt] = std::minmax_element(values.begin(), values.end());
-    const double least = *leastAt;
-    const double most = *mostAt;
-    std::array<std::uint64_t, 100> bins{};
-    for (const double x : values) {
-        const double place = std::ceil((x - least) * 100 / (most - least)) - 1;
-        ++bins[place >= 0 && std::isfinite(place) ? static_cast<std::size_t>(std::min(place, 99.0)) : 0];
-    }
-    std::size_t low = 0;
-    std::size_t high = 49;
-    for (std::size_t i = 1; i < 100; ++i) {
-        low = i <= 49 && bins[i] > bins[low] ? i : low;
-        high = i >= 49 && bins[i] > bins[high] ? i : high;
-    }
-    const double width = (most - least) / 100;
-    return {least + (static_cast<double>(low) + 0.5) * width, least + (static_cast<double>(high) + 0.5) * width};
-}
-
+// In values of 0 to 100 the bin k holds k < x <= k + 1, and the level is at k + 0.5.
 TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
-    BilevelMeasurements bilevel;
-    expectFigure(measure(bilevel, {0, 0, 1, 1}).lowStateLevel, 0.005, 1e-15, "low");
-    EXPECT_EQ(measure(bilevel, {0, 0, 1, 1}).highStateLevel, 0.995);
-    EXPECT_EQ(measure(bilevel, {7, 7, 7}).amplitude, 0.0);
-    // Nothing to find: the levels of the last good span stay.
-    measure(bilevel, {0, 0, 1, 1});
-    for (const double odd : {infinity, -infinity}) {
-        EXPECT_EQ(measure(bilevel, {odd, 5, 6}).highStateLevel, 0.995);
-    }
-    std::mt19937 random(3);
-    std::normal_distribution<double> noise(0.0, 0.02);
-    for (int run = 0; run < 20; ++run) {
+    const struct {
         std::vector<double> values;
-        for (int i = 0; i < 1000 + run; ++i) {
-            const double value = (i / 37 % 2 == 0 ? 0.3 : 1.9) + noise(random);
-            // Also values on a coarse grid, many of which lie exactly on the borders of bins.
-            values.push_back(run % 2 == 0 ? value : std::nearbyint(value * 50) / 50);
-        }
-        if (run % 3 ==
-            0) {  // the pairwise scan forgets the maximum at a NaN: what lies above it later counts in bin 99
-            values.insert(values.begin() + 200, nan);
-        }
-        const Levels expected = plainStateLevels(values);
-        const Metrics metrics = measure(bilevel, values);
-        EXPECT_EQ(metrics.lowStateLevel, expected.low) << run;
-        EXPECT_EQ(metrics.highStateLevel, expected.high) << run;
+        double low, high;
+    } rows[] = {
+        {{0, 0, 100, 100}, 0.5, 99.5},
+        {{0, 20, 20, 60, 60, 90, 100}, 19.5, 59.5},        // the lower of equal bins
+        {{0, 20, 20, 20.5, 70, 70, 70, 100}, 19.5, 69.5},  // 20.5 lies in the next bin
+        {{0, 50, 50, 50, 90, 90, 100}, 49.5, 49.5},        // the middle bin belongs to both halves
+        {{0, nan, nan, 20, 20, 90, 90, 100}, 0.5, 89.5},   // NaN counts in bin 0, as the minimum does
+        {{0, 20, 20, INFINITY}, 0.5, 89.5},                // nothing to find: as before
+        {{7, 7, 7}, 7.0, 7.0},
+    };
+    BilevelMeasurements bilevel;
+    for (const auto& row : rows) {
+        const Metrics metrics = measure(bilevel, row.values);
+        EXPECT_EQ(metrics.lowStateLevel, row.low) << row.values[1];
+        EXPECT_EQ(metrics.highStateLevel, row.high) << row.values[1];
     }
 }
 
@@ -311,41 +260,31 @@ TEST(BilevelMeasurements, randomSpansGiveTheTransitionsOfAPlainWalk) {
     std::mt19937 random(17);
     std::uniform_real_distribution<double> uniform(-0.5, 1.5);
     for (int run = 0; run < 3000; ++run) {
-        const std::size_t count = 1 + random() % 400;
+        const bool timesFall = run % 5 == 0;
+        const bool hasOddValues = run % 7 == 0;
+        const bool hasOddLevels = run % 3 == 0;
         std::vector<double> times;
         std::vector<double> values;
         double held = 0.0;
-        for (std::size_t i = 0; i < count; ++i) {
-            times.push_back(run % 5 == 0 ? 100.0 * uniform(random) : static_cast<double>(i));
+        for (std::size_t i = 0; i < 1 + random() % 400; ++i) {
+            times.push_back(timesFall ? 100.0 * uniform(random) : static_cast<double>(i));
             held = random() % 40 == 0 || run % 2 == 0 ? uniform(random) : held;
-            values.push_back(random() % 100 == 0 && run % 7 == 0 ? (random() % 2 ? nan : infinity) : held);
+            values.push_back(hasOddValues && random() % 100 == 0 ? (random() % 2 ? nan : INFINITY) : held);
         }
-        const double low = run % 3 == 0 ? uniform(random) : 0.0;
-        const double high = run % 3 == 0 ? uniform(random) : 1.0;
+        const double low = hasOddLevels ? uniform(random) : 0.0;
+        const double high = hasOddLevels ? uniform(random) : 1.0;
         BilevelMeasurements bilevel = measuring(low, high);
-        bilevel.setStateLevelTolerance(run % 11 == 0 ? 60.0 : 5.0);
         bilevel.setSettleSeek(run % 4 == 0 ? -1.0 : 5.0);
-        bilevel.setMidReferenceLevel(run % 6 == 0 ? 150.0 * uniform(random) : 50.0);
+        bilevel.setMidReferenceLevel(hasOddLevels ? 150.0 * uniform(random) : 50.0);
         const Metrics metrics = measure(bilevel, times, values);
-        if (run % 5 == 0 || run % 6 == 0 || run % 7 == 0) {
-            continue;  // crossings may lie outside the span and are not counted then
-        }
-        const double band = (high - low) / 100.0 * (run % 11 == 0 ? 60.0 : 5.0);
-        std::vector<double> states;
-        for (const double x : values) {
-            if (x < low + band || x > high - band) {
-                states.push_back(x);
-            }
-        }
         double transitions = 0.0;
-        for (std::size_t i = 1; i < states.size(); ++i) {
-            const bool up = states[i - 1] < low + band && states[i] > high - band;
-            const bool down = states[i - 1] > high - band && states[i] < low + band;
-            transitions += up || down ? 1.0 : 0.0;
+        double state = 0.5;  // neither
+        for (const double x : values) {
+            const double next = x < 0.02 ? 0.0 : x > 0.98 ? 1.0 : state;
+            transitions += std::fabs(next - state) == 1.0 ? 1.0 : 0.0;
+            state = next;
         }
-        if (states.empty()) {
-            EXPECT_TRUE(std::isnan(metrics.posEdges));
-        } else if (high > low && run % 11 != 0) {
+        if (!timesFall && !hasOddValues && !hasOddLevels && state != 0.5) {
             EXPECT_EQ(metrics.posEdges + metrics.negEdges, transitions) << run;
         }
     }

@@ -37,26 +37,25 @@ ClientFacts factsOf(std::vector<wavedeck::driver::SignalFacts> signals, double d
 /// A client with the whole time chain.
 struct TimeChain {
     explicit TimeChain(const ClientFacts& facts) : client(facts) {
-        add<SimulationMetaDataFilter>("simulation_meta_data_filter", {});
-        add<MagPhaseFilter>("magnitude_phase_filter", {});
-        add<MeasurementsDataCacheFilter>("dsp_wavedeck_measurements_data_cache_filter", {});
-        add<TimeSignalStatisticsFilter>("time_signal_statistics_filter",
-                                        PropertyList().addLogical("signalStatisticsEnabled", true));
-        add<TimePeakFinderFilter>("time_peak_finder_filter", PropertyList().addLogical("peakFinderEnabled", true));
-        add<BilevelMeasurementsFilter>("bilevel_measurements_filter",
-                                       PropertyList()
-                                           .addLogical("bilevelMeasurementsEnabled", true)
-                                           .addLogical("showTransitions", true)
-                                           .addLogical("showAberrations", true)
-                                           .addLogical("showCycles", true));
-        add<TriggerFilter>("trigger_filter",
-                           PropertyList().addLogical("triggerEnabled", true).addDouble("hysteresis", 0.2));
+        add<SimulationMetaDataFilter>("simulation_meta_data_filter");
+        add<MagPhaseFilter>("magnitude_phase_filter");
+        add<MeasurementsDataCacheFilter>("dsp_wavedeck_measurements_data_cache_filter");
+        add<TimeSignalStatisticsFilter>("time_signal_statistics_filter");
+        add<TimePeakFinderFilter>("time_peak_finder_filter");
+        add<BilevelMeasurementsFilter>("bilevel_measurements_filter");
+        add<TriggerFilter>("trigger_filter");
         client.setStrategy("dsp_wavedeck_time_data_strategy", std::make_shared<TimeDataStrategy>());
         client.setup();
     }
+    /// Every stage is sent the options of all: each takes its own.
     template <class Stage>
-    void add(const std::string& name, const PropertyList& options) {
-        client.addStage(name, std::make_shared<Stage>(), options);
+    void add(const std::string& name) {
+        PropertyList options;
+        for (const char* const option : {"signalStatisticsEnabled", "peakFinderEnabled", "bilevelMeasurementsEnabled",
+                                         "showTransitions", "showAberrations", "showCycles", "triggerEnabled"}) {
+            options.addLogical(option, true);
+        }
+        client.addStage(name, std::make_shared<Stage>(), options.addDouble("hysteresis", 0.2));
     }
     DeckClient client;
 };
@@ -173,66 +172,47 @@ private:
     void call() {
         switch (pick(14)) {
             case 0:
-                chain.client.rollback(
+                return chain.client.rollback(
                     PropertyList().addChar("action", "onRollback").addDouble("rollbacktime", 1e-3 * pick(3000) - 0.1));
-                break;
             case 1:
-                chain.client.resize({1 + pick(3), 2 + 2 * pick(2)}, {1 + pick(300), 1 + pick(100)});
-                break;
+                return chain.client.resize({1 + pick(3), 2 + 2 * pick(2)}, {1 + pick(300), 1 + pick(100)});
             case 2:
-                tuneTrigger();
-                break;
             case 3:
-                tuneMeasurements();
-                break;
+                return tune();
             case 4:
-                pick(8) == 0 ? chain.client.setup() : chain.client.setDisplaySpan(1e-3 * (1 + pick(700)));
-                break;
+                return pick(8) == 0 ? chain.client.setup() : chain.client.setDisplaySpan(1e-3 * (1 + pick(700)));
             case 5:
-                frame(pick(4) == 0);
-                break;
+                return frame(pick(4) == 0);
             case 6:
                 chain.client.updateNow();
-                break;
+                return;
             default:
                 frame(false);
         }
     }
 
-    void tuneTrigger() {
+    /// Random options for all stages, each of which takes its own.
+    void tune() {
         const char* const modes[] = {"auto", "normal", "once", "off"};
         const char* const types[] = {"edge", "pulse-width", "transition", "runt", "window", "timeout", "none such"};
         const char* const polarities[] = {"rising", "falling", "either"};
         PropertyList list;
-        list.addChar("mode", modes[pick(4)]).addLogical("rearm", pick(2) == 0);
-        list.addChar("type", types[pick(7)]).addChar("polarity", polarities[pick(3)]);
-        list.addChar("maxPulseWidth", pick(2) == 0 ? "inf" : "0.05").addDouble("position", 25.0 * pick(6));
-        list.addLogical("autoLevel", pick(2) == 0).addDouble("level", 0.1 * pick(10)).addDouble("highLevel", 0.9);
-        list.addDouble("timeout", 0.01 * pick(5))
-            .addDouble("delay", 0.01 * (pick(9) - 4))
-            .addDouble("holdoff", 0.1 * pick(2));
-        list.addDouble("triggerChannel", pick(4))
-            .addInt("triggerSignal", pick(2))
-            .addLogical("triggerEnabled", pick(5) != 0);
-        chain.client.tune("trigger_filter", list);
-    }
-
-    void tuneMeasurements() {
-        const int signal = pick(2);
-        const int channel = pick(4);
-        const bool automatic = pick(2) == 0;
-        const double custom = 0.05 * pick(9);
-        for (const char* stage : {"dsp_wavedeck_measurements_data_cache_filter", "time_signal_statistics_filter",
-                                  "time_peak_finder_filter", "bilevel_measurements_filter"}) {
-            PropertyList list;
-            list.addInt("measurementSignal", signal).addInt("measurementChannel", channel);
-            list.addLogical("autoSpan", automatic).addDouble("customSpan", custom);
-            list.addLogical("autoStateLevel", pick(2) == 0).addDouble("settleSeek", 0.01 * pick(9));
-            list.addDouble("midReferenceLevel", 25.0 * pick(7)).addLogical("showMax", pick(2) == 0);
-            chain.client.tune(stage, list);
+        for (const char* const option : {"rearm", "autoLevel", "autoSpan", "autoStateLevel", "showMax"}) {
+            list.addLogical(option, pick(2) == 0);
         }
-        chain.client.tune("magnitude_phase_filter",
-                          PropertyList().addLogicals("magPhaseData", {pick(3) == 0, pick(3) == 0}));
+        for (const char* const option : {"level", "highLevel", "customSpan", "settleSeek", "timeout", "holdoff"}) {
+            list.addDouble(option, 0.05 * pick(9));
+        }
+        list.addChar("mode", modes[pick(4)]).addChar("type", types[pick(7)]).addChar("polarity", polarities[pick(3)]);
+        list.addDouble("position", 25.0 * pick(6)).addDouble("delay", 0.01 * (pick(9) - 4));
+        list.addInt("measurementSignal", pick(2)).addInt("measurementChannel", pick(4));
+        list.addInt("triggerSignal", pick(2)).addInt("triggerChannel", pick(4));
+        list.addDouble("midReferenceLevel", 25.0 * pick(7)).addLogicals("magPhaseData", {pick(3) == 0, pick(3) == 0});
+        for (const std::string& stage : chain.client.stageNames()) {
+            if (pick(3) != 0) {
+                chain.client.tune(stage, list);
+            }
+        }
     }
 
     std::mt19937 random;

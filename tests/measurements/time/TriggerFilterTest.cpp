@@ -54,18 +54,20 @@ TEST(TriggerFilter, queuesTheWindowsOfItsEvents) {
     EXPECT_EQ(event.mode, 1);
     EXPECT_EQ(event.signal, 0u);
 
-    const auto missing = TriggerFilter::packageImpl(trigger.client.name(), 0, false, 0, false);
-    EXPECT_EQ(missing->size(), 1u);
-    EXPECT_FALSE(missing->getValue<bool>("triggerFound"));
+    const auto package = [&](bool found, unsigned long index, bool clear) {
+        return TriggerFilter::packageImpl(trigger.client.name(), 0, found, index, clear);
+    };
+    EXPECT_EQ(package(false, 0, false)->size(), 1u);
+    EXPECT_FALSE(package(false, 0, false)->getValue<bool>("triggerFound"));
     EXPECT_EQ(trigger.queue().size(), 3u);
-    const auto found = TriggerFilter::packageImpl(trigger.client.name(), 0, true, 1, false);
+    const auto found = package(true, 1, false);
     EXPECT_EQ(found->getValue<std::string>("highLevel"), "0.75");
     EXPECT_NEAR(std::stod(found->getValue<std::string>("position")), 1.995, 1e-12);
     EXPECT_TRUE(found->getValue<bool>("triggerFound"));
-    EXPECT_EQ(trigger.queue().size(), 1u);                                 // the event and the one before it have gone
-    TriggerFilter::packageImpl(trigger.client.name(), 0, true, 5, false);  // there is none
+    EXPECT_EQ(trigger.queue().size(), 1u);  // the event and the one before it have gone
+    package(true, 5, false);                // there is none
     EXPECT_EQ(trigger.queue().size(), 1u);
-    TriggerFilter::packageImpl(trigger.client.name(), 0, true, 0, true);
+    package(true, 0, true);
     EXPECT_TRUE(trigger.queue().empty());
 
     // A frame without samples asks for the last window again.

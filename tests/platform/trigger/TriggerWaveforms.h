@@ -1,8 +1,9 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <vector>
 
 #include "TimeDomainTriggerController.h"
@@ -53,6 +54,14 @@ inline std::vector<Window> windowsOf(deckutil::TimeDomainTriggerController& engi
         }
     }
     return windows;
+}
+
+/// Compares the starts of windows with times of a few seconds, known but for the rounding of a few sums.
+inline void expectStarts(const std::vector<Window>& windows, const std::vector<double>& starts) {
+    ASSERT_EQ(windows.size(), starts.size());
+    for (std::size_t i = 0; i < starts.size(); ++i) {
+        EXPECT_NEAR(windows[i].start, starts[i], 1e-12) << i;
+    }
 }
 
 }  // namespace trigger_test
