@@ -75,7 +75,7 @@ Command parseCommandLine(int argc, const char* const* argv) {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        return PrintCommand{chosen.empty() ? app.help() : chosen.front()->help()};
+        return PrintCommand{chosen.empty() ? app.help() : chosen.front()->help("wavedeck " + chosen.front()->get_name())};
     } catch (const CLI::CallForVersion& version) {
         return PrintCommand{std::string(version.what()) + '\n'};
     } catch (const CLI::ParseError& error) {
