@@ -39,7 +39,7 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");
     app.add_flag("--realtime", play.realtime, "hands over the samples at their own rate");
     addText(app, "--serve", play.serve,
-            "serves the live display in the browser, at 127.0.0.1 unless told otherwise; plays in real time",
+            "serves the live display in the browser, at 127.0.0.1:8080 unless told otherwise; plays in real time",
             "[HOST:]PORT");
     addText(app, "--messages", play.messages, "writes each client message as a line of JSON; - is standard output",
             "FILE|-");
@@ -53,6 +53,24 @@ std::string oneLine(std::string text) {
         text.pop_back();
     }
     return text;
+}
+
+/// Whether a text may follow --serve: a port, or a host with one.
+bool isAddress(const std::string& text) {
+    const auto port = text.substr(text.rfind(':') + 1);
+    return !port.empty() && port.find_first_not_of("0123456789") == std::string::npos;
+}
+
+/// The arguments with the usual port where --serve stands without one, in the reverse order that the parser takes.
+std::vector<std::string> readArguments(int argc, const char* const* argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--serve" && (i + 1 == arguments.size() || !isAddress(arguments[i + 1]))) {
+            arguments[i] = "--serve=8080";
+        }
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 }  // namespace
@@ -72,10 +90,11 @@ Command parseCommandLine(int argc, const char* const* argv) {
     auto* optionsApp = app.add_subcommand("options", "lists every option of every stage, or of one");
     optionsApp->add_option("STAGE", options.stage, "name of the stage, shortened as long as it is unique");
     try {
-        app.parse(argc, argv);
+        app.parse(readArguments(argc, argv));
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        return PrintCommand{chosen.empty() ? app.help() : chosen.front()->help("wavedeck " + chosen.front()->get_name())};
+        return PrintCommand{chosen.empty() ? app.help()
+                                           : chosen.front()->help("wavedeck " + chosen.front()->get_name())};
     } catch (const CLI::CallForVersion& version) {
         return PrintCommand{std::string(version.what()) + '\n'};
     } catch (const CLI::ParseError& error) {

@@ -198,6 +198,65 @@ class Results(Folder):
         self.assertGreater(trigger["triggered"], 0)
         self.assertLessEqual(trigger["triggered"], trigger["updates"])
 
+    def spectrum(self, signal, *arguments):
+        run, report = report_of("gen:" + signal, "--deck", "spectrum", *arguments)
+        self.assertEqual(run.stderr, b"")
+        return run.returncode, report["decks"][0]
+
+    def test_spectra_read_what_went_in(self):
+        # An amplitude of 1 at a bin is 0.5 W into 1 ohm: 10 log10(500 mW). Noise of 1 mV rms is spread over 24 kHz.
+        _, deck = self.spectrum("tone?frequency=1.5k&noise=1m&duration=4", "--set", "numPeaks=1", "--set",
+                                "averagingMethod=running", "--set", "spectralAverages=60")
+        self.assertEqual((deck["start"]["value"], deck["stop"]["value"], deck["units"]), (0, 24000, "dBm"))
+        self.assertAlmostEqual(deck["rbw"]["value"], 24000 / 1024, delta=1e-9)
+        self.assertAlmostEqual(deck["enbw"]["value"], 1.5, delta=1e-3)
+        [peak] = deck["peaks"]["peaks"]
+        self.assertEqual(peak["frequency"], {"value": 1500.0, "unit": "Hz"})
+        self.assertAlmostEqual(peak["level"]["value"], 10 * math.log10(500), delta=0.01)
+        floor = 10 * math.log10(1e-6 / 24000 * deck["rbw"]["value"] * 1000)
+        # The median of bins of 60 averages lies 10 log10(1 - 1/180) below their mean; 1500 bins scatter it by 0.02 dB.
+        self.assertAlmostEqual(deck["noiseFloors"][0]["level"]["value"], floor - 0.024, delta=0.1)
+        # Of a complex signal both sides are shown.
+        _, deck = self.spectrum("tone?frequency=-6k&complex=true", "--set", "numPeaks=1", "--set", "spectrumUnits=watts")
+        self.assertLess(deck["start"]["value"], -23900)
+        self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], -6000)
+        self.assertAlmostEqual(deck["peaks"]["peaks"][0]["level"]["value"], 1.0, delta=1e-9)
+
+    def test_measurements_of_spectra(self):
+        _, deck = self.spectrum("multitone?frequency=1.5k,3k,4.5k&amplitude=1,0.01,0.003&noise=10u&duration=4",
+                                "--measure", "channel,distortion,phasenoise")
+        distortion = deck["distortion"]
+        self.assertAlmostEqual(distortion["thd"]["value"], 10 * math.log10(0.01**2 + 0.003**2), delta=0.01)
+        # 10 uV of noise below 0.7 V of carrier; a single spectrum of 1024 resolved bins scatters by 0.1 dB.
+        self.assertAlmostEqual(distortion["snr"]["value"], 20 * math.log10(1e5 / math.sqrt(2)), delta=0.5)
+        # The whole power, and 99 % of it inside a few bins around the carrier.
+        self.assertAlmostEqual(deck["channel"]["channelPower"]["value"], 10 * math.log10(500.0545), delta=0.01)
+        self.assertLess(deck["channel"]["occupiedBandwidth"]["value"], 100)
+        self.assertEqual([row["offset"]["value"] for row in deck["phaseNoise"]["spots"]], [1000, 10000])
+        _, deck = self.spectrum("twotone?frequency=9k&spacing=1.5k&im3=-60&duration=4", "--measure", "distortion", "--set",
+                                "distortionType=intermodulation")
+        # Third-order intercept: half of the 60 dB above a tone of 0.125 W.
+        self.assertAlmostEqual(deck["distortion"]["toi"]["value"], 10 * math.log10(125) + 30, delta=0.01)
+        _, deck = self.spectrum("phasenoise?frequency=12k&level=-80&at=1k&duration=40", "--measure", "phasenoise", "--set",
+                                "averagingMethod=running", "--set", "spectralAverages=200")
+        # 200 averages scatter a bin by 0.3 dB.
+        self.assertAlmostEqual(deck["phaseNoise"]["spots"][0]["level"]["value"], -80, delta=1.5)
+
+    def test_masks_decide_the_status(self):
+        mask = ("--measure", "mask", "--set", "enabledMasks=upper", "--set", "upperMask=")
+        for level, status in (("30", 0), ("20", 1)):
+            code, deck = self.spectrum("tone", *mask[:-1], mask[-1] + level)
+            self.assertEqual((code, deck["mask"]["passing"]), (status, status == 0))
+
+    def test_linked_options_are_set_once(self):
+        # Units and type of the measurements follow the estimator; a name of several meanings is told.
+        run, report = report_of("gen:noise", "--deck", "spectrum", "--measure", "channel", "--set", "spectrumUnits=dbw")
+        self.assertEqual((run.stderr, report["decks"][0]["channel"]["channelPower"]["unit"]), (b"", "dBW"))
+        self.assertAlmostEqual(report["decks"][0]["channel"]["channelPower"]["value"], -20, delta=0.5)
+        run, report = report_of("gen:noise", "--deck", "spectrum", "--set", "frequencyLimits=0,1k")
+        self.assertIn(b"means different things: frequency_peak_finder_filter", run.stderr)
+        self.assertEqual(len(report["warnings"]), 1)
+
     def test_standard_input_and_standard_output(self):
         samples = struct.pack("<2000h", *range(-1000, 1000))
         run = play("-", "--format", "s16", "--rate", "2k", "--deck", "time", "--messages", "-", "--report", "json",

@@ -64,7 +64,7 @@ const Deck& findDeck(std::string_view name) {
 }
 
 std::vector<std::string> defaultDecks() {
-    return {"time", "frame"};
+    return {"time", "spectrum"};
 }
 
 }  // namespace program

@@ -119,20 +119,17 @@ void PlaySession::makeDecks(const PlayCommand& command) {
         }
         decks.push_back(&findDeck(name));
     }
-    auto settings = settingsOf(decks, command, library);
+    auto settings = settingsOf(decks, command);
     for (std::size_t i = 0; i < decks.size(); ++i) {
         applyPresets(*decks[i], session, settings[i]);
         decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
     }
 }
 
-std::vector<DeckSettings> PlaySession::settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command,
-                                                  const wavedeck::driver::StageLibrary& library) {
+std::vector<DeckSettings> PlaySession::settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command) {
     std::vector<DeckSettings> settings;
     for (const auto* deck : decks) {
-        std::vector<std::string_view> stages(deck->stages.begin(), deck->stages.end());
-        std::erase_if(stages, [&](std::string_view stage) { return !library.offers(std::string(stage)); });
-        settings.emplace_back(std::move(stages));
+        settings.emplace_back(std::vector<std::string_view>(deck->stages.begin(), deck->stages.end()));
     }
     if (command.measure) {
         switchMeasuresOn(*command.measure, settings);

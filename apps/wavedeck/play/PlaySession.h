@@ -39,8 +39,7 @@ private:
     void openCoefficients(const PlayCommand& command);
     void makeDecks(const PlayCommand& command);
     SessionFacts sessionFacts(const PlayCommand& command) const;
-    std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command,
-                                         const wavedeck::driver::StageLibrary& library);
+    std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
     /// Hands the frame in hand to a deck and sends what is due.

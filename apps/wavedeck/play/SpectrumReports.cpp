@@ -85,6 +85,7 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
         return;
     }
     const bool automatic = settings.value(estimator, "autoRBW") == "true";
+    section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed});
     section.add({"start", "from", record->frequencyVector.front(), "Hz"});
     section.add({"stop", "to", record->frequencyVector.back(), "Hz"});
     section.add({"span", "span", record->frequencyVector.back() - record->frequencyVector.front(), "Hz"});
@@ -102,8 +103,7 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
     section.add({"fftLength", "FFT length", record->fftLength});
     section.add({"averages", "averages", record->numSpectralAverages});
     section.add({"vbw", "VBW", record->vbw, "Hz"});
-    section.add({"spectra", "segments processed", record->numUpdatesProcessed});
-    section.add({"wholeSegments", "RBW reached", record->desiredSegmentLengthMet});
+    section.add({"wholeSegments", "whole segments", record->desiredSegmentLengthMet});
     addNoiseFloors(*record, settings, section);
 }
 

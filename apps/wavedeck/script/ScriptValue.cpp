@@ -9,6 +9,8 @@
 
 namespace program {
 
+ScriptValue::ScriptValue(Held held, int line) : held_(std::move(held)), line_(line) {}
+
 std::string ScriptValue::describe() const {
     struct Describe {
         std::string operator()(std::monostate) const { return "null"; }

@@ -17,9 +17,10 @@ public:
     using List = std::vector<ScriptValue>;
     using Members = std::vector<std::pair<std::string, ScriptValue>>;  ///< in the order written
 
+    using Held = std::variant<std::monostate, bool, double, std::string, List, Members>;
+
     ScriptValue() = default;
-    template <typename Held>
-    ScriptValue(Held held, int line) : held_(std::move(held)), line_(line) {}
+    ScriptValue(Held held, int line);
 
     int line() const { return line_; }
     bool isNull() const { return std::holds_alternative<std::monostate>(held_); }
@@ -53,7 +54,7 @@ private:
 
     std::string describe() const;
 
-    std::variant<std::monostate, bool, double, std::string, List, Members> held_;
+    Held held_;
     int line_ = 0;
 };
 

@@ -45,20 +45,16 @@ public:
 
     ScriptValue take() { return std::move(root_); }
 
-    bool null() override { return put(ScriptValue(std::monostate{}, line())); }
-    bool boolean(bool value) override { return put(ScriptValue(value, line())); }
-    bool number_integer(number_integer_t value) override {
-        return put(ScriptValue(static_cast<double>(value), line()));
-    }
-    bool number_unsigned(number_unsigned_t value) override {
-        return put(ScriptValue(static_cast<double>(value), line()));
-    }
-    bool number_float(number_float_t value, const string_t&) override { return put(ScriptValue(value, line())); }
-    bool string(string_t& value) override { return put(ScriptValue(value, line())); }
+    bool null() override { return put({}); }
+    bool boolean(bool value) override { return put(value); }
+    bool number_integer(number_integer_t value) override { return put(static_cast<double>(value)); }
+    bool number_unsigned(number_unsigned_t value) override { return put(static_cast<double>(value)); }
+    bool number_float(number_float_t value, const string_t&) override { return put(value); }
+    bool string(string_t& value) override { return put(value); }
     bool binary(binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return open(ScriptValue(ScriptValue::Members{}, line())); }
+    bool start_object(std::size_t) override { return open(ScriptValue::Members{}); }
     bool end_object() override { return close(); }
-    bool start_array(std::size_t) override { return open(ScriptValue(ScriptValue::List{}, line())); }
+    bool start_array(std::size_t) override { return open(ScriptValue::List{}); }
     bool end_array() override { return close(); }
 
     bool key(string_t& name) override {
@@ -101,12 +97,12 @@ private:
         return &member;
     }
 
-    bool put(ScriptValue value) {
-        place(std::move(value));
+    bool put(ScriptValue::Held held) {
+        place(ScriptValue(std::move(held), line()));
         return true;
     }
-    bool open(ScriptValue value) {
-        open_.push_back(place(std::move(value)));
+    bool open(ScriptValue::Held held) {
+        open_.push_back(place(ScriptValue(std::move(held), line())));
         return true;
     }
     bool close() {
