@@ -12,16 +12,17 @@ inline std::atomic<long> allocations{0};
 
 }  // namespace testsupport
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler would see malloc and free where it looks for new and delete, and warn.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     ++testsupport::allocations;
     if (void* memory = std::malloc(size)) {
         return memory;
     }
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }

@@ -33,10 +33,10 @@ public:
     /// The first result of a query about a client; the caller frees it.
     nbArray* query(const std::string& name, const std::string& client) const {
         nbArray* result = nullptr;
-        nbArray* const argument = nbCreateString(client.c_str());
-        const nbArray* arguments[] = {argument};
+        const std::unique_ptr<nbArray, decltype(&nbDestroyArray)> argument(nbCreateString(client.c_str()),
+                                                                           nbDestroyArray);
+        const nbArray* arguments[] = {argument.get()};
         find<NbFunction>(name)(1, &result, 1, arguments);
-        nbDestroyArray(argument);
         return result;
     }
 
