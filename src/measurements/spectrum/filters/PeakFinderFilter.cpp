@@ -29,7 +29,7 @@ void PeakFinderFilter::filterImpl(const double* data, std::vector<double>&, int 
     }
     copyMagPhaseData(MagPhaseFilter::magPhaseData);
     const std::vector<unsigned long> range = getDataRange(signal);
-    if (isRangeInFrame(range)) {
+    if (measurementChannel_ >= 0 && isRangeInFrame(range)) {
         publish(peakFinder_->findPeaks(data, range, PeakSelectionLastMaximum));
     } else {
         publish(peakFinderStruct());

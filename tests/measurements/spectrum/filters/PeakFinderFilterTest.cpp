@@ -45,9 +45,11 @@ TEST(PeakFinderFilter, searchesTheChosenChannel) {
     feed(filter, frame);
     EXPECT_EQ(text(PeakFinderFilter::packageImpl(client.name()), "peaks"), "[]");
     EXPECT_THROW(filter.tuneImpl(TestClient::tune().addChar("minDistance", "far")), std::invalid_argument);
-    filter.tuneImpl(TestClient::tune().addChar("minHeight", "-Inf").addInt("measurementChannel", 2));
-    feed(filter, frame);  // there is no third channel
-    EXPECT_FALSE(QueryAnswer(answerNewPeaks, client).isTrue());
+    for (const int absent : {2, -1}) {
+        filter.tuneImpl(TestClient::tune().addChar("minHeight", "-Inf").addInt("measurementChannel", absent));
+        feed(filter, frame);
+        EXPECT_FALSE(QueryAnswer(answerNewPeaks, client).isTrue()) << absent;
+    }
 }
 
 /// Six bins of a spectrum, the last one empty, at the end of blocks of seven, for two channels.
