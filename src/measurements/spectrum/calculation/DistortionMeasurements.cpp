@@ -47,7 +47,7 @@ void DistortionMeasurements::computeHarmonicDistortion() {
     results.harmonicFrequency.resize(numHarmonics, nan);
     results.harmonicPower.resize(numHarmonics, nan);
     results.numHarmonics = 0;
-    if (psd.size() < 2) {
+    if (!isMeasurable()) {
         markUnmeasurable();
         return;
     }
@@ -92,7 +92,7 @@ void DistortionMeasurements::computeImodDistortion() {
     results.harmonicPower.resize(4, nan);
     results.harmonicFrequency.resize(4, nan);
     results.numHarmonics = 4;
-    if (psd.size() < 2) {
+    if (!isMeasurable()) {
         markUnmeasurable();
         return;
     }
@@ -113,6 +113,11 @@ void DistortionMeasurements::computeImodDistortion() {
     SpectrumMeasurementsUtils::computeSpectrumFromPSD(results.harmonicPower, rbw, spectrumType, spectrumUnits);
     const std::vector<double>& level = results.harmonicPower;
     results.toi = ((level[0] + (level[1] - level[2]) / 2.0) + (level[1] + (level[0] - level[3]) / 2.0)) / 2.0;
+}
+
+/// Powers in a bandwidth that is no number tell nothing.
+bool DistortionMeasurements::isMeasurable() const {
+    return psd.size() >= 2 && std::isfinite(rbw);
 }
 
 /// NaN for every figure of the current type.

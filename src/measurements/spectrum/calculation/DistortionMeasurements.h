@@ -42,7 +42,8 @@ public:
     /// Measures one spectrum, of which the non-negative frequencies count.
     /// freq      [n] Hz, n = range[1] - range[0], ascending and uniform
     /// spectrum  a frame or trace, of which [range[0], range[1]) is the spectrum in its type and unit
-    /// The result stands until the next measurement. With fewer than two bins every figure reads NaN.
+    /// The result stands until the next measurement. With fewer than two bins, or a resolution
+    /// bandwidth that is no number, every figure reads NaN.
     const distortionStruct& computeDistortion(const double* freq, const double* spectrum,
                                               const std::vector<unsigned long>& range);
 
@@ -61,6 +62,7 @@ public:
     int computeMaxFrequency();
 
 private:
+    bool isMeasurable() const;
     void markUnmeasurable();
     std::optional<std::size_t> findBin(double frequency) const;
     std::size_t strongestAbout(std::size_t index) const;

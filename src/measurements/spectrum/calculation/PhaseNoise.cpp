@@ -105,7 +105,8 @@ void PhaseNoise::measureChannel(std::size_t signal, std::size_t channel) {
         std::partition_point(first, end, [=](double frequency) { return !(frequency - carrierFrequency > highest); });
     const auto numPoints = static_cast<std::size_t>(last - first);
     const double* densities = density + (first - grid);
-    const double carrierLevel = 10.0 * std::log10(rbw) + density[0];
+    // A carrier in a bandwidth that is no number has no level to refer to.
+    const double carrierLevel = std::isfinite(rbw) ? 10.0 * std::log10(rbw) + density[0] : nan;
     for (std::size_t i = 0; i < numPoints; ++i) {
         offsets[i] = first[i] - carrierFrequency;
         levels[i] = densities[i] - carrierLevel;

@@ -154,6 +154,11 @@ TEST(DistortionMeasurements, ReadsNaNWhereThereIsNothingToMeasure) {
         result = measure(measurement, spectrum);
         EXPECT_TRUE(std::isnan(result.toi) && std::isnan(result.harmonicPower[0]));
     }
+    DistortionMeasurements unbounded;
+    unbounded.setSpectrumType(powerDensity);
+    unbounded.setRBW(std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(
+        std::isnan(unbounded.computeDistortion(Values{0, 10, 20}.data(), Values{-9, 0, -9}.data(), {0, 3}).thd));
     DistortionMeasurements none;
     none.setNumHarmonics(0);
     const auto result = measure(none, levels({{50, 0}}));

@@ -102,6 +102,9 @@ TEST(PhaseNoise, ReadsNaNBesideTheCurve) {
     const auto shorter = measure(noise, 0, frame(0, {carrierBlock(10, 7, 0)}), 10);
     EXPECT_EQ(shorter.numPoints[0][0], 2u);
     EXPECT_TRUE(std::isnan(shorter.spotPhaseNoise[0][0][2]));
+    noise.setSpectrumType(powerDensity);
+    noise.setRBW(infinity);
+    EXPECT_TRUE(std::isnan(measure(noise, 0, frame(0, {carrierBlock(10, 6, 0)}), 10).phaseNoise[0][0][0]));
 }
 
 TEST(PhaseNoise, LeavesAChannelWithoutRoomAboveItsCarrierAlone) {
