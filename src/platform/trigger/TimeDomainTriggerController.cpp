@@ -100,8 +100,19 @@ void TimeDomainTriggerController::startAfresh(double time) {
     rangeHigh = -infinity;
 }
 
+/// Nothing is interpolated across a gap, and what the condition has seen before it does not count behind it.
+void TimeDomainTriggerController::beginGap() {
+    condition.forget();
+    hasSample = false;
+}
+
 void TimeDomainTriggerController::processEventfulSample(double time, double value, double timeRange) {
-    if (mode == TDTC::Off || !std::isfinite(time)) {
+    if (mode == TDTC::Off) {
+        return;
+    }
+    if (!std::isfinite(time)) {
+        beginGap();
+        makeNextSampleEventful();
         return;
     }
     if (!hasHistory || time < lastTime) {
@@ -115,9 +126,8 @@ void TimeDomainTriggerController::processEventfulSample(double time, double valu
         hasLeftOver = false;
     }
     sampleTimeRange = timeRange;
-    if (!std::isfinite(value)) {  // a gap
-        condition.forget();
-        hasSample = false;
+    if (!std::isfinite(value)) {
+        beginGap();
     }
     updateAutomaticLevel(time, value);
     if (settingsChanged) {

@@ -86,8 +86,8 @@ public:
 
     /// Hands out the oldest window that is due, that is one that ends no later than lastTime; NaN for both ends if
     /// there is none. Asked again before the next sample it hands out the next one; due windows not asked for by then
-    /// are dropped, so that a display never lags behind. The first argument is reserved. flush  also hand out a window
-    /// that is not complete, cut to end at lastTime with the trigger point in its position
+    /// are dropped, so that a display never lags behind. The first argument is reserved.
+    /// flush  also hand out an incomplete window, cut to end at lastTime with the trigger point in its position
     void getTriggerWindow(double reserved, double lastTime, double timeRange, bool flush, double& start, double& end);
 
     /// The window handed out last; NaN before the first.
@@ -111,6 +111,7 @@ private:
     }
     void processEventfulSample(double time, double value, double timeRange);
     void startAfresh(double time);
+    void beginGap();
     void discardWaiting();
     void updateAutomaticLevel(double time, double value);
     void acceptTrigger(double time);

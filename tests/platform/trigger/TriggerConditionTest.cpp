@@ -144,7 +144,7 @@ TEST(TriggerConditionTest, GapsAreNotCrossed) {
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double gap : {std::nan(""), infinity, -infinity}) {
         auto engine = engineFor({Edge, 1, {}, {}, {}}, 1.0);
-        const std::vector<Point> samples{{0, 0}, {1, gap}, {2, 1}, {3, 1}, {4, 0}, {5, 1}, {std::nan(""), 0}, {6, 1}};
+        const std::vector<Point> samples{{0, 0}, {1, gap}, {2, 1}, {4, 0}, {5, 1}, {6, 0}, {std::nan(""), 0}, {7, 1}};
         expectStarts(windowsOf(engine, samples, 0.25), {4.5});
     }
 }
