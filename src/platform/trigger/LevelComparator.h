@@ -12,9 +12,8 @@ enum class Crossing { None, Rising, Falling };
 double crossingTime(double t0, double x0, double t1, double x1, double level);
 
 /// Crossings of one level, with hysteresis h >= 0:
-///   rising   the signal has been at level - h or lower (below the level for h = 0) and now reaches the level from
-///   below falling  the signal has been at level + h or higher (above the level for h = 0) and now reaches it from
-///   above
+///   rising   the signal has been at level - h or lower (below the level for h = 0) and now reaches it from below
+///   falling  the signal has been at level + h or higher (above the level for h = 0) and now reaches it from above
 /// The crossing is that of the level itself; the hysteresis only decides whether it counts. A level of NaN is never
 /// crossed.
 class LevelComparator {

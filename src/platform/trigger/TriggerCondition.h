@@ -35,11 +35,11 @@ struct TriggerPoints {
 /// Finds the points of a sampled signal at which a trigger condition is fulfilled. The signal is taken as the straight
 /// lines between its samples, so that all times are known to better than a sample.
 ///   edge         the level is crossed
-///   pulse width  a pulse (from one crossing of the level to the next, opposite one) ends that lasted minTime ..
-///   maxTime transition   the signal has gone from one of the two levels to the other in minTime .. maxTime runt a
-///   pulse ends that left one level and came back without reaching the other, in minTime .. maxTime window       the
-///   signal enters or leaves the band between the two levels timeout      the signal has stayed on its side of the
-///   level for the timeout since it crossed to it
+///   pulse width  a pulse, from one crossing of the level to the next, opposite one, ends within minTime .. maxTime
+///   transition   the signal has gone from one of the two levels to the other within minTime .. maxTime
+///   runt         a pulse ends within minTime .. maxTime that left one level and came back without reaching the other
+///   window       the signal enters or leaves the band between the two levels
+///   timeout      the signal has stayed on its side of the level for the timeout since it crossed to it
 class TriggerCondition {
 public:
     /// Takes over settings; level is for edge, pulse width and timeout, NaN when it is not known yet. Crossings seen so
