@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "ChannelMeasurements.h"
-#include "SpectrumMeasurementFilter.h"
+#include "TraceMeasurementFilter.h"
 
 namespace dspwavedecks {
 
 /// Channel power with occupied bandwidth or adjacent channel power ratios of the measured spectrum, left on the board
 /// as a channelMeasurementsStruct. A spectrum that is not there reads NaN.
-class ChannelMeasurementsFilter : public SpectrumMeasurementFilter {
+class ChannelMeasurementsFilter : public TraceMeasurementFilter {
 public:
     ChannelMeasurementsFilter();
     ~ChannelMeasurementsFilter() override;

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "DistortionMeasurements.h"
-#include "SpectrumMeasurementFilter.h"
+#include "TraceMeasurementFilter.h"
 
 namespace dspwavedecks {
 
 /// Harmonic distortion or intermodulation of the measured spectrum, left on the board as a distortionStruct. A spectrum
 /// that is not there reads NaN.
-class DistortionMeasurementsFilter : public SpectrumMeasurementFilter {
+class DistortionMeasurementsFilter : public TraceMeasurementFilter {
 public:
     DistortionMeasurementsFilter();
     ~DistortionMeasurementsFilter() override;

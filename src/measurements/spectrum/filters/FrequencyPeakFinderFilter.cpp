@@ -75,27 +75,26 @@ void FrequencyPeakFinderFilter::computeFrequencyRange(const double* freq, const 
 }
 
 std::vector<unsigned long> FrequencyPeakFinderFilter::getDataRange(const int& signal) {
-    const std::vector<unsigned long> nothing{0, 0};
     const unsigned long length = SpectrumEstimatorFilter::getSpectrumLength(clientID);
     if (frequencyRange[0] >= frequencyRange[1] || frequencyRange[1] >= length) {
-        return nothing;
+        return {0, 0};
     }
     unsigned long first = 0;
     if (trace.isNormal()) {
         const SpectrumFrameLayout layout(inputLength, numFrequencyBlocks,
                                          countChannels(getChannelCount(signal), isComplexSignal(signal)));
         if (!layout.holdsSpectrum(measurementChannel_, length)) {
-            return nothing;
+            return {0, 0};
         }
         first = layout.endOf(measurementChannel_) - length;
     } else {
         const auto* const record = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(clientID);
         if (record == nullptr) {
-            return nothing;
+            return {0, 0};
         }
         const auto range = MeasuredTrace::rangeInHold(trace.selectHold(*record), measurementChannel_, length);
         if (range[0] == range[1]) {
-            return nothing;
+            return {0, 0};
         }
         first = range[0];
     }

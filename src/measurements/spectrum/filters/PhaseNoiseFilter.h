@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "MeasuredTrace.h"
 #include "PhaseNoise.h"
 #include "SpectrumMeasurementFilter.h"
 
@@ -34,6 +35,7 @@ public:
 
 private:
     std::unique_ptr<PhaseNoise> phaseNoise_;
+    MeasuredTrace trace;  ///< stored only
 };
 
 }  // namespace dspwavedecks

@@ -25,8 +25,6 @@ public:
     void setPropertiesImpl(const PropertyList& list) override;
     /// Length of a block of the frame; marks of magnitude and phase play no part.
     unsigned long getNumPointsPerChannel(const int& signal) override;
-    /// That of the base, for whole blocks.
-    std::vector<unsigned long> getDataRange(const int& signal) override { return BaseFilter::getDataRange(signal); }
 
     /// The record on the board for the client: counts and levels as texts, failing channels as an array of ids from 0.
     static Poco::SharedPtr<Poco::JSON::Object> packageImpl(const std::string& clientID);

@@ -9,8 +9,8 @@
 
 namespace dspwavedecks {
 
-/// Common base of the measurements on spectra that are computed from a whole trace: what a setup reads, where the
-/// spectrum lies in the frame, and which trace is measured.
+/// Common base of the measurements on spectra: what a setup reads, how spectra lie in a frame, and what the estimator
+/// has told of them.
 class SpectrumMeasurementFilter : public BaseFilter {
 public:
     bool hostFlagB() override { return false; }
@@ -18,9 +18,6 @@ public:
     /// Action "setup": the client and its channel counts, required, and the facts that the host knows of the client.
     /// Frame sizes play no part.
     void setPropertiesOnSetup(const PropertyList& list) override;
-
-    /// The last points of the measured channel's block, as many as a spectrum has.
-    std::vector<unsigned long> getDataRange(const int& signal) override;
 
 protected:
     SpectrumMeasurementFilter();
@@ -33,18 +30,8 @@ protected:
     /// Resolution bandwidth of the estimator's last update, Hz; nothing for a client without an estimator.
     std::optional<double> getPublishedRBW() const;
 
-    /// A spectrum and its grid; an empty range stands for one that is not there.
-    struct MeasuredSpectrum {
-        const double* frequencies;  ///< [range[1] - range[0]] Hz
-        const double* bins;         ///< the frame or trace of which the range is the spectrum
-        std::vector<unsigned long> range;
-    };
-    /// The spectrum of the measured channel in the frame in hand, or its hold trace.
-    MeasuredSpectrum findMeasuredSpectrum(const double* data, int signal);
-
     // Options.
     unsigned long numFrequencyBlocks = 1;  ///< blocks at the head of a frame that are no channels
-    MeasuredTrace trace;
 };
 
 }  // namespace dspwavedecks
