@@ -1,37 +1,15 @@
-// A program of its own: it counts every allocation.
-
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
+#include <memory>
 #include <vector>
 
+#include "AllocationCounter.h"
 #include "DeckClient.h"
 #include "wavedeck/WaveDeckTransformImpl.h"
 
 namespace {
 
-std::atomic<long> allocations{0};
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
-namespace {
-
+using testsupport::allocations;
 using wavedeck::driver::ChainKind;
 
 /// Hands the data on.
