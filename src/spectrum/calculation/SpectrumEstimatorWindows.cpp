@@ -51,7 +51,7 @@ double chebyshevTail(std::size_t j, std::size_t n, double g, const std::vector<d
     double q = 2.0 - static_cast<double>(n);
     for (std::size_t i = 0; i + 2 <= j; ++i) {
         p += q;
-        term *= p * c[i];
+        term = term * p * c[i];
         const double before = sum;
         sum += term;
         if (sum == before) {
