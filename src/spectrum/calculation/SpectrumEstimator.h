@@ -536,6 +536,7 @@ private:
     std::size_t inputSegment(std::size_t segment) const { return segment % transform.segments(); }
 
     static constexpr double firStopbandAttenuation = 140.0;  ///< dB, of every filter designed here
+    static constexpr std::size_t numSpectrogramLines = 100;  ///< unless a time span gives their number
 
     // Options.
     InputDomain inputDomain = InputDomain::time;
@@ -629,7 +630,6 @@ private:
     std::size_t totalNumChannels = 0;
     std::size_t spectrumLength = 1024;
     std::size_t numSegmentsPerBlock = 1;
-    std::size_t numSpectrogramLines = 100;
     std::size_t actualSpectralAverages = 1;
     std::size_t firGroupDelay = 1024;
     std::size_t zoomDecimationFactor = 1;

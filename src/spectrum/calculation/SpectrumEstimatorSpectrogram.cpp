@@ -13,7 +13,6 @@ void SpectrumEstimator::allocateSpectrogramResources() {
     computeNumSegmentsPerBlock();
     computeTimeIncrement();
     computeActualTimeSpan();
-    numSpectrogramLines = getNumSpectrogramLines();
 }
 
 void SpectrumEstimator::computeActualTimeResolution() {

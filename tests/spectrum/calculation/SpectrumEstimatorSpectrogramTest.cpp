@@ -109,6 +109,9 @@ TEST(SpectrumEstimatorSpectrogram, CountsLinesAndStaysWithinTheOutput) {
     alone.feed({{{wide.columns[0]}, false}}, 4 * L);
     const std::size_t lines = 2 * bench.points();
     EXPECT_EQ(part(bench.outs[0], 3 * lines, lines), part(alone.outs[0], lines, lines));
+    bench.estimator.setAutoTimeSpan(true);
+    bench.feed({wide, wide}, 4 * L);
+    EXPECT_EQ(bench.record().numSpectrogramLines, 100U) << "the time span before leaves no trace";
 
     Bench shortest = makeBench(0.05);
     shortest.estimator.setAutoTimeSpan(false);
