@@ -324,6 +324,7 @@ public:
 
     /// Lowpass for a decimation by `factor` of 2 * halfLength * factor taps: a sinc cut at 1 / (2 factor) of the sample
     /// rate under a Kaiser window. Stored branch by branch: element n at (n mod factor) * 2 halfLength + n / factor.
+    /// Throws std::length_error for more taps than a vector holds.
     void designMultirateFIR(std::vector<double>& h, const std::size_t& factor, const std::size_t& halfLength,
                             const double& attenuation) const;
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <stdexcept>
 
 #include "SpectrumEstimator.h"
 
@@ -63,8 +64,11 @@ void moveCompleteSlots(Sample* accumulators, std::complex<double>* in, std::size
 
 void SpectrumEstimator::designMultirateFIR(std::vector<double>& h, const std::size_t& factor,
                                            const std::size_t& halfLength, const double& attenuation) const {
-    const std::size_t taps = 2 * halfLength * factor;
     std::vector<double> w;
+    if (factor != 0 && halfLength > w.max_size() / 4 / factor) {
+        throw std::length_error("A filter of that many taps has no store");
+    }
+    const std::size_t taps = 2 * halfLength * factor;
     kaiser(w, taps + 1, attenuation);  // an odd length has its peak on a tap; the last element is not used
     h.resize(taps);
     for (std::size_t n = 0; n < taps; ++n) {
