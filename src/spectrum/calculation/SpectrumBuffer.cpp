@@ -168,6 +168,11 @@ void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std
     appendSamples(run, source, position, numSamples - position);
 }
 
+bool SpectrumBuffer::isMadeFor(const std::size_t& channels, const bool& complex) const {
+    const std::size_t held = std::visit([](const auto& runs) { return runs.size(); }, store);
+    return held == channels && holdsComplexSamples() == complex;
+}
+
 std::size_t SpectrumBuffer::size(const std::size_t& channel) const {
     return std::visit([&](const auto& runs) { return channel < runs.size() ? runs[channel].size() : 0; }, store);
 }

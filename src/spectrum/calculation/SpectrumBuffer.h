@@ -76,6 +76,8 @@ public:
     /// Whether channel 0 holds a whole block; the other channels are not looked at.
     bool isReady() const;
 
+    /// Whether the store is that of a `setup` for these channels.
+    bool isMadeFor(const std::size_t& channels, const bool& complex) const;
     bool holdsComplexSamples() const { return std::holds_alternative<Runs<std::complex<double>>>(store); }
     /// The run of a channel, `size(channel)` samples; null if the store holds the other kind.
     template <class Sample>

@@ -25,8 +25,9 @@ namespace dspwavedecks {
 ///
 /// Use: setters, then `setup`, then `computeSpectrum` (time input) or `processSpectrum` (spectra as input) once a
 /// signal and frame, the last signal last. A setter that changes something marks what is to begin anew; its owner then
-/// calls `release`, and `setup` before the next frame. No setter checks its value: what does not make sense gives
-/// infinite or NaN figures, never an access outside a buffer.
+/// calls `release`, and `setup` before the next frame; where stores do not fit any more, nothing is computed before
+/// that. No setter checks its value: what does not make sense gives infinite or NaN figures, never an access outside a
+/// buffer.
 ///
 /// Letters below: Fs sample rate, d zoom decimation (1 without), Fs' = Fs / d, L segment length and O the overlap, both
 /// in samples at Fs', N transform length, S points of a channel's spectrum, C channels of a signal. A complex signal
@@ -347,6 +348,19 @@ private:
         bool operator==(const WindowKey&) const = default;
     };
 
+    /// Settings that the sizes of stores hang on and that computing reads.
+    struct Layout {
+        InputDomain inputDomain;
+        Method method;
+        bool twoSided;
+        bool trimmed;
+        bool maxHold;
+        bool minHold;
+        std::size_t numTapsPerBand;
+        std::size_t segmentLength;
+        bool operator==(const Layout&) const = default;
+    };
+
     /// Some channels of a segment, and the weight of its row in the average, 0 for none.
     struct SegmentPart {
         int signal;
@@ -428,6 +442,11 @@ private:
     bool isComplexSignal(const int& signal) const;
     bool isAnyHoldTraceOn() const { return plotMaxHoldTrace || plotMinHoldTrace; }
     bool isPlainFilterbank() const { return isFilterbankMode() && !isFilterbankInHybridMode(); }
+    Layout presentLayout() const;
+    /// Whether there is room for a signal: after a setup, and until a setter asks for another layout.
+    bool isLaidOutFor(const int& signal) const {
+        return signal >= 0 && signal < numSignals && layoutAtSetup == presentLayout();
+    }
     bool isLastSignal(const int& signal) const { return signal + 1 >= numSignals; }
 
     // The record.
@@ -648,6 +667,7 @@ private:
     // State.
     std::mutex mutex;
     bool isLocked_ = false;
+    std::optional<Layout> layoutAtSetup;  ///< none before the first setup, and after one that failed
     bool overlapChanged = false;
     bool propertyChanged = false;
     bool resetAveragingStates = true;

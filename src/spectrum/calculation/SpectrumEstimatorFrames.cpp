@@ -8,7 +8,7 @@ namespace dspwavedecks {
 
 const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const double* data, std::vector<double>& out,
                                                                           const int& signal) {
-    if (signal < 0 || signal >= numSignals || !spectrumBuffer) {
+    if (isFrequencyInputDomain() || !isLaidOutFor(signal)) {
         return metaData;
     }
     if (useCachedSpectrumData) {
@@ -268,7 +268,7 @@ void SpectrumEstimator::cacheSpectrum(const std::vector<double>& out, const int&
 
 const spectrumEstimatorMetaDataStruct& SpectrumEstimator::processSpectrum(const double* data, std::vector<double>& out,
                                                                           const int& signal) {
-    if (signal < 0 || signal >= numSignals) {
+    if (!isLaidOutFor(signal)) {
         return metaData;
     }
     metaData.isNewDataReady = false;

@@ -18,6 +18,7 @@ void SpectrumEstimator::setup(const int& signals, const std::vector<int>& newFra
                               const std::vector<int>& newUnbufferedFrameSize, const std::vector<int>& newNumChannels,
                               const std::vector<int>& newIsComplex, const bool& newIsProcessingNewData) {
     const std::lock_guard lock(mutex);
+    layoutAtSetup.reset();
     numSignals = signals;
     frameSize = newFrameSize;
     unbufferedFrameSize = newUnbufferedFrameSize;
@@ -48,7 +49,13 @@ void SpectrumEstimator::setup(const int& signals, const std::vector<int>& newFra
     } else {
         useCachedSpectrumData = !propertyChanged;
     }
+    layoutAtSetup = presentLayout();
     isLocked_ = true;
+}
+
+SpectrumEstimator::Layout SpectrumEstimator::presentLayout() const {
+    return {inputDomain,      method,           isTwoSidedSpectrum(), isFrequencyVectorTrimmed(),
+            plotMaxHoldTrace, plotMinHoldTrace, numTapsPerBand,       actualSegmentLength};
 }
 
 void SpectrumEstimator::release(const bool& fullReset) {

@@ -7,6 +7,8 @@
 namespace dspwavedecks {
 
 void SpectrumEstimator::setupBuffer() {
+    // Samples that are to be kept can only be those of the same channels.
+    flushSpectrumBuffer = flushSpectrumBuffer || !spectrumBuffer->isMadeFor(totalNumChannels, isAnyInputComplex());
     if (flushSpectrumBuffer) {
         spectrumBuffer->setup(static_cast<std::size_t>(std::max(numSignals, 0)), totalNumChannels, isAnyInputComplex());
     }

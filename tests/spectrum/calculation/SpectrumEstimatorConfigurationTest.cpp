@@ -3,6 +3,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <stdexcept>
 #include <string>
 
 #include "EstimatorSupport.h"
@@ -208,6 +209,12 @@ TEST(SpectrumEstimatorConfiguration, AnswersWithoutASetup) {
     EXPECT_FALSE(estimator.isValidSampleRate(30.0));
     estimator.setSampleRateForFrameSizeChange(96000.0);
     EXPECT_FALSE(estimator.isLocked());
+    // Other channels at the same time: what the buffer holds is of no use.
+    estimator.setup(1, {20000}, {20000}, {4}, {1}, true);
+    Values out;
+    estimator.computeSpectrum(Values(80000).data(), out, 0);
+    EXPECT_EQ(out.size(), 3 * estimator.getSpectrumMetaData().spectrumLength);
+    EXPECT_THROW(estimator.designMultirateFIR(out, 1024, std::size_t{1} << 53U, 140.0), std::length_error);
 }
 
 // Nothing is refused, and nothing is read or written outside a buffer (the sanitizers look on).
@@ -236,23 +243,36 @@ TEST(SpectrumEstimatorConfiguration, SurvivesSettingsThatMakeNoSense) {
         },
         [](Estimator& e) { e.setWindow(Window::custom); },
         [](Estimator& e) { e.setEnableMaxSegmentLengthThreshold(true), e.setMaximumSegmentLength(0); },
+        // Harmless by themselves, but stores are made for them.
+        [](Estimator& e) { e.setMethod(Method::filterBank); },
+        [](Estimator& e) { e.setPlotMinHoldTrace(true), e.setFrequencyRange(Range::oneSided); },
+        [](Estimator& e) { e.getTargetSegmentLength(false, 1.0, 48000.0), e.setOverlapPercent(90); },
+        [](Estimator& e) { e.setInputDomain(SpectrumEstimator::InputDomain::frequency), e.setShowSpectrogram(true); },
     };
     const Values samples = colouredNoise(3, 4000);
     for (const Set& set : nonsense) {
-        for (const bool threshold : {true, false}) {
+        for (const int variant : {0, 1, 2, 3}) {
+            const bool threshold = variant % 2 != 0;
+            const bool betweenFrames = variant >= 2;
             Estimator estimator;
             setWindowLength(estimator, 512);
             estimator.setFrequencyResolutionMethod(Resolution::rbw);
             estimator.setPlotMaxHoldTrace(true);
             estimator.setEnableDesiredSegmentLengthThreshold(threshold);
-            set(estimator);
+            if (!betweenFrames) {
+                set(estimator);
+            }
             // Two signals of different sizes, the second a complex one with a single column: no channel at all.
             estimator.setup(2, {1000, 10}, {1000, 10}, {1, 1}, {0, 1}, true);
             Values out;
             for (std::size_t frame = 0; frame < 4; ++frame) {
+                if (frame == 2 && betweenFrames) {
+                    set(estimator);  // without a new setup
+                }
                 estimator.computeSpectrum(samples.data() + 1000 * frame, out, 0);
                 estimator.computeSpectrum(samples.data(), out, 1);
                 estimator.computeSpectrum(samples.data(), out, 2);
+                estimator.processSpectrum(samples.data(), out, 0);
             }
             const auto& record = estimator.getSpectrumMetaData();
             EXPECT_EQ(record.frequencyVector.size(), record.spectrumLength);
