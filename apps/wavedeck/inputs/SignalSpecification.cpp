@@ -82,7 +82,7 @@ const std::vector<double>& SignalSpecification::list(std::string_view key) const
 std::string SignalSpecification::word(std::string_view key, std::span<const std::string_view> allowed) {
     words_.emplace_back(key);
     const auto given = given_.find(key);
-    const auto value = given == given_.end() ? std::string(allowed.front()) : given->second;
+    auto value = given == given_.end() ? std::string(allowed.front()) : given->second;
     if (std::find(allowed.begin(), allowed.end(), value) == allowed.end()) {
         fail(key, "`" + value + "` is none of " + join(allowed, " "));
     }

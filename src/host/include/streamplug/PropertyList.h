@@ -25,8 +25,8 @@ namespace streamplug::kit::array {
 /// A property that carries one array: the only kind that the option readers take.
 class WAVEDECK_API PropertyEvent : public interfaces::IPropertyInfo {
 public:
-    PropertyEvent(std::string name, foundation::numbenchdata::Array value)
-        : name_(std::move(name)), value_(std::move(value)) {}
+    PropertyEvent(std::string name, const foundation::numbenchdata::Array& value)
+        : name_(std::move(name)), value_(value) {}
     ~PropertyEvent() override;
 
     const char* getName() const override { return name_.c_str(); }
