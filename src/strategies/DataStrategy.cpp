@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include "Board.h"
 #include "NumberText.h"
@@ -85,10 +84,10 @@ DataStrategy::ArrayPointer DataStrategy::packageIntegers(const std::vector<int>&
 }
 
 DataStrategy::ObjectPointer DataStrategy::makeChannel(int channel, const std::string& id, const ChannelFacts& facts,
-                                                      ArrayPointer data, ArrayPointer nanIndex) {
+                                                      const ArrayPointer& data, const ArrayPointer& nanIndex) {
     ObjectPointer object = new Poco::JSON::Object;
-    object->set("data", std::move(data));
-    object->set("NaNIdx", std::move(nanIndex));
+    object->set("data", data);
+    object->set("NaNIdx", nanIndex);
     object->set(facts.axisKey, facts.axis);
     object->set("dbid", "db" + numberText(static_cast<unsigned long>(channel)));
     object->set("id", id);

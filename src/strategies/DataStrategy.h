@@ -78,8 +78,8 @@ protected:
     ArrayPointer packageIntegers(const std::vector<int>& values);
 
     /// The object of one channel. Its identifiers are "db" + channel, counted from 0, and that of its signal.
-    static ObjectPointer makeChannel(int channel, const std::string& id, const ChannelFacts& facts, ArrayPointer data,
-                                     ArrayPointer nanIndex);
+    static ObjectPointer makeChannel(int channel, const std::string& id, const ChannelFacts& facts,
+                                     const ArrayPointer& data, const ArrayPointer& nanIndex);
     /// The object of one signal.
     static ObjectPointer makeSignal(const ArrayPointer& channels, int numChannels, const std::string& id,
                                     const std::string& dataMin, const std::string& dataMax);

@@ -12,7 +12,6 @@ namespace program {
 namespace {
 
 using dspwavedecks::catalogue::Content;
-using dspwavedecks::catalogue::Kind;
 using dspwavedecks::catalogue::Option;
 using nlohmann::json;
 

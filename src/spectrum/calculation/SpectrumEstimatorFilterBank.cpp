@@ -71,9 +71,9 @@ void SpectrumEstimator::designMultirateFIR(std::vector<double>& h, const std::si
     const std::size_t taps = 2 * halfLength * factor;
     kaiser(w, taps + 1, attenuation);  // an odd length has its peak on a tap; the last element is not used
     h.resize(taps);
+    const auto centre = static_cast<double>(halfLength * factor);
     for (std::size_t n = 0; n < taps; ++n) {
-        const double x =
-            (static_cast<double>(n) - static_cast<double>(taps / 2)) / static_cast<double>(factor) * std::numbers::pi;
+        const double x = (static_cast<double>(n) - centre) / static_cast<double>(factor) * std::numbers::pi;
         constexpr double smallAngle = 0.00040283203125;
         const double sinc = std::abs(x) >= smallAngle ? std::sin(x) / x : 1.0 - x * x / 6.0;
         h[n % factor * 2 * halfLength + n / factor] = sinc * w[n] / static_cast<double>(factor);
