@@ -184,6 +184,7 @@ class Results(Folder):
         # Points are joined by straight lines; two of the 2048 are 2 Hz apart.
         self.assertAlmostEqual(response["points3dB"][0]["frequency"]["value"], 8000 * math.acos(level) / math.pi, delta=0.01)
         self.assertNotIn("stopbandPeak", response)
+        self.assertEqual(response["passbandStart"]["value"], 0.0)
         # Eight equal taps: zeros at multiples of rate / 8, the first side lobe 12.8 dB down.
         _, report = report_of(self.path("box.txt", b"0.125\n" * 8), "--deck", "response")
         self.assertAlmostEqual(report["decks"][0]["response"]["stopbandPeak"]["value"], -12.80, delta=0.01)

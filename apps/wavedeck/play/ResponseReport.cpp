@@ -32,6 +32,21 @@ std::size_t firstRise(std::span<const double> decibels, std::size_t from, std::p
     return decibels.size();
 }
 
+/// The lowest and the highest frequency within 3 dB of the greatest gain.
+void addPassband(std::span<const double> frequencies, std::span<const double> decibels, double passLevel,
+                 ReportSection& section) {
+    const auto passes = [&](double level) { return level >= passLevel; };
+    const auto first = std::find_if(decibels.begin(), decibels.end(), passes);
+    if (first == decibels.end()) {
+        return;
+    }
+    const auto behindLast = std::find_if(decibels.rbegin(), decibels.rend(), passes);
+    const auto last = static_cast<std::size_t>(decibels.rend() - behindLast) - 1;
+    section.add(
+        {"passbandStart", "passband from", frequencies[static_cast<std::size_t>(first - decibels.begin())], "Hz"});
+    section.add({"passbandStop", "passband to", frequencies[last], "Hz"});
+}
+
 /// The greatest gain outside the first minima on both sides of everything within 3 dB of the greatest gain.
 void addStopband(std::span<const double> frequencies, std::span<const double> decibels, double passLevel,
                  ReportSection& section) {
@@ -78,6 +93,7 @@ ReportSection reportResponse(std::span<const double> frequencies, std::span<cons
     section.add({"stopGain", "gain at the end", decibels.back(), "dB"});
     constexpr double halfPower = 3.0;
     constexpr double halfAmplitude = 6.0;
+    addPassband(frequencies, decibels, *greatest - halfPower, section);
     addStopband(frequencies, decibels, *greatest - halfPower, section);
     section.tables.push_back(crossings("points3dB", "-3 dB at", frequencies, decibels, *greatest - halfPower));
     section.tables.push_back(crossings("points6dB", "-6 dB at", frequencies, decibels, *greatest - halfAmplitude));
