@@ -100,6 +100,8 @@ unsigned long WaveDeckClientInfo::getAxesIdFromSignalId(unsigned long signal) {
 
 WaveDeckClientRegistry& WaveDeckClientRegistry::sInstance = *new WaveDeckClientRegistry;
 
+// The copy is the host's form of the call.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::shared_ptr<WaveDeckClientInfo> WaveDeckClientRegistry::operator()(std::string clientID) const {
     const std::lock_guard lock(mutex_);
     const auto client = clients_.find(clientID);
