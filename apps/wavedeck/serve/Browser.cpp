@@ -29,7 +29,7 @@ double millisecondsSinceEpoch() {
 
 }  // namespace
 
-Browser::Browser(WebSocket socket, std::string hello) : socket_(std::move(socket)), received_(longestMessage, '\0') {
+Browser::Browser(const WebSocket& socket, std::string hello) : socket_(socket), received_(longestMessage, '\0') {
     socket_.setSendTimeout(Poco::Timespan(sendSeconds, 0));
     socket_.setReceiveTimeout(Poco::Timespan(sendSeconds, 0));
     socket_.setMaxPayloadSize(longestMessage);

@@ -29,7 +29,7 @@ public:
     using Answer = std::function<std::string(const std::string&)>;
 
     /// Takes the socket. `hello` is sent first.
-    Browser(Poco::Net::WebSocket socket, std::string hello);
+    Browser(const Poco::Net::WebSocket& socket, std::string hello);
 
     /// Puts a message in its client's slot; an unsent one there is lost and counted.
     void offer(std::shared_ptr<const LiveMessage> message);

@@ -121,8 +121,8 @@ LiveServer::~LiveServer() {
 
 std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& request,
                                                  Poco::Net::HTTPServerResponse& response) {
-    Poco::Net::WebSocket webSocket(request, response);
-    auto browser = std::make_shared<Browser>(std::move(webSocket), callbacks.hello());
+    const Poco::Net::WebSocket socketOfBrowser(request, response);
+    auto browser = std::make_shared<Browser>(socketOfBrowser, callbacks.hello());
     const std::lock_guard lock(mutex);
     ++counters.connections;
     browsers.push_back(browser);

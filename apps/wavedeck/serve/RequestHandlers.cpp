@@ -5,6 +5,7 @@
 #include <Poco/URI.h>
 
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace program {
@@ -77,12 +78,12 @@ HTTPRequestHandler* RequestHandlers::createRequestHandler(const HTTPServerReques
 }
 
 bool isOwnOrigin(const HTTPServerRequest& request, bool loopback) {
-    const std::string host = request.getHost();
+    const std::string& host = request.getHost();
     if (loopback) {
         constexpr std::array ownNames = {"127.0.0.1", "localhost", "[::1]"};
         bool own = false;
-        for (const std::string name : ownNames) {
-            own = own || host == name || host.starts_with(name + ":");
+        for (const std::string_view name : ownNames) {
+            own = own || host == name || (host.starts_with(name) && host.substr(name.size()).starts_with(":"));
         }
         if (!own) {
             return false;
