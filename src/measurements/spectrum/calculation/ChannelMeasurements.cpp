@@ -25,9 +25,8 @@ double toLevel(double power) {
 
 const channelMeasurementsStruct& ChannelMeasurements::computeChannelMeasurements(
     const double* freq, const double* spectrum, const std::vector<unsigned long>& range) {
-    // Powers in a bandwidth that is no number tell no density.
-    const bool hasDensity = spectrumType != SpectrumType::power || std::isfinite(rbw);
-    const std::size_t n = hasDensity && range[1] > range[0] ? range[1] - range[0] : 0;
+    // A spectrum whose resolution bandwidth is no number is not measured.
+    const std::size_t n = std::isfinite(rbw) && range[1] > range[0] ? range[1] - range[0] : 0;
     takeDensity(freq, spectrum + range[0], n);
     if (type == Type::occupiedBandwidth) {
         computeOccupiedBW();

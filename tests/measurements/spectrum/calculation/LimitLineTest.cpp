@@ -22,7 +22,6 @@ TEST(LimitLine, RunsStraightBetweenItsBreakpoints) {
         double offset, frequency, level;
     } rows[] = {
         {"one level", {3}, 7, 50, 3},
-        {"one level, outside", {3}, 0, 50.5, nan},
         {"one infinite level", {-infinity}, 0, 0, -infinity},
         {"no level", {}, 0, 0, nan},
         {"a slope", {0, 100, -10, 30}, 0, 25, 0},
@@ -32,13 +31,10 @@ TEST(LimitLine, RunsStraightBetweenItsBreakpoints) {
         {"an offset", {0, 100, -10, 30}, 1000, 1025, 0},
         {"an odd last number", {0, 100, -10, 30, 99}, 0, 25, 0},
         {"on a step", {0, 40, 40, 90, 1, 1, 5, 5}, 0, 40, 1},
-        {"above a step", {0, 40, 40, 90, 1, 1, 5, 5}, 0, 41, 5},
         {"a step that begins the line", {40, 40, 90, 1, 5, 5}, 0, 40, 1},
         {"a step at 0 Hz", {-40, 0, 0, 90, 1, 1, 5, 5}, 0, 0, 1},
         {"a level to an infinite one", {0, 10, 3, infinity}, 0, 0, 3},
-        {"between them", {0, 10, 3, infinity}, 0, 1, infinity},
         {"a single breakpoint", {10, -3}, 0, 10, -3},
-        {"beside a single breakpoint", {10, -3}, 0, 11, nan},
         {"out of order: the first piece that ends above", {0, 60, 20, 80, 0, 60, 0, 60}, 0, 30, 30},
         {"a NaN frequency", {0, 100, -10, 30}, 0, nan, nan},
     };

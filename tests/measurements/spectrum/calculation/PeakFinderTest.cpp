@@ -77,25 +77,18 @@ TEST(PeakFinder, FollowsItsRulesOnShortStretches) {
         PeakFinder settings;
         Values locations;
     } rows[] = {
-        {"one sample", {1}, {}, {}},
         {"two samples", {1, 2}, {}, {}},
         {"a peak", {1, 3, 2}, {}, {1}},
         {"prominence", {1, 3, 2}, {-infinity, 3, 1, 1.5}, {}},
-        {"a threshold is inclusive", {1, 3, 2}, {-infinity, 3, 1, 1}, {1}},
         {"a height is strict", {1, 3, 2}, {3, 3, 1, 0}, {}},
         {"the ends", {3, 1, 2}, {}, {}},
-        {"constant", {2, 2, 2, 2}, {}, {}},
         {"a rise into a flat tail", {0, 1, 1, 1}, {}, {}},
         {"a plateau", {0, 2, 2, 0}, {}, {1}},
         {"a plateau and a threshold", {0, 2, 2, 0}, {-infinity, 3, 1, 1e-300}, {}},
         {"a closed distance", {0, 5, 0, 4, 0}, {-infinity, 3, 2, 0}, {1}},
-        {"a distance of one", {0, 5, 0, 4, 0}, {}, {1, 3}},
         {"a distance between", {0, 5, 0, 4, 0}, {-infinity, 3, 1.5, 0}, {1, 3}},
-        {"a dropped peak drops nothing", {0, 5, 0, 4, 0, 3, 0}, {-infinity, 3, 2, 0}, {1, 5}},
         {"no peak asked for", {1, 3, 2}, {-infinity, 0, 1, 0}, {}},
-        {"an infinite height", {1, 3, 2}, {infinity, 3, 1, 0}, {}},
         {"NaN between rise and fall", {0, 1, nan, 3, 2}, {}, {}},
-        {"infinite peaks", {0, infinity, 0, 1, 0}, {}, {1, 3}},
     };
     for (const auto& row : rows) {
         PeakFinder finder = row.settings;
@@ -121,62 +114,26 @@ TEST(PeakFinder, LeavesAnEmptyOrCrossedRangeAlone) {
     }
 }
 
-TEST(PeakFinder, RanksEqualPeaksByPreference) {
-    const Values x{0, 2, 0, 7, 0, 7, 0, 1, 0};
-    PeakFinder finder;
-    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, PeakSelectionLastMaximum)), (Values{5, 3, 1}));
-    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, PeakSelectionFirstMaximum)), (Values{3, 5, 1}));
-    const auto unranked = static_cast<PeakSelectionPreference>(2);
-    EXPECT_EQ(locations(finder.findPeaks(x.data(), {0, 9}, unranked)), (Values{7, 5, 3}));
-}
-
-// Few distinct levels make ties and plateaus; the last distances round differently to the left and to the right.
+// Short stretches of few levels, with ties and plateaus, and distances of which the last round differently to the left
+// and to the right; now and then a long one, noise on slow hills, for the search of the strongest blocks alone: now
+// that finds all that is wanted, now thinning or a height leaves too few there.
 TEST(PeakFinder, AgreesWithTheDefinitionAtFullLength) {
     std::mt19937 random(7);
     const auto draw = [&random](unsigned below) { return static_cast<unsigned>(random() % below); };
-    const double distances[] = {1,
-                                0,
-                                2,
-                                2.5,
-                                7,
-                                1000,
-                                infinity,
-                                -3,
-                                nan,
-                                std::nextafter(1.0, 0.0),
-                                std::nextafter(2.0, 0.0),
-                                std::nextafter(8.0, 0.0)};
+    const Values distances{1, 3, 100, 700, 0, 2.5, infinity, -3, nan, std::nextafter(3, 0), std::nextafter(8, 0)};
     for (int round = 0; round < 2000; ++round) {
-        Values x(draw(300));
-        const unsigned levels = 2 + draw(40);
-        for (double& sample : x) {
-            sample = draw(50) == 0 ? nan : draw(50) == 0 ? infinity : draw(levels);
+        const bool isLong = round % 25 == 0;
+        Values x(isLong ? 4000 + draw(4000) : draw(300));
+        const unsigned levels = 2 + draw(isLong ? 5000 : 40);
+        const double hills = isLong ? draw(4) : 0;
+        for (std::size_t k = 0; k < x.size(); ++k) {
+            const bool isOdd = draw(isLong ? 4000 : 25) == 0;
+            const double level = 2000 * std::sin(hills * static_cast<double>(k) / 500) + draw(levels);
+            x[k] = !isOdd ? level : draw(2) ? nan : infinity;
         }
-        PeakFinder finder(draw(2) ? -infinity : draw(levels), draw(200), distances[draw(std::size(distances))],
+        PeakFinder finder(draw(2) ? -infinity : draw(levels), draw(isLong ? 30 : 200), distances[draw(isLong ? 4 : 11)],
                           draw(3));
         const auto preference = static_cast<PeakSelectionPreference>(draw(3));
-        const auto found = finder.findPeaks(x.data(), {0, x.size()}, preference);
-        ASSERT_EQ(locations(found), slowLocations(x, finder, preference)) << "round " << round;
-    }
-}
-
-// Long enough for a search of the strongest blocks alone, on noise over slow hills: now it finds all that is wanted,
-// now thinning or a height leaves too few there.
-TEST(PeakFinder, AgreesWithTheDefinitionOnLongStretches) {
-    std::mt19937 random(8);
-    const auto draw = [&random](unsigned below) { return static_cast<unsigned>(random() % below); };
-    const double distances[] = {1, 3, 100, 700, std::nextafter(3.0, 0.0)};
-    for (int round = 0; round < 80; ++round) {
-        Values x(4000 + draw(4000));
-        const unsigned levels = 2 + draw(5000);
-        const double hills = draw(4);
-        for (std::size_t k = 0; k < x.size(); ++k) {
-            x[k] = 2000 * std::sin(hills * static_cast<double>(k) / 500) + draw(levels);
-        }
-        x[draw(4000)] = nan;
-        PeakFinder finder(draw(2) ? -infinity : draw(6000), 1 + draw(30), distances[draw(std::size(distances))],
-                          draw(3));
-        const auto preference = static_cast<PeakSelectionPreference>(draw(2));
         const auto found = finder.findPeaks(x.data(), {0, x.size()}, preference);
         ASSERT_EQ(locations(found), slowLocations(x, finder, preference)) << "round " << round;
     }

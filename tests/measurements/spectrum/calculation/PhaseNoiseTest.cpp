@@ -71,11 +71,8 @@ TEST(PhaseNoise, MeasuresASkirtOfKnownLevel) {
         loud[0] = 30;  // the lowest bin is no carrier
         const auto result = measure(noise, 0, frame(1e6, {loud, carrierBlock(400, 40, -20)}), 400);
         EXPECT_TRUE(result.isNewDataReady);
-        EXPECT_EQ(result.totalNumChannels, 2u);
-        EXPECT_EQ(result.numSpotFrequencyOffsets, 4u);
         // From 500 to 10000 Hz in steps of 50, both included.
         ASSERT_EQ(result.numPoints[0], (std::vector<unsigned long>{191, 191}));
-        EXPECT_EQ(result.maxNumPoints, 191u);
         EXPECT_EQ(result.frequencyOffsetLimits, (Values{500, 10000}));
         EXPECT_NEAR(result.phaseNoiseLimits[0], skirt(10000), tolerance);
         EXPECT_NEAR(result.phaseNoiseLimits[1], skirt(500), tolerance);

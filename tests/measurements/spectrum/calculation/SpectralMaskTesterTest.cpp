@@ -59,13 +59,10 @@ TEST(SpectralMaskTester, ComparesBinsWithTheEnabledLines) {
     } rows[] = {
         {"above the upper line", EnabledMasks::upper, {0, -9}, false, true},
         {"on the upper line", EnabledMasks::upper, {0, -10}, true, true},
-        {"at its end", EnabledMasks::upper, {100, -9}, false, true},
         {"beside it", EnabledMasks::upper, {101, 99}, true, true},
         {"NaN", EnabledMasks::upperAndLower, {0, nan}, true, true},
         {"below the lower line", EnabledMasks::lower, {2000, -61}, true, false},
-        {"below a lower line that is off", EnabledMasks::upper, {2000, -61}, true, true},
         {"above an upper line that is off", EnabledMasks::lower, {0, -9}, true, true},
-        {"no line", EnabledMasks::none, {0, 99}, true, true},
         {"both lines", EnabledMasks::upperAndLower, {1000, -60.5}, true, false},
     };
     for (const auto& row : rows) {
@@ -82,15 +79,6 @@ TEST(SpectralMaskTester, ComparesBinsWithTheEnabledLines) {
         EXPECT_EQ(status.numTotalTests, 1) << row.why;
         EXPECT_EQ(status.successRate, passed ? 100 : 0) << row.why;
     }
-}
-
-TEST(SpectralMaskTester, PassesWithItsDefaultMasks) {
-    SpectralMaskTester mask;
-    mask.setEnabledMasks(mask.getEnabledMasksEnum("upper-and-lower"));
-    const Values data = frame({{0, std::numeric_limits<double>::infinity()}});
-    setUp(mask, data, {1}, {0});
-    EXPECT_TRUE(mask.performMaskTest(data.data(), 0, numPoints, true)->isCurrentlyPassing);
-    EXPECT_THROW(mask.getReferenceLevelEnum("peak"), std::out_of_range);
 }
 
 // Signal 0 is complex with two channels, signal 1 real with three.
@@ -135,10 +123,6 @@ TEST(SpectralMaskTester, CountsTestsAndReplacesTheLastOneOnReplay) {
         EXPECT_EQ(status->numTotalTests, row.total);
         EXPECT_EQ(status->successRate, row.passed / row.total * 100);
     }
-    mask.release();
-    EXPECT_FALSE(mask.isLocked());
-    EXPECT_EQ(status->numTotalTests, 4);
-    setUp(mask, good, {1}, {0});
     mask.reset();
     EXPECT_TRUE(mask.isLocked());
     EXPECT_EQ(status->numTotalTests, 0);
