@@ -68,22 +68,6 @@ TEST(SignalStatistics, agreesWithAnIndependentImplementation) {
     }
 }
 
-// A sine over whole periods: mean 0, mean square A^2 / 2 about an offset, closed form.
-TEST(SignalStatistics, readsASineAndItsOffset) {
-    constexpr std::size_t count = 48000;
-    std::vector<double> data(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        data[i] = 3.0 + 2.0 * std::sin(2.0 * M_PI * static_cast<double>(i * 7 % count) / count);
-    }
-    SignalStatistics statistics;
-    const signalStatsStruct& stats = statistics.computeSignalStatistics(data.data(), {0, count}, MinMaxLastMaximum);
-    EXPECT_NEAR(3.0, stats.mean, 1e-12);
-    EXPECT_NEAR(11.0, stats.meanSquare, 1e-11);
-    EXPECT_NEAR(2.0 * count / (count - 1), stats.variance, 1e-11);
-    EXPECT_NEAR(3.0, stats.median, 1e-12);
-    EXPECT_EQ(4.0, stats.peakToPeak);
-}
-
 TEST(SignalStatistics, tiesGoByTheOrder) {
     struct Row {
         std::vector<double> data;
