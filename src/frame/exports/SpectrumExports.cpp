@@ -1,10 +1,12 @@
 // Spectra and spectrograms.
+#include "BFInputPortParametersHandlerFilter.h"
 #include "Export.h"
 #include "SpectrumEstimatorFilter.h"
 #include "SpectrumQueries.h"
 #include "SpectrumThinnerFilter.h"
 
 DSPWAVEDECKS_EXPORT_FILTER(spectrum_estimator_filter, SpectrumEstimatorFilter)
+DSPWAVEDECKS_EXPORT_FILTER(bf_input_port_parameters_handler_filter, BFInputPortParametersHandlerFilter)
 DSPWAVEDECKS_EXPORT_FILTER(spectrum_thinner_filter, SpectrumThinnerFilter)
 
 DSPWAVEDECKS_EXPORT_QUERY(getSpectrumDataImpl, dspwavedecks::answerSpectrumData)
