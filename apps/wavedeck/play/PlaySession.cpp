@@ -8,6 +8,7 @@
 #include "CoefficientReader.h"
 #include "EngineeringNumber.h"
 #include "Measures.h"
+#include "PlanImprovement.h"
 #include "ProgressLine.h"
 #include "StageLibraryPath.h"
 #include "StopRequest.h"
@@ -148,10 +149,12 @@ void PlaySession::play() {
     ProgressLine progress;
     const auto begin = std::chrono::steady_clock::now();
     const auto whole = duration();
+    PlanImprovement plans(realtime_ || !whole);
     while (!readerGone_ && !StopRequest::requested() && readFrame() && (!realtime_ || keepPace(begin))) {
         for (const auto& deck : decks_) {
             feed(*deck);
         }
+        plans.step();
         progress.show(decks_.front()->client().streamTime(), whole);
     }
     // What came since the last update that was due goes out too.
