@@ -38,6 +38,7 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addText(app, "--updates", play.updates, "updates a second of stream time (20)", "HZ");
     addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");
     app.add_flag("--realtime", play.realtime, "hands over the samples at their own rate");
+    app.add_flag("--blockflow", play.blockflow, "plays the inputs as a block-diagram simulation of whole frames");
     addText(app, "--serve", play.serve,
             "serves the live display in the browser, at 127.0.0.1:8080 unless told otherwise; plays in real time",
             "[HOST:]PORT");

@@ -243,6 +243,20 @@ class Results(Folder):
         # 200 averages scatter a bin by 0.3 dB.
         self.assertAlmostEqual(deck["phaseNoise"]["spots"][0]["level"]["value"], -80, delta=1.5)
 
+    def test_a_simulation_counts_and_measures_as_the_stream_does(self):
+        signal = "gen:pulse?rate=1M&duration=20480u"
+        _, plain = report_of(signal, "--deck", "time", "--measure", "stats,bilevel")
+        run, simulated = report_of(signal, "--deck", "time", "--measure", "stats,bilevel", "--blockflow")
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        plain, simulated = plain["decks"][0], simulated["decks"][0]
+        for figure in ("frames", "samples"):
+            self.assertEqual(simulated[figure], plain[figure])
+        # Spans of other lengths over the same pulses.
+        for name in ("highStateLevel", "lowStateLevel"):
+            self.assertAlmostEqual(simulated["bilevel"][name], plain["bilevel"][name], delta=0.02)
+        for name in ("riseTime", "period", "posWidth"):
+            self.assertAlmostEqual(simulated["bilevel"][name]["value"], plain["bilevel"][name]["value"], delta=1e-6)
+
     def test_masks_decide_the_status(self):
         mask = ("--measure", "mask", "--set", "enabledMasks=upper", "--set", "upperMask=")
         for level, status in (("30", 0), ("20", 1)):

@@ -1,6 +1,5 @@
 #include "Deck.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
@@ -42,25 +41,43 @@ constexpr std::string_view responseStages[] = {
     "peak_finder_filter",
 };
 
-constexpr std::array<Deck, 4> decks{{
+constexpr std::string_view blockflowTimeStages[] = {
+    "bf_simulation_meta_data_filter",   "bf_simulation_pacer_filter",
+    "magnitude_phase_filter",           "bf_wavedeck_measurements_data_cache_filter",
+    "bf_time_signal_statistics_filter", "bf_time_peak_finder_filter",
+    "bf_bilevel_measurements_filter",   "bf_trigger_filter",
+};
+
+constexpr std::string_view blockflowSpectrumStages[] = {
+    "bf_simulation_meta_data_filter",     "bf_simulation_pacer_filter",   "bf_input_port_parameters_handler_filter",
+    "bf_spectrum_estimator_filter",       "frequency_peak_finder_filter", "channel_measurements_filter",
+    "distortion_measurements_filter",     "phase_noise_filter",           "spectral_mask_tester_filter",
+    "bf_spectrum_data_aggregator_filter",
+};
+
+constexpr std::array<Deck, 6> decks{{
     {"time", ChainKind::Time, timeStages, "dsp_wavedeck_time_data_strategy"},
     {"spectrum", ChainKind::Spectrum, spectrumStages, "dsp_wavedeck_frequency_data_strategy"},
     {"frame", ChainKind::Frame, frameStages, "dsp_wavedeck_frame_data_strategy"},
     {"response", ChainKind::Response, responseStages, "magnitude_phase_response_data_strategy"},
+    {"time", ChainKind::BlockflowTime, blockflowTimeStages, "dsp_wavedeck_time_data_strategy"},
+    {"spectrum", ChainKind::BlockflowSpectrum, blockflowSpectrumStages, "bf_dsp_wavedeck_frequency_data_strategy"},
 }};
 
 }  // namespace
 
-const Deck& findDeck(std::string_view name) {
-    const auto* deck = std::find_if(decks.begin(), decks.end(), [&](const Deck& entry) { return entry.name == name; });
-    if (deck == decks.end()) {
-        std::vector<std::string_view> names;
-        for (const auto& entry : decks) {
-            names.push_back(entry.name);
+const Deck& findDeck(std::string_view name, bool blockflow) {
+    std::vector<std::string_view> names;
+    for (const auto& entry : decks) {
+        if (isBlockflow(entry.kind) != blockflow) {
+            continue;
         }
-        throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(names, " "));
+        if (entry.name == name) {
+            return entry;
+        }
+        names.push_back(entry.name);
     }
-    return *deck;
+    throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(names, " "));
 }
 
 std::vector<std::string> defaultDecks() {

@@ -16,8 +16,9 @@ struct Deck {
     std::string_view strategy;
 };
 
-/// The deck of a name. Throws UsageError naming those there are.
-const Deck& findDeck(std::string_view name);
+/// The deck of a name, with blockflow the one whose data comes from a block-diagram simulation. Throws UsageError
+/// naming those there are.
+const Deck& findDeck(std::string_view name, bool blockflow);
 
 /// Names of the decks that are played when none is chosen.
 std::vector<std::string> defaultDecks();

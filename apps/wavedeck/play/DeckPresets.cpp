@@ -13,7 +13,6 @@
 namespace program {
 namespace {
 
-constexpr std::string_view estimator = "spectrum_estimator_filter";
 constexpr std::string_view peaks = "frequency_peak_finder_filter";
 constexpr std::string_view channel = "channel_measurements_filter";
 constexpr std::string_view phaseNoise = "phase_noise_filter";
@@ -49,6 +48,7 @@ std::size_t channelsOf(const SessionFacts& facts) {
 }
 
 void presetEstimator(const SessionFacts& facts, double rate, DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
     const bool anyComplex =
         std::any_of(facts.signals.begin(), facts.signals.end(), [](const auto& signal) { return signal.isComplex; });
     settings.preset(estimator, "sampleRate", asText(rate));
@@ -65,6 +65,7 @@ struct FrequencyRange {
 };
 
 FrequencyRange shownRange(const DeckSettings& settings, double rate) {
+    const auto estimator = estimatorStage(settings);
     const auto number = [&](std::string_view option) { return *parseNumber(settings.value(estimator, option)); };
     const auto span = settings.value(estimator, "frequencySpan");
     if (span == "start-and-stop-frequencies") {
@@ -79,6 +80,7 @@ FrequencyRange shownRange(const DeckSettings& settings, double rate) {
 }
 
 void linkUnits(DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
     const auto units = shownSpectrumUnits(settings);
     const bool twoSided = settings.value(estimator, "frequencyRange") == "centered";
     for (const auto stage : measurementStages) {
@@ -94,6 +96,7 @@ void linkUnits(DeckSettings& settings) {
 }
 
 void linkOffsets(const SessionFacts& facts, DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
     const auto offsets = split(settings.value(estimator, "frequencyOffset"), ',');
     for (const auto stage : measurementStages) {
         if (!settings.has(stage, "measurementChannelFrequencyOffset")) {
@@ -152,7 +155,25 @@ void linkSpots(const FrequencyRange& range, DeckSettings& settings) {
     settings.preset(phaseNoise, "phaseNoiseFrequencyOffset", asText(spots));
 }
 
+/// Measurements on a simulation cover what the display shows, from the first frame on.
+void applySimulationPresets(const SessionFacts& facts, DeckSettings& settings) {
+    const auto& signal = facts.signals.front();
+    constexpr double usualSpan = 5000.0;
+    const auto span = asText(facts.displaySpan.value_or(usualSpan * signal.sampleTime));
+    for (const auto stage : settings.stages()) {
+        for (const auto& [option, text] : std::initializer_list<std::pair<const char*, std::string>>{
+                 {"isBlockInFrameProcMode", signal.frameSize > 1 ? "true" : "false"},
+                 {"autoTimeRange", span},
+                 {"customSpan", span}}) {
+            if (settings.has(stage, option)) {
+                settings.preset(stage, option, text);
+            }
+        }
+    }
+}
+
 void applySpectrumPresets(const SessionFacts& facts, DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
     const double sampleTime = facts.signals.front().sampleTime;
     if (std::any_of(facts.signals.begin(), facts.signals.end(),
                     [&](const auto& signal) { return signal.sampleTime != sampleTime; })) {
@@ -176,6 +197,7 @@ void applySpectrumPresets(const SessionFacts& facts, DeckSettings& settings) {
 }  // namespace
 
 std::string shownSpectrumUnits(const DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
     const auto units = settings.value(estimator, "spectrumUnits");
     if (units != "auto" && units != "none") {
         return units;
@@ -186,9 +208,18 @@ std::string shownSpectrumUnits(const DeckSettings& settings) {
     return asInput ? input : "watts";
 }
 
+std::string_view estimatorStage(const DeckSettings& settings) {
+    constexpr std::string_view blockflow = "bf_spectrum_estimator_filter";
+    return settings.has(blockflow, "method") ? blockflow : "spectrum_estimator_filter";
+}
+
 void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& settings) {
-    if (deck.kind == wavedeck::driver::ChainKind::Spectrum) {
+    using wavedeck::driver::ChainKind;
+    if (deck.kind == ChainKind::Spectrum || deck.kind == ChainKind::BlockflowSpectrum) {
         applySpectrumPresets(facts, settings);
+    }
+    if (deck.kind == ChainKind::BlockflowTime) {
+        applySimulationPresets(facts, settings);
     }
 }
 

@@ -24,6 +24,9 @@ struct SessionFacts {
 /// Throws UsageError where the signals do not suit the deck.
 void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& settings);
 
+/// The stage that estimates a spectrum deck's spectra.
+std::string_view estimatorStage(const DeckSettings& settings);
+
 /// The word of the units in which a spectrum is shown: the estimator's "spectrumUnits", with "auto" and "none" resolved
 /// to what they leave: the units of frequency input, else watts.
 std::string shownSpectrumUnits(const DeckSettings& settings);

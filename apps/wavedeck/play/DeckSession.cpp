@@ -51,6 +51,39 @@ DeckSession::DeckSession(const Deck& deck, DeckSettings settings, const SessionF
     const std::string strategy(deck.strategy);
     client_.setStrategy(strategy, library.makeStrategy(strategy));
     client_.setup();
+    if (isBlockflow(deck.kind)) {
+        simulation_.emplace(client_);
+    }
+}
+
+bool DeckSession::showsSpectra() const {
+    return deck_.kind == ChainKind::Spectrum || deck_.kind == ChainKind::BlockflowSpectrum;
+}
+
+void DeckSession::feed(const std::vector<std::vector<double>>& frame) {
+    if (!simulation_) {
+        spans_.assign(frame.begin(), frame.end());
+        client_.frame(spans_);
+        return;
+    }
+    const auto isWhole = [&](std::size_t i) {
+        const auto& signal = facts_.signals[i];
+        return frame[i].size() ==
+               static_cast<std::size_t>(signal.frameSize) * static_cast<std::size_t>(signal.numChannels);
+    };
+    bool whole = true;
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+        whole = whole && isWhole(i);
+    }
+    if (whole) {
+        simulation_->push(frame);
+    }
+}
+
+void DeckSession::endInput() {
+    if (simulation_) {
+        simulation_->end();
+    }
 }
 
 void DeckSession::noteUpdate(const Poco::JSON::Object& message) {
@@ -67,11 +100,11 @@ ReportSection DeckSession::report() {
         section.add({"frames", "frames", readCounter(board, "framesProcessed")});
         section.add({"samples", "samples of all channels", readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
-        if (deck_.kind == ChainKind::Spectrum) {
+        if (showsSpectra()) {
             addSpectrumFigures(board, settings_, section);
         }
     });
-    if (deck_.kind == ChainKind::Time) {
+    if (deck_.kind == ChainKind::Time || deck_.kind == ChainKind::BlockflowTime) {
         section.add({"span", "display span", client_.displaySpan(), "s"});
     }
     auto measures = reportMeasures();
@@ -87,7 +120,7 @@ ReportSection DeckSession::reportMeasures() {
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         for (const auto* measure : measuresOn(settings_)) {
             all.sections.push_back(measure->report(info.getClientSettings(), settings_, measure->stage));
-            if (measure->stage == "trigger_filter") {
+            if (measure->stage.ends_with("trigger_filter")) {
                 trigger_.report(all.sections.back());
             }
         }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "DeckClient.h"
 #include "DeckPresets.h"
 #include "DeckSettings.h"
+#include "DeckSimulation.h"
 #include "Report.h"
 #include "StageLibrary.h"
 #include "TriggerTally.h"
@@ -41,6 +43,12 @@ public:
     /// Measures what the client holds once more, with the settings as they stand.
     void replay();
 
+    /// Hands the client a frame of all signals: [rows * n] each.
+    void feed(const std::vector<std::vector<double>>& frame);
+
+    /// No frame follows.
+    void endInput();
+
     /// Takes account of an update that went out.
     void noteUpdate(const Poco::JSON::Object& message);
 
@@ -55,13 +63,17 @@ private:
     ReportSection reportMeasures();
     void addResponse(ReportSection& section, ReportSection& measures);
 
+    bool showsSpectra() const;
+
     const Deck& deck_;
     const SessionFacts facts_;
     mutable std::mutex mutex_;  ///< guards the settings: browsers tune while the deck reports
     DeckSettings settings_;
     wavedeck::driver::DeckClient client_;
-    double rate_;  ///< Hz, of the first signal
+    std::optional<DeckSimulation> simulation_;  ///< of a Blockflow deck
+    double rate_;                               ///< Hz, of the first signal
     std::uint64_t updates_ = 0;
+    std::vector<std::span<const double>> spans_;  ///< scratch
     TriggerTally trigger_;
 };
 

@@ -18,12 +18,16 @@ constexpr Preset triggerPresets[] = {{"mode", "auto"}};
 
 constexpr std::array measures{
     Measure{"stats", "time_signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
+    Measure{"stats", "bf_time_signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
     Measure{"stats", "signal_statistics_filter", "signalStatisticsEnabled", reportStatistics},
     Measure{"peaks", "time_peak_finder_filter", "peakFinderEnabled", reportPeaks},
+    Measure{"peaks", "bf_time_peak_finder_filter", "peakFinderEnabled", reportPeaks},
     Measure{"peaks", "peak_finder_filter", "peakFinderEnabled", reportPeaks},
     Measure{"peaks", "frequency_peak_finder_filter", "peakFinderEnabled", reportPeaks},
     Measure{"bilevel", "bilevel_measurements_filter", "bilevelMeasurementsEnabled", reportPulses, pulsePresets},
+    Measure{"bilevel", "bf_bilevel_measurements_filter", "bilevelMeasurementsEnabled", reportPulses, pulsePresets},
     Measure{"trigger", "trigger_filter", "triggerEnabled", reportTrigger, triggerPresets},
+    Measure{"trigger", "bf_trigger_filter", "triggerEnabled", reportTrigger, triggerPresets},
     Measure{"channel", "channel_measurements_filter", "channelMeasurementsEnabled", reportChannel},
     Measure{"distortion", "distortion_measurements_filter", "distortionMeasurementsEnabled", reportDistortion},
     Measure{"phasenoise", "phase_noise_filter", "phaseNoiseEnabled", reportPhaseNoise},

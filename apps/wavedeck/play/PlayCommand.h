@@ -19,6 +19,7 @@ struct PlayCommand {
     std::string updates = "20";          ///< Hz
     std::string spanTime;                ///< s
     bool realtime = false;
+    bool blockflow = false;
     std::string serve;     ///< [HOST:]PORT; empty: no display
     std::string messages;  ///< file or "-"; empty: none
     std::string report = "text";

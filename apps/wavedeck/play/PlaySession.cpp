@@ -72,7 +72,6 @@ void PlaySession::openInputs(const PlayCommand& command) {
     }
     summaries_.resize(inputs_.size());
     frame_.resize(inputs_.size());
-    spans_.resize(inputs_.size());
 }
 
 void PlaySession::openCoefficients(const PlayCommand& command) {
@@ -105,6 +104,11 @@ SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
         signal.sampleTime = 1.0 / facts.sampleRate;
         signal.frameSize =
             static_cast<int>(std::ceil(static_cast<double>(frameSize_) * std::max(facts.sampleRate / firstRate, 1e-9)));
+        const double frameSize = static_cast<double>(frameSize_) * (facts.sampleRate / firstRate);
+        if (command.blockflow && frameSize != std::floor(frameSize)) {
+            throw UsageError("--blockflow: a frame of " + std::to_string(frameSize_) + " samples of " +
+                             inputs_.front()->facts().name + " holds no whole number of samples of " + facts.name);
+        }
         session.signals.push_back(std::move(signal));
     }
     return session;
@@ -115,10 +119,11 @@ void PlaySession::makeDecks(const PlayCommand& command) {
     const wavedeck::driver::StageLibrary library(stageLibraryPath());
     std::vector<const Deck*> decks;
     for (const auto& name : command.decks.empty() ? defaultDecks() : command.decks) {
-        if (std::find(decks.begin(), decks.end(), &findDeck(name)) != decks.end()) {
+        const auto* deck = &findDeck(name, command.blockflow);
+        if (std::find(decks.begin(), decks.end(), deck) != decks.end()) {
             throw UsageError("--deck: `" + name + "` is given twice");
         }
-        decks.push_back(&findDeck(name));
+        decks.push_back(deck);
     }
     auto settings = settingsOf(decks, command);
     for (std::size_t i = 0; i < decks.size(); ++i) {
@@ -159,6 +164,7 @@ void PlaySession::play() {
     }
     // What came since the last update that was due goes out too.
     for (const auto& deck : decks_) {
+        deck->endInput();
         send(*deck);
     }
     if (live_) {
@@ -190,7 +196,6 @@ bool PlaySession::readFrame() {
                             samplesBefore(frames_, frameSize_, rate, firstRate);
         const auto samples = inputs_[i]->read(wanted, frame_[i]);
         summaries_[i].add(frame_[i], samples);
-        spans_[i] = frame_[i];
         any = any || samples > 0;
     }
     ++frames_;
@@ -198,7 +203,7 @@ bool PlaySession::readFrame() {
 }
 
 void PlaySession::feed(DeckSession& deck) {
-    deck.client().frame(spans_);
+    deck.feed(frame_);
     if (deck.client().updateDue()) {
         send(deck);
     }

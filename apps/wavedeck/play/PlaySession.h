@@ -3,7 +3,6 @@
 #include <chrono>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -64,7 +63,6 @@ private:
     std::vector<std::string> warnings_;
     // scratch
     std::vector<std::vector<double>> frame_;
-    std::vector<std::span<const double>> spans_;
     wavedeck::driver::MessageText messageText_;
 };
 

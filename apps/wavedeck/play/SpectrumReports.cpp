@@ -19,8 +19,6 @@
 namespace program {
 namespace {
 
-constexpr std::string_view estimator = "spectrum_estimator_filter";
-
 std::string levelUnit(const DeckSettings& settings) {
     return spectrumUnit(shownSpectrumUnits(settings));
 }
@@ -84,6 +82,7 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
     if (record == nullptr || record->frequencyVector.empty()) {
         return;
     }
+    const auto estimator = estimatorStage(settings);
     const bool automatic = settings.value(estimator, "autoRBW") == "true";
     section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed});
     section.add({"start", "from", record->frequencyVector.front(), "Hz"});
@@ -118,7 +117,7 @@ ReportSection reportPeaks(const WaveDeckClientSettings& board, const DeckSetting
     ReportTable table{"peaks", {}, {}};
     if (stage == "frequency_peak_finder_filter") {
         table.columns = {{"frequency", "frequency", "Hz"}, {"level", "level", levelUnit(settings)}};
-    } else if (stage == "time_peak_finder_filter") {
+    } else if (stage.ends_with("time_peak_finder_filter")) {
         table.columns = {{"time", "time", "s"}, {"value", "value"}};
     } else {
         table.columns = {{"sample", "sample"}, {"value", "value"}};  // the response deck turns samples into frequencies
