@@ -244,7 +244,7 @@ class Results(Folder):
         self.assertAlmostEqual(deck["phaseNoise"]["spots"][0]["level"]["value"], -80, delta=1.5)
 
     def test_a_simulation_counts_and_measures_as_the_stream_does(self):
-        signal = "gen:pulse?rate=1M&duration=20480u"
+        signal = "gen:pulse?rate=1M&duration=24576u"  # ends late in the simulation's fifth span
         _, plain = report_of(signal, "--deck", "time", "--measure", "stats,bilevel")
         run, simulated = report_of(signal, "--deck", "time", "--measure", "stats,bilevel", "--blockflow")
         self.assertEqual((run.returncode, run.stderr), (0, b""))
