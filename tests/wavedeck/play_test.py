@@ -257,6 +257,18 @@ class Results(Folder):
         for name in ("riseTime", "period", "posWidth"):
             self.assertAlmostEqual(simulated["bilevel"][name]["value"], plain["bilevel"][name]["value"], delta=1e-6)
 
+    def test_a_display_that_falls_behind_holds_the_simulation_and_it_goes_on(self):
+        # The messages do not fit the pipe: while nobody reads, the display stands still and the simulation runs ahead.
+        run = subprocess.Popen([PROGRAM, "play", "gen:tone?rate=1M&duration=0.6", "--deck", "time", "--blockflow",
+                                "--realtime", "--updates", "100", "--messages", "-", "--report", "json"],
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        run.stdout.read(1)
+        time.sleep(0.3)
+        messages, report = run.communicate(timeout=60)
+        deck = json.loads(report)["decks"][0]
+        self.assertGreater(deck["held"], 0)
+        self.assertEqual((deck["frames"], deck["updates"]), (585, messages.count(b"\n")))
+
     def test_masks_decide_the_status(self):
         mask = ("--measure", "mask", "--set", "enabledMasks=upper", "--set", "upperMask=")
         for level, status in (("30", 0), ("20", 1)):

@@ -64,20 +64,28 @@ void DeckSession::feed(const std::vector<std::vector<double>>& frame) {
     if (!simulation_) {
         spans_.assign(frame.begin(), frame.end());
         client_.frame(spans_);
-        return;
-    }
-    const auto isWhole = [&](std::size_t i) {
-        const auto& signal = facts_.signals[i];
-        return frame[i].size() ==
-               static_cast<std::size_t>(signal.frameSize) * static_cast<std::size_t>(signal.numChannels);
-    };
-    bool whole = true;
-    for (std::size_t i = 0; i < frame.size(); ++i) {
-        whole = whole && isWhole(i);
-    }
-    if (whole) {
+    } else if (isWhole(frame)) {
         simulation_->push(frame);
     }
+}
+
+bool DeckSession::isWhole(const std::vector<std::vector<double>>& frame) const {
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+        const auto& signal = facts_.signals[i];
+        if (frame[i].size() !=
+            static_cast<std::size_t>(signal.frameSize) * static_cast<std::size_t>(signal.numChannels)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool DeckSession::show() {
+    if (!simulation_ || !simulation_->hasWaiting()) {
+        return false;
+    }
+    simulation_->show();
+    return true;
 }
 
 void DeckSession::endInput() {
@@ -100,6 +108,9 @@ ReportSection DeckSession::report() {
         section.add({"frames", "frames", readCounter(board, "framesProcessed")});
         section.add({"samples", "samples of all channels", readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
+        if (simulation_) {
+            section.add({"held", "times held by the pacer", simulation_->timesHeld()});
+        }
         if (showsSpectra()) {
             addSpectrumFigures(board, settings_, section);
         }

@@ -43,8 +43,18 @@ public:
     /// Measures what the client holds once more, with the settings as they stand.
     void replay();
 
-    /// Hands the client a frame of all signals: [rows * n] each.
+    /// Hands the client a frame of all signals: [rows * n] each. A simulation takes whole frames only, and takes a step
+    /// that then waits to be shown.
     void feed(const std::vector<std::vector<double>>& frame);
+
+    /// Shows the client the oldest step of its simulation that waits; false if none does.
+    bool show();
+
+    /// Whether a step waits to be shown.
+    bool hasWaiting() const { return simulation_ && simulation_->hasWaiting(); }
+
+    /// Whether the pacer holds the simulation until the client was shown more of it.
+    bool isHeld() const { return simulation_ && simulation_->isHeld(); }
 
     /// No frame follows.
     void endInput();
@@ -62,7 +72,7 @@ private:
     void send(const DeckSettings& settings, const DeckSettings& previous);
     ReportSection reportMeasures();
     void addResponse(ReportSection& section, ReportSection& measures);
-
+    bool isWhole(const std::vector<std::vector<double>>& frame) const;
     bool showsSpectra() const;
 
     const Deck& deck_;

@@ -5,38 +5,43 @@ namespace program {
 using wavedeck::driver::StepResult;
 
 void DeckSimulation::push(const std::vector<std::vector<double>>& frame) {
-    waiting_.resize(frame.size());
+    unread_.resize(frame.size());
     for (std::size_t signal = 0; signal < frame.size(); ++signal) {
-        waiting_[signal].push_back(frame[signal]);
+        unread_[signal].push_back(frame[signal]);
     }
-    if (++pushed_ > 1) {
-        advance();
-    }
+    ++known_;
+    advance();
 }
 
 void DeckSimulation::end() {
-    while (simulation_.step() == StepResult::Stepped) {
-        simulation_.deliver();
-    }
-    simulation_.deliver();
+    hasEnded_ = true;
+    advance();
+}
+
+void DeckSimulation::show() {
+    simulation_.deliver(1);
+    advance();
 }
 
 void DeckSimulation::advance() {
-    // Held by the pacer it goes on once the client has what waits.
-    if (simulation_.step() == StepResult::Held) {
-        simulation_.deliver();
-        simulation_.step();
+    // A step whose successor is not known yet could be the last.
+    while (simulation_.stepsTaken() + (hasEnded_ ? 0 : 1) < known_) {
+        const StepResult result = simulation_.step();
+        timesHeld_ += result == StepResult::Held && !isHeld_ ? 1 : 0;
+        isHeld_ = result == StepResult::Held;
+        if (result != StepResult::Stepped) {
+            return;
+        }
     }
-    simulation_.deliver();
 }
 
-bool DeckSimulation::read(std::size_t signal, std::size_t frameSize, std::vector<double>& frame) {
-    if (signal >= waiting_.size() || waiting_[signal].empty()) {
+bool DeckSimulation::read(std::size_t signal, std::size_t /*frameSize*/, std::vector<double>& frame) {
+    if (signal >= unread_.size() || unread_[signal].empty()) {
         return false;
     }
-    frame = std::move(waiting_[signal].front());
-    waiting_[signal].pop_front();
-    return frame.size() % frameSize == 0 && !frame.empty();
+    frame = std::move(unread_[signal].front());
+    unread_[signal].pop_front();
+    return true;
 }
 
 }  // namespace program

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <vector>
 
@@ -9,16 +10,28 @@
 namespace program {
 
 /// Plays the frames of a session to a Blockflow client as the steps of a simulation. The simulation looks one step
-/// ahead, so that it knows its last one.
+/// ahead, so that it knows its last one; what it has stepped waits until the client is shown it.
 class DeckSimulation final : private wavedeck::driver::SimulationInput {
 public:
     explicit DeckSimulation(wavedeck::driver::DeckClient& client) : simulation_(client, *this) {}
 
-    /// Adds a frame of all signals; what is no whole frame is left out. Hands the client what has become known.
+    /// Adds a frame of all signals and simulates what has become known, unless the pacer holds the simulation.
     void push(const std::vector<std::vector<double>>& frame);
 
-    /// No frame follows: hands the client the rest.
+    /// No frame follows: simulates the rest.
     void end();
+
+    /// Whether a step waits that the client was not shown.
+    bool hasWaiting() const { return simulation_.waiting() > 0; }
+
+    /// Shows the client the oldest step that waits. A simulation that was held may then go on.
+    void show();
+
+    /// Whether the pacer holds the simulation: no frame should come until it goes on.
+    bool isHeld() const { return isHeld_; }
+
+    /// How often the pacer held the simulation.
+    std::uint64_t timesHeld() const { return timesHeld_; }
 
 private:
     bool read(std::size_t signal, std::size_t frameSize, std::vector<double>& frame) override;
@@ -26,8 +39,12 @@ private:
     void restart() override {}
     void advance();
 
-    std::vector<std::deque<std::vector<double>>> waiting_;  ///< [signals] frames that the simulation has not read
-    std::size_t pushed_ = 0;
+    // State.
+    std::vector<std::deque<std::vector<double>>> unread_;  ///< [signals] frames that the simulation has not read
+    std::size_t known_ = 0;                                ///< frames that came
+    bool hasEnded_ = false;
+    bool isHeld_ = false;
+    std::uint64_t timesHeld_ = 0;
     wavedeck::driver::BlockflowSimulation simulation_;
 };
 

@@ -152,23 +152,50 @@ std::vector<DeckSettings> PlaySession::settingsOf(const std::vector<const Deck*>
 
 void PlaySession::play() {
     ProgressLine progress;
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     const auto whole = duration();
     PlanImprovement plans(realtime_ || !whole);
-    while (!readerGone_ && !StopRequest::requested() && readFrame() && (!realtime_ || keepPace(begin))) {
-        for (const auto& deck : decks_) {
-            feed(*deck);
+    while (!readerGone_ && !StopRequest::requested()) {
+        if (hasToShow() && !isFrameDue(begin)) {
+            show();
+        } else if (!readFrame() || (realtime_ && !sleepUntilDue(frames_, begin))) {
+            break;
+        } else {
+            feed();
         }
         plans.step();
         progress.show(decks_.front()->client().streamTime(), whole);
     }
-    // What came since the last update that was due goes out too.
     for (const auto& deck : decks_) {
         deck->endInput();
+    }
+    while (hasToShow()) {
+        show();
+    }
+    // What came since the last update that was due goes out too.
+    for (const auto& deck : decks_) {
         send(*deck);
     }
     if (live_) {
         serveOn();
+    }
+}
+
+bool PlaySession::hasToShow() const {
+    return std::any_of(decks_.begin(), decks_.end(), [](const auto& deck) { return deck->hasWaiting(); });
+}
+
+bool PlaySession::isFrameDue(Clock::time_point begin) const {
+    // Without a clock to keep up with, a simulation waits for its display.
+    const bool anyHeld = std::any_of(decks_.begin(), decks_.end(), [](const auto& deck) { return deck->isHeld(); });
+    return realtime_ && !anyHeld && Clock::now() >= dueTime(frames_ + 1, begin);
+}
+
+void PlaySession::show() {
+    for (const auto& deck : decks_) {
+        if (deck->show()) {
+            sendIfDue(*deck);
+        }
     }
 }
 
@@ -202,8 +229,14 @@ bool PlaySession::readFrame() {
     return any;
 }
 
-void PlaySession::feed(DeckSession& deck) {
-    deck.feed(frame_);
+void PlaySession::feed() {
+    for (const auto& deck : decks_) {
+        deck->feed(frame_);
+        sendIfDue(*deck);
+    }
+}
+
+void PlaySession::sendIfDue(DeckSession& deck) {
     if (deck.client().updateDue()) {
         send(deck);
     }
@@ -227,11 +260,14 @@ void PlaySession::send(DeckSession& deck) {
     }
 }
 
-bool PlaySession::keepPace(std::chrono::steady_clock::time_point begin) const {
+PlaySession::Clock::time_point PlaySession::dueTime(std::uint64_t frames, Clock::time_point begin) const {
     const double streamTime =
-        static_cast<double>(frames_) * static_cast<double>(frameSize_) / inputs_.front()->facts().sampleRate;
-    return StopRequest::sleepUntil(begin + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                                               std::chrono::duration<double>(streamTime)));
+        static_cast<double>(frames) * static_cast<double>(frameSize_) / inputs_.front()->facts().sampleRate;
+    return begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(streamTime));
+}
+
+bool PlaySession::sleepUntilDue(std::uint64_t frames, Clock::time_point begin) const {
+    return StopRequest::sleepUntil(dueTime(frames, begin));
 }
 
 std::optional<double> PlaySession::duration() const {

@@ -34,6 +34,8 @@ public:
     bool limitFailed();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void openInputs(const PlayCommand& command);
     void openCoefficients(const PlayCommand& command);
     void makeDecks(const PlayCommand& command);
@@ -41,12 +43,22 @@ private:
     std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
-    /// Hands the frame in hand to a deck and sends what is due.
-    void feed(DeckSession& deck);
+    /// Hands the frame in hand to every deck and sends what is due.
+    void feed();
+    /// Whether a simulation has stepped farther than its display was shown.
+    bool hasToShow() const;
+    /// Shows every display the next step of its simulation and sends what is due.
+    void show();
+    /// Whether the clock asks for the next frame while displays are behind; not while a pacer holds a simulation.
+    bool isFrameDue(Clock::time_point begin) const;
+    void sendIfDue(DeckSession& deck);
     void send(DeckSession& deck);
     /// Keeps the display up after the end of the input until a stop is asked for.
     void serveOn();
-    bool keepPace(std::chrono::steady_clock::time_point begin) const;
+    /// When so many frames are over at their own rate.
+    Clock::time_point dueTime(std::uint64_t frames, Clock::time_point begin) const;
+    /// False when a stop is asked for.
+    bool sleepUntilDue(std::uint64_t frames, Clock::time_point begin) const;
     std::optional<double> duration() const;
 
     // options
