@@ -1,20 +1,29 @@
 # Sourced by play and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
 
 packages="g++ clang clang-format clang-tidy libclang-rt-14-dev cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
- libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils python3"
+ libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils python3 python3-jsonschema python3-websocket"
 
-# install_page: fetches what the display page is drawn with, once; needs node and npm, which it installs if missing.
-install_page() {
-  [ -d web/node_modules/uplot ] && [ web/node_modules -nt web/package-lock.json ] && return 0
+# install_page: fetches what the display page is drawn with.
+install_page() { install_node_packages web; }
+
+# install_browser: what the page is tested in, and what drives it.
+install_browser() {
+  command -v chromium >/dev/null || packages="chromium" install_packages || return $?
+  install_page && install_node_packages tests/web
+}
+
+# install_node_packages FOLDER: what its lock file names, once; needs node and npm, which it installs if missing.
+install_node_packages() {
+  [ -d "$1/node_modules" ] && [ "$1/node_modules" -nt "$1/package-lock.json" ] && return 0
   command -v npm >/dev/null || packages="nodejs npm" install_packages || return $?
   local log
   log=$(mktemp)
-  if ! npm ci --prefix web --no-audit --no-fund >"$log" 2>&1; then
+  if ! npm ci --prefix "$1" --no-audit --no-fund >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"
     return 2
   fi
-  touch web/node_modules
+  touch "$1/node_modules"
   rm -f "$log"
 }
 

@@ -2,7 +2,7 @@
 
 import { Client } from './client.js';
 import { Connection } from './connection.js';
-import { buildControls, resetHold } from './controls.js';
+import { buildControls, refreshControls, resetHold } from './controls.js';
 import { picture, savePicture, saveText, traceText } from './export.js';
 import { maps, theme, variable } from './palette.js';
 import { SpectrumView } from './spectrumView.js';
@@ -14,8 +14,11 @@ url.protocol = url.protocol === 'https:' ? 'wss:' : 'ws:';
 
 const state = {
   clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, interval: 50,
-  connected: false, ended: false, dirty: false,
+  connected: false, ended: false, dirty: false, pending: null, fresh: true,
+  /** Milliseconds that the last updates took: to parse, to take in, to draw, and from their sending to the end of the drawing. */
+  timings: [],
 };
+const keptTimings = 1000;
 
 /** Everything that a test or a curious engineer may look at from the console. */
 window.wavedeck = { state, resetHold };
@@ -38,19 +41,27 @@ function select(name) {
     if (error) showError(error);
     state.dirty = true;
   });
-  const colourMap = {
-    names: Object.keys(maps), current: () => state.view.waterfall?.map ?? 'viridis',
-    choose: (map) => {
+  const colours = {
+    names: Object.keys(maps),
+    map: () => state.view.waterfall.map,
+    chooseMap: (map) => {
       state.view.waterfall.setMap(map);
       state.view.panes.waterfall?.redraw();
     },
+    chooseRange: (range) => state.view.setWaterfallRange(range),
   };
-  buildControls(byId('controls'), client, showError, colourMap);
+  buildControls(byId('controls'), client, showError, colours);
   for (const tab of byId('decks').children) tab.setAttribute('aria-selected', String(tab.dataset.client === name));
-  if (state.latest.has(name)) draw(state.latest.get(name));
+  if (state.latest.has(name)) {
+    state.view.update(state.latest.get(name).message);
+    state.pending = state.latest.get(name);
+  }
 }
 
+/** Comes with each connection, and anew when a tune, of this page or of another, has changed something. */
 function hello(message) {
+  state.ended = message.ended;
+  state.dirty = true;
   for (const description of message.clients) {
     const known = state.clients.get(description.name);
     if (known) {
@@ -58,6 +69,13 @@ function hello(message) {
       known.connection = connection;
     } else state.clients.set(description.name, new Client(description, connection));
   }
+  if (!state.fresh) {
+    refreshControls(byId('controls'), state.clients.get(state.current));
+    return;
+  }
+  state.fresh = false;
+  state.latest.clear();
+  for (const name of state.clients.keys()) if (!message.clients.some((client) => client.name === name)) state.clients.delete(name);
   byId('decks').replaceChildren(...message.clients.map((client) => {
     const tab = document.createElement('button');
     tab.role = 'tab';
@@ -66,21 +84,26 @@ function hello(message) {
     tab.addEventListener('click', () => select(client.name));
     return tab;
   }));
-  state.ended = false;
   const first = message.clients.find((client) => client.deck === 'spectrum') ?? message.clients[0];
   if (first) select(state.clients.has(state.current) ? state.current : first.name);
 }
 
-function draw(update) {
+/** Draws the newest update; what came in between is in the spectrogram and nowhere else. */
+function draw({ sequence, sent, timing }) {
   const begin = performance.now();
-  state.view.update(update.message);
-  state.drawMilliseconds = performance.now() - begin;
-  state.drawn = update.sequence;
+  state.view.draw();
+  // The chart paints in a microtask of its own, which comes before this one.
+  queueMicrotask(() => {
+    state.drawn = sequence;
+    if (!timing) return;
+    state.timings.push({ ...timing, draw: performance.now() - begin, delay: Date.now() - sent });
+    if (state.timings.length > keptTimings) state.timings.shift();
+  });
 }
 
-function update(message) {
+function update(message, parse) {
   state.missed = message.missed;
-  state.ended = Boolean(message.last);
+  state.received = message.sequence;
   const now = performance.now();
   if (message.client === state.current) {
     if (state.lastArrival) state.interval += 0.1 * (now - state.lastArrival - state.interval);
@@ -90,7 +113,9 @@ function update(message) {
   state.latest.set(message.client, message);
   if (message.client !== state.current) return;
   ++state.updates;
-  draw(message);
+  const begin = performance.now();
+  state.view.update(message.message);
+  state.pending = { ...message, timing: { parse, take: performance.now() - begin } };
   if (state.wanted === 'step' || (state.wanted === 'single' && state.view.complete())) setRunning(false);
 }
 
@@ -117,8 +142,12 @@ function statusText() {
   return parts;
 }
 
-/** Tables and the status line follow the picture at most once a frame of the screen. */
+/** Picture, tables and status line follow the updates at most once a frame of the screen. */
 function refresh() {
+  if (state.pending) {
+    draw(state.pending);
+    state.pending = null;
+  }
   if (state.dirty) {
     state.dirty = false;
     byId('status').replaceChildren(...Object.entries(statusText()).map(([name, text]) => {
@@ -140,7 +169,10 @@ const actions = {
   single: () => want('single'),
   step: () => want('step'),
   full: () => panes().forEach((pane) => pane.fullView()),
-  auto: () => state.view?.auto(),
+  auto: () => {
+    state.view?.auto();
+    for (const id of ['level-low', 'level-high']) if (byId(id)) byId(id).value = '';
+  },
   picture: () => {
     const text = Object.entries(statusText()).map(([name, value]) => `${name} ${value}`).join('   ');
     savePicture('wavedeck.png', picture(panes(), variable('--background'), text, variable('--text')));
@@ -209,7 +241,9 @@ const connection = new Connection(url, {
   hello, update,
   state: (connected) => {
     state.connected = connected;
+    state.fresh = state.fresh || connected;
     state.dirty = true;
   },
 });
+window.wavedeck.connection = connection;
 requestAnimationFrame(refresh);

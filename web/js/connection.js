@@ -1,7 +1,7 @@
 /** The WebSocket to the program: updates in, tunes out; reconnects by itself. */
 
 export class Connection {
-  /** `handlers`: hello(message), update(message), state(connected). */
+  /** `handlers`: hello(message), update(message, milliseconds that parsing took), state(connected). */
   constructor(url, handlers) {
     this.url = url;
     this.handlers = handlers;
@@ -18,7 +18,11 @@ export class Connection {
       this.delay = 250;
       this.handlers.state(true);
     };
-    socket.onmessage = (event) => this.receive(JSON.parse(event.data), event.data.length);
+    socket.onmessage = (event) => {
+      const begin = performance.now();
+      const message = JSON.parse(event.data);
+      this.receive(message, performance.now() - begin);
+    };
     socket.onclose = () => {
       this.handlers.state(false);
       for (const { reject } of this.waiting.values()) reject(new Error('connection lost'));
@@ -28,9 +32,9 @@ export class Connection {
     };
   }
 
-  receive(message, length) {
+  receive(message, parseMilliseconds) {
     if (message.type === 'hello') this.handlers.hello(message);
-    else if (message.type === 'update') this.handlers.update(message, length);
+    else if (message.type === 'update') this.handlers.update(message, parseMilliseconds);
     else if (this.waiting.has(message.request)) {
       const { resolve, reject } = this.waiting.get(message.request);
       this.waiting.delete(message.request);

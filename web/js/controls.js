@@ -62,23 +62,39 @@ function field(option) {
   if (option.kind === 'logical') {
     const node = document.createElement('input');
     node.type = 'checkbox';
-    node.checked = Boolean(option.value);
+    show(node, option);
     return { node, read: () => node.checked };
   }
   if (option.words?.length) {
     const node = document.createElement('select');
     node.append(...option.words.map((word) => new Option(word, word)));
-    node.value = option.value ?? '';
+    show(node, option);
     return { node, read: () => node.value };
   }
   const node = document.createElement('input');
-  node.value = option.value ?? '';
+  show(node, option);
   node.inputMode = 'decimal';
   return { node, read: () => parseNumber(node.value) };
 }
 
-/** Fills `host` with the settings of a client. onError(error or null) is told of each tune. */
-export function buildControls(host, client, onError, colourMap) {
+function show(node, option) {
+  if (option.kind === 'logical') node.checked = Boolean(option.value);
+  else node.value = option.value ?? '';
+}
+
+/** Shows the values as they stand now; what is being typed or was rejected stays as it is. */
+export function refreshControls(host, client) {
+  for (const node of host.querySelectorAll('[data-option]')) {
+    const option = client.option(node.dataset.stage, node.dataset.option);
+    if (option && node !== document.activeElement && !node.classList.contains('rejected')) show(node, option);
+  }
+}
+
+/**
+ * Fills `host` with the settings of a client. onError(error or null) is told of each tune; colours: of the spectrogram,
+ * {names, map(), chooseMap(name), chooseRange([low, high] or null)}.
+ */
+export function buildControls(host, client, onError, colours) {
   host.replaceChildren();
   for (const [title, rows] of groups[client.deck] ?? []) {
     const present = rows.filter(([, stage, name]) => client.option(stage, name));
@@ -104,22 +120,38 @@ export function buildControls(host, client, onError, colourMap) {
       host.append(label);
     }
   }
-  if (client.deck === 'spectrum') addSpectrumExtras(host, client, onError, colourMap);
+  if (client.deck === 'spectrum') addSpectrumExtras(host, client, onError, colours);
 }
 
-function addSpectrumExtras(host, client, onError, colourMap) {
-  const map = document.createElement('select');
-  map.id = 'map';
-  map.append(...colourMap.names.map((name) => new Option(name, name)));
-  map.value = colourMap.current();
-  map.addEventListener('change', () => colourMap.choose(map.value));
+function labelled(text, node, id) {
+  node.id = id;
   const label = document.createElement('label');
-  label.append('Colours', map);
+  label.append(text, node);
+  return label;
+}
+
+function addSpectrumExtras(host, client, onError, colours) {
+  const map = document.createElement('select');
+  map.append(...colours.names.map((name) => new Option(name, name)));
+  map.value = colours.map();
+  map.addEventListener('change', () => colours.chooseMap(map.value));
+  const [low, high] = ['Level from', 'Level to'].map(() => document.createElement('input'));
+  for (const node of [low, high]) {
+    node.inputMode = 'decimal';
+    node.placeholder = 'automatic';
+    node.addEventListener('change', () => {
+      const range = [low, high].map((field) => parseNumber(field.value));
+      if (range.every(Number.isFinite) && range[1] > range[0]) colours.chooseRange(range);
+      else if (!low.value.trim() && !high.value.trim()) colours.chooseRange(null);
+    });
+  }
   const reset = document.createElement('button');
   reset.id = 'hold-reset';
   reset.textContent = 'Reset hold traces';
   reset.addEventListener('click', () => resetHold(client).then(() => onError(null), onError));
-  host.append(label, reset);
+  const heading = document.createElement('h2');
+  heading.textContent = 'Colours of the spectrogram';
+  host.append(reset, heading, labelled('Map', map, 'map'), labelled('Level from', low, 'level-low'), labelled('Level to', high, 'level-high'));
 }
 
 /** Hold traces start anew when they are switched off and on again. */

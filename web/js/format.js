@@ -27,6 +27,7 @@ export function axisScale(largest) {
 export function level(value, unit) {
   if (value === null || value === undefined || Number.isNaN(value)) return '–';
   if (isDecibel(unit)) return Number.isFinite(value) ? `${value.toFixed(2)} ${unit}` : `${value > 0 ? '∞' : '−∞'} ${unit}`;
+  if (unit === '°') return `${value.toFixed(2)}°`;
   return engineering(value, unit, 5);
 }
 

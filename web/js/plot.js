@@ -17,7 +17,7 @@ export class Plot {
   /**
    * host     element that the pane fills
    * options  xLabel, xUnit, yLabel, logX (logarithmic x axis), reversedY, background(context, plot): drawn under the traces,
-   *          overlay(context, plot): drawn over them, onView(plot): the x range changed, onCursor(plot, x, y)
+   *          overlay(context, plot): drawn over them, margin(context, plot): drawn around the picture, padding: room for it, onView(plot): the x range changed, onCursor(plot, x, y)
    */
   constructor(host, options) {
     this.host = host;
@@ -144,7 +144,7 @@ export class Plot {
     }
     this.chart = new uPlot({
       ...this.size(),
-      padding: [8, 12, 0, 0],
+      padding: this.options.padding ?? [8, 12, 0, 0],
       legend: { show: false },
       cursor: {
         drag: { x: true, y: true, uni: 24, setScale: false },
@@ -165,10 +165,16 @@ export class Plot {
       }))],
       hooks: {
         drawClear: [(chart) => this.clipped(chart, this.options.background)],
-        draw: [(chart) => this.clipped(chart, (context) => {
-          this.options.overlay?.(context, this);
-          this.drawMarkers(context);
-        })],
+        draw: [(chart) => {
+          this.clipped(chart, (context) => {
+            this.options.overlay?.(context, this);
+            this.drawMarkers(context);
+          });
+          chart.ctx.save();
+          this.options.margin?.(chart.ctx, this);
+          this.drawKey(chart.ctx);
+          chart.ctx.restore();
+        }],
         setSelect: [(chart) => this.boxZoom(chart)],
         setCursor: [(chart) => this.cursorMoved(chart)],
       },
@@ -207,6 +213,25 @@ export class Plot {
     context.fillRect(left - 2 * ratio, top - 10 * ratio, width + 4 * ratio, 13 * ratio);
     context.fillStyle = colour;
     context.fillText(text, left, top);
+  }
+
+  /** Names of the traces in their colours, if there are several. */
+  drawKey(context) {
+    if (this.traces.length < 2) return;
+    const ratio = window.devicePixelRatio || 1;
+    const { bbox } = this.chart;
+    let x = bbox.left + 8 * ratio;
+    let y = bbox.top + 14 * ratio;
+    context.font = `${11 * ratio}px system-ui, "DejaVu Sans", sans-serif`;
+    this.traces.forEach((trace, i) => {
+      const width = context.measureText(trace.name).width + 14 * ratio;
+      if (x > bbox.left + 8 * ratio && x + width > bbox.left + bbox.width) {
+        x = bbox.left + 8 * ratio;
+        y += 15 * ratio;
+      }
+      this.label(context, trace.name, x, y, trace.colour ?? traceColour(i));
+      x += width;
+    });
   }
 
   boxZoom(chart) {
@@ -261,24 +286,36 @@ export class Plot {
       if (!down || Math.hypot(event.clientX - down[0], event.clientY - down[1]) > 4) return;
       if (this.options.onClick?.(this, event)) return;
       const bounds = over.getBoundingClientRect();
-      this.setMarker(this.chart.posToVal(event.clientX - bounds.left, 'x'), event.shiftKey ? 1 : 0);
+      this.setMarker(this.chart.posToVal(event.clientX - bounds.left, 'x'), event.shiftKey ? 1 : 0,
+        this.chart.posToVal(event.clientY - bounds.top, 'y'));
     });
   }
 
-  /** Puts marker 0 or 1 on the largest value of the first trace near x. */
-  setMarker(x, which) {
-    const values = this.traces[0]?.values;
-    if (!values || !this.x.length) return;
+  /** Index of the point of a trace where a marker near x comes to rest: the largest value near by, or the nearest point. */
+  markerPoint(values, x) {
     const [from, to] = this.rangeX();
-    const reach = (to - from) / 60;
+    const reach = (width) => (this.options.logX ? [x * (from / to) ** width, x * (to / from) ** width]
+      : [x - (to - from) * width, x + (to - from) * width]);
+    const [low, high] = reach(1 / 60);
     let best = -1;
-    for (let i = lowerBound(this.x, x - reach); i < this.x.length && this.x[i] <= x + reach; ++i) {
+    for (let i = lowerBound(this.x, low); i < this.x.length && this.x[i] <= high; ++i) {
       if (Number.isFinite(values[i]) && (best < 0 || (this.options.snap ? values[i] > values[best]
         : Math.abs(this.x[i] - x) < Math.abs(this.x[best] - x)))) best = i;
     }
-    if (best < 0) best = Math.min(this.x.length - 1, lowerBound(this.x, x));
-    this.markers[which] = this.x[best];
-    if (which === 1 && this.markers[0] === undefined) this.markers[0] = this.x[best];
+    return best < 0 ? Math.min(this.x.length - 1, lowerBound(this.x, x)) : best;
+  }
+
+  /** Puts marker 0 or 1 near x on the trace that is nearest to the level y there. */
+  setMarker(x, which, y = NaN) {
+    if (!this.traces.length || !this.x.length) return;
+    const nearest = this.traces.map((trace, index) => {
+      const at = Math.min(this.x.length - 1, lowerBound(this.x, x));
+      const peak = trace.values[this.markerPoint(trace.values, x)];
+      return { trace: index, far: Math.min(Math.abs(trace.values[at] - y), Math.abs(peak - y)) };
+    }).reduce((best, each) => (each.far < best.far ? each : best), { trace: 0, far: Infinity });
+    const place = { x: this.x[this.markerPoint(this.traces[nearest.trace].values, x)], trace: nearest.trace };
+    this.markers[which] = place;
+    if (which === 1 && !this.markers[0]) this.markers[0] = place;
     this.redraw();
     this.options.onMarkers?.(this);
   }
@@ -289,10 +326,12 @@ export class Plot {
     this.options.onMarkers?.(this);
   }
 
-  /** Markers with the value of the first trace under them: [{x, y}]. */
+  /** Markers with the value of their trace under them: [{x, y}]. */
   markerReadings() {
-    const values = this.traces[0]?.values ?? [];
-    return this.markers.map((x) => ({ x, y: values[Math.min(this.x.length - 1, lowerBound(this.x, x))] }));
+    return this.markers.map(({ x, trace }) => {
+      const values = this.traces[Math.min(trace, this.traces.length - 1)]?.values ?? [];
+      return { x, y: values[Math.min(this.x.length - 1, lowerBound(this.x, x))] };
+    });
   }
 
   drawMarkers(context) {

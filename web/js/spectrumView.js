@@ -3,31 +3,24 @@
 import { engineering, figure, figures, level } from './format.js';
 import { traceColour, variable } from './palette.js';
 import { Plot } from './plot.js';
+import { channelStage, SpectrumOverlay, tag } from './spectrumOverlay.js';
 import { channelTable, distortionTable, markerTable, maskTable, peakTable, phaseNoiseTable, table } from './tables.js';
 import { align, positions, samples } from './trace.js';
 import { Waterfall } from './waterfall.js';
 
 const estimator = 'spectrum_estimator_filter';
-const channelStage = 'channel_measurements_filter';
 
 /** Unit words of the estimator as they are written. */
 const unitSymbols = {
   dbm: 'dBm', dbw: 'dBW', dbfs: 'dBFS', dbv: 'dBV', dbuv: 'dBµV', watts: 'W', vrms: 'Vrms', auto: 'W', none: 'W',
 };
 
-/** Text of a mask option, "f1,f2,...,l1,l2,..." or one level, as breakpoints. */
-function maskPoints(text, limits) {
-  const numbers = figures(text);
-  if (numbers.length === 1) return Number.isFinite(numbers[0]) ? limits.map((f) => [f, numbers[0]]) : [];
-  const n = Math.floor(numbers.length / 2);
-  return Array.from({ length: n }, (_, i) => [numbers[i], numbers[n + i]]);
-}
-
 export class SpectrumView {
   constructor(host, client, onChange) {
     this.host = host;
     this.client = client;
     this.onChange = onChange;
+    this.overlay = new SpectrumOverlay(client, () => this.unit);
     this.waterfall = new Waterfall();
     this.waterfallAuto = true;
     this.panes = {};
@@ -75,32 +68,45 @@ export class SpectrumView {
     };
   }
 
+  /** Takes a message in: every one counts for the spectrogram, only the newest is drawn. */
   update(message) {
     this.message = message;
-    const { spectrum } = message;
-    const channels = (message.signals ?? []).filter(Boolean).flatMap((signal, s) => signal.channel.map((channel, c) => ({
-      name: signal.channel.length > 1 || message.signals.length > 1 ? `signal ${s + 1}, channel ${c + 1}` : 'spectrum',
-      x: positions(channel.frequency, channel.frequencyOffset), values: samples(channel), hold: signal.traceHold, index: c,
-    })));
-    const length = channels[0]?.x.length ?? 0;
-    if (spectrum.showSpectrum && length) this.updateTraces(channels, length); else if (!spectrum.showSpectrum) this.drop('spectrum');
-    if (spectrum.showSpectrogram && length) this.updateWaterfall(channels, length, spectrum); else if (!spectrum.showSpectrogram) this.drop('waterfall');
-    this.updatePhaseNoise(message.phaseNoise);
+    this.channels = null;
+    if (message.spectrum.showSpectrogram) this.takeLines(message);
     this.onChange();
   }
 
-  updateTraces(channels, length) {
+  /** The channels of all signals of the newest message. */
+  get channelList() {
+    const { signals = [] } = this.message;
+    this.channels ??= signals.flatMap((signal, s) => (signal?.channel ?? []).map((channel, c) => ({
+      name: signal.channel.length > 1 || signals.length > 1 ? `signal ${s + 1}, channel ${c + 1}` : 'spectrum',
+      x: positions(channel.frequency, channel.frequencyOffset), source: channel, hold: signal.traceHold, index: c,
+    })));
+    return this.channels;
+  }
+
+  draw() {
+    const { spectrum, phaseNoise } = this.message;
+    const channels = this.channelList;
+    if (!spectrum.showSpectrum) this.drop('spectrum'); else if (channels.length) this.updateTraces(channels);
+    if (!spectrum.showSpectrogram) this.drop('waterfall'); else if (this.fullFrequency) this.updateWaterfall();
+    this.updatePhaseNoise(phaseNoise);
+  }
+
+  updateTraces(channels) {
     const pane = this.pane('spectrum', false, this.frequencyOptions({
-      yLabel: 'Level', overlay: (context, plot) => this.drawMeasurements(context, plot),
+      yLabel: 'Level', overlay: (context, plot) => this.overlay.draw(context, plot, this.message.measurements ?? {}),
     }));
     const traces = [];
     channels.forEach((channel, i) => {
-      traces.push({ ...channel, values: channel.values.subarray(0, length), colour: traceColour(i) });
-      for (const [kind, colour] of [['max', variable('--warn')], ['min', variable('--good')]]) {
+      traces.push({ ...channel, values: samples(channel.source).subarray(0, channel.x.length), colour: traceColour(i) });
+      for (const [kind, only, dash] of [['max', '--warn', [6, 3]], ['min', '--good', [2, 3]]]) {
         const data = channel.hold?.[`${kind}Hold`]?.[channel.index];
         if (data) {
           traces.push({
-            x: channel.x, name: `${channel.name}, ${kind} hold`, colour, width: 1,
+            x: channel.x, name: `${channel.name}, ${kind} hold`, width: 1, hold: true,
+            ...(channels.length > 1 ? { colour: traceColour(i), dash } : { colour: variable(only) }),
             values: samples({ data, NaNIdx: channel.hold[`${kind}HoldNaNIdx`][channel.index] }),
           });
         }
@@ -110,30 +116,70 @@ export class SpectrumView {
     pane.setTraces(aligned.x, aligned.traces, this.unit);
   }
 
-  updateWaterfall(channels, length, spectrum) {
+  /** Adds the message's lines of the chosen channel to the spectrogram. */
+  takeLines(message) {
+    const channels = this.channelList;
+    if (!channels.length) return;
+    const { spectrum } = message;
+    const { x, source } = channels[Math.min(channels.length - 1, this.client.value(estimator, 'spectrogramChannel', 0))];
+    if (!x.length) return;
     const increment = spectrum.timeIncrement || 1;
     const depth = Math.max(2, Math.min(2000, spectrum.numSpectrogramLines));
-    const selected = channels[Math.min(channels.length - 1, this.client.value(estimator, 'spectrogramChannel', 0))];
-    this.fullFrequency = [selected.x[0], selected.x[length - 1]];
+    if (this.fullFrequency?.[0] !== x[0] || this.fullFrequency[1] !== x[x.length - 1]) this.waterfall.clear();
+    this.lineFrequencies = x;
+    this.fullFrequency = [x[0], x[x.length - 1]];
+    this.waterfall.add(samples(source), x.length, depth, increment, message.simulation?.simTime);
     this.seconds = depth * increment;
-    this.waterfall.add(selected.values, length, depth);
     if (this.waterfallAuto && (this.waterfallUpdates = (this.waterfallUpdates ?? 0) + 1) % 20 === 2) this.waterfall.autoRange();
+  }
+
+  updateWaterfall() {
     const pane = this.pane('waterfall', false, this.frequencyOptions({
       yLabel: 'Time ago', reversedY: true, fullX: () => this.fullFrequency, fullY: () => [0, this.seconds],
       background: (context, plot) => this.drawWaterfall(context, plot),
-      onLevelWheel: (factor) => this.scaleWaterfall(factor),
+      onLevelWheel: (factor) => this.scaleWaterfall(factor), padding: [26, 12, 0, 0],
+      margin: (context, plot) => this.drawScale(context, plot),
     }));
     pane.view.y = [0, this.seconds];
-    pane.setTraces(selected.x.subarray(0, length), [], 's');
+    pane.setTraces(this.lineFrequencies, [], 's');
   }
 
   scaleWaterfall(factor) {
     if (!this.waterfall.range) return;
-    this.waterfallAuto = false;
     const [low, high] = this.waterfall.range;
-    this.waterfall.setRange([high - (high - low) * factor, high]);
+    this.setWaterfallRange([high - (high - low) * factor, high]);
+  }
+
+  /** Fixes the levels of the colours; null lets them follow the lines again. */
+  setWaterfallRange(range) {
+    this.waterfallAuto = !range;
+    if (range) this.waterfall.setRange(range); else this.waterfall.autoRange();
     this.panes.waterfall?.redraw();
     this.onChange();
+  }
+
+  /** The colours with their levels, above the picture. */
+  drawScale(context, plot) {
+    if (!this.waterfall.range) return;
+    const ratio = window.devicePixelRatio || 1;
+    const { bbox } = plot.chart;
+    const width = Math.min(160 * ratio, bbox.width / 3);
+    const [low, high] = this.waterfall.range.map((v) => level(v, this.unit));
+    context.font = `${11 * ratio}px system-ui, "DejaVu Sans", sans-serif`;
+    context.textBaseline = 'middle';
+    context.fillStyle = variable('--text');
+    const right = bbox.left + bbox.width - context.measureText(high).width;
+    const middle = bbox.top - 11 * ratio;
+    context.textAlign = 'left';
+    context.fillText(high, right, middle);
+    const left = right - 6 * ratio - width;
+    for (let i = 0; i < width; ++i) {
+      context.fillStyle = this.waterfall.colour(i / (width - 1));
+      context.fillRect(left + i, middle - 5 * ratio, 1, 10 * ratio);
+    }
+    context.fillStyle = variable('--text');
+    context.textAlign = 'right';
+    context.fillText(low, left - 6 * ratio, middle);
   }
 
   drawWaterfall(context, plot) {
@@ -144,91 +190,6 @@ export class SpectrumView {
     const bottom = plot.canvasY(this.seconds);
     context.imageSmoothingEnabled = false;
     context.drawImage(this.waterfall.canvas, left, top, right - left, bottom - top);
-  }
-
-  /** Channel band and offsets, peaks, harmonics and the mask on the trace. */
-  drawMeasurements(context, plot) {
-    const { measurements = {} } = this.message;
-    if (measurements.channel) this.drawChannel(context, plot, measurements.channel);
-    if (measurements.spectralMask) this.drawMask(context, plot, measurements.spectralMask);
-    if (measurements.peaks) {
-      const y = figures(measurements.peaks.peaks);
-      figures(measurements.peaks.locations).forEach((x, i) => this.tag(context, plot, x, y[i], String(i + 1), variable('--accent')));
-    }
-    if (measurements.distortion) {
-      const y = figures(measurements.distortion.amplitude);
-      const names = this.client.value('distortion_measurements_filter', 'distortionType') === 'intermodulation'
-        ? ['F1', 'F2', '2F1−F2', '2F2−F1'] : null;
-      figures(measurements.distortion.frequency).forEach((x, i) => this.tag(context, plot, x, y[i], names?.[i] ?? `H${i + 1}`, variable('--good')));
-    }
-  }
-
-  tag(context, plot, x, y, text, colour) {
-    if (!Number.isFinite(x) || !Number.isFinite(y)) return;
-    const ratio = window.devicePixelRatio || 1;
-    const px = plot.canvasX(x);
-    const py = plot.canvasY(y);
-    if (px < plot.chart.bbox.left || px > plot.chart.bbox.left + plot.chart.bbox.width) return;
-    context.fillStyle = colour;
-    context.beginPath();
-    context.arc(px, py, 3 * ratio, 0, 2 * Math.PI);
-    context.fill();
-    plot.label(context, text, px - 3 * ratio * text.length, py - 8 * ratio, colour);
-  }
-
-  band(context, plot, from, to, colour, text) {
-    if (!(to > from)) return;
-    const { bbox } = plot.chart;
-    const left = plot.canvasX(from);
-    const right = plot.canvasX(to);
-    context.fillStyle = `color-mix(in srgb, ${colour} 14%, transparent)`;
-    context.fillRect(left, bbox.top, right - left, bbox.height);
-    context.strokeStyle = colour;
-    context.lineWidth = 1;
-    context.strokeRect(left, bbox.top, right - left, bbox.height);
-    plot.label(context, text, left + 6, bbox.top + bbox.height - 6, colour);
-  }
-
-  drawChannel(context, plot, channel) {
-    const value = (name, fallback) => this.client.value(channelStage, name, fallback);
-    const start = value('measurementChannelStartFrequency', NaN);
-    const stop = value('measurementChannelStopFrequency', NaN);
-    if (value('channelMeasurementsType') === 'acpr') {
-      this.band(context, plot, start, stop, variable('--accent'), level(figure(channel.channelPower), this.unit));
-      const width = value('adjacentBW', stop - start);
-      const centre = (start + stop) / 2;
-      const lower = figures(channel.acprLower);
-      const upper = figures(channel.acprUpper);
-      (value('acprOffsets') ?? []).slice(0, lower.length).forEach((offset, i) => {
-        this.band(context, plot, centre - offset - width / 2, centre - offset + width / 2, variable('--faint'), level(lower[i], 'dBc'));
-        this.band(context, plot, centre + offset - width / 2, centre + offset + width / 2, variable('--faint'), level(upper[i], 'dBc'));
-      });
-    } else {
-      this.band(context, plot, figure(channel.startFrequency), figure(channel.stopFrequency), variable('--accent'),
-        `OBW ${engineering(figure(channel.occupiedBW), 'Hz')}`);
-    }
-  }
-
-  drawMask(context, plot, mask) {
-    const stage = 'spectral_mask_tester_filter';
-    const value = (name, fallback) => this.client.value(stage, name, fallback);
-    const enabled = value('enabledMasks', 'none');
-    const shift = value('maskFrequencyOffset', 0);
-    const reference = figure(mask.spectrumPeak);
-    const ratio = window.devicePixelRatio || 1;
-    for (const [name, word, status] of [['upperMask', 'upper', mask.upperMaskStatus], ['lowerMask', 'lower', mask.lowerMaskStatus]]) {
-      if (enabled !== word && enabled !== 'upper-and-lower') continue;
-      const points = maskPoints(value(name, ''), value('frequencyLimits', [-5000, 5000]));
-      context.strokeStyle = variable(status === 'passing' ? '--good' : '--bad');
-      context.lineWidth = 2 * ratio;
-      context.beginPath();
-      points.forEach(([f, l], i) => {
-        const px = plot.canvasX(f + (points.length > 2 ? shift : 0));
-        const py = plot.canvasY(l + reference);
-        if (i === 0) context.moveTo(px, py); else context.lineTo(px, py);
-      });
-      context.stroke();
-    }
   }
 
   updatePhaseNoise(phaseNoise) {
@@ -244,7 +205,7 @@ export class SpectrumView {
     const pane = this.pane('phaseNoise', false, {
       xLabel: 'Offset from the carrier', xUnit: 'Hz', yLabel: 'Phase noise', logX: true,
       onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, plot }; this.onChange(); },
-      overlay: (context, plot) => this.spots(signal).forEach(([offset, value]) => this.tag(context, plot, offset, value, level(value, 'dBc/Hz'), variable('--warn'))),
+      overlay: (context, plot) => this.spots(signal).forEach(([offset, value]) => tag(context, plot, offset, value, level(value, 'dBc/Hz'), variable('--warn'))),
     });
     const aligned = align(traces);
     pane.setTraces(aligned.x, aligned.traces, 'dBc/Hz');
@@ -262,7 +223,10 @@ export class SpectrumView {
     const out = [];
     const markers = this.panes.spectrum?.markerReadings() ?? [];
     if (markers.length) out.push(markerTable(markers, 'Hz', this.unit));
-    if (measurements.peaks) out.push(peakTable(measurements.peaks, this.unit, 'Hz'));
+    if (measurements.peaks) {
+      const y = figures(measurements.peaks.peaks);
+      out.push(peakTable(figures(measurements.peaks.locations).map((x, i) => ({ x, y: y[i] })), this.unit, 'Hz'));
+    }
     if (measurements.channel) out.push(channelTable(measurements.channel, this.unit.replace('/Hz', ''), this.client.value(channelStage, 'channelMeasurementsType')));
     if (measurements.distortion) out.push(distortionTable(measurements.distortion, this.unit, this.client.value('distortion_measurements_filter', 'distortionType')));
     if (measurements.spectralMask) out.push(maskTable(measurements.spectralMask));
@@ -303,9 +267,7 @@ export class SpectrumView {
   auto() {
     this.panes.spectrum?.autoY();
     this.panes.phaseNoise?.autoY();
-    this.waterfallAuto = true;
-    this.waterfall.autoRange();
-    this.panes.waterfall?.redraw();
+    this.setWaterfallRange(null);
   }
 
   restyle() { for (const pane of Object.values(this.panes)) if (pane.chart) pane.build(); }

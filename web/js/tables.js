@@ -36,10 +36,9 @@ export function table(title, rows, head) {
   return section;
 }
 
+/** peaks: [{x, y}], the strongest first. */
 export function peakTable(peaks, unit, xUnit) {
-  const x = figures(peaks.locations);
-  const y = figures(peaks.peaks);
-  return table('Peaks', x.map((location, i) => [String(i + 1), engineering(location, xUnit, 7), level(y[i], unit)]));
+  return table('Peaks', peaks.map(({ x, y }, i) => [String(i + 1), engineering(x, xUnit, 7), level(y, unit)]));
 }
 
 export function statisticsTable(stats, unit) {

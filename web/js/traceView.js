@@ -1,17 +1,19 @@
 /** Time, frame and response decks: traces in one pane, or magnitude and phase in two. */
 
-import { engineering, figure } from './format.js';
+import { engineering, figure, figures, level } from './format.js';
 import { variable } from './palette.js';
 import { Plot } from './plot.js';
+import { tag } from './spectrumOverlay.js';
 import { markerTable, peakTable, pulseTable, statisticsTable, triggerTable } from './tables.js';
 import { align, positions, samples } from './trace.js';
 
 const triggerStage = 'trigger_filter';
+const responseStage = 'magnitude_phase_response_filter';
 
 /** How each deck names its axis, and the member of a channel that holds its positions. */
 const axes = {
   time: { key: 'time', offset: 'timeOffset', label: 'Time', unit: 's' },
-  frame: { key: 'sample', offset: null, label: 'Position', unit: 's' },
+  frame: { key: 'sample', offset: null, label: 'Sample', unit: '', counted: true },
   response: { key: 'sample', offset: null, label: 'Frequency', unit: 'Hz' },
 };
 
@@ -33,11 +35,15 @@ export class TraceView {
       host.dataset.pane = index ? 'phase' : 'trace';
       this.host.append(host);
       this.panes[index] = new Plot(host, {
-        xLabel: this.axis.label, xUnit: this.axis.unit, yLabel: index ? 'Phase' : 'Value', snap: this.client.deck === 'response',
-        onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, unit: index ? '°' : '' }; this.onChange(); },
+        xLabel: this.axis.label, xUnit: this.axis.unit, yLabel: index ? 'Phase' : this.client.deck === 'response' ? 'Magnitude' : 'Value', snap: this.client.deck === 'response',
+        onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, unit: this.unit(index) }; this.onChange(); },
         onMarkers: () => this.onChange(),
         onView: (plot) => this.panes.forEach((other) => { if (other !== plot) other.setX(plot.view.x); }),
-        overlay: (context, plot) => { if (index === 0) this.drawTrigger(context, plot); },
+        overlay: (context, plot) => {
+          if (index !== 0) return;
+          this.drawTrigger(context, plot);
+          this.drawPeaks(context, plot);
+        },
       });
       if (index === 0) this.watchLevel(host);
     }
@@ -46,6 +52,11 @@ export class TraceView {
 
   update(message) {
     this.message = message;
+    this.onChange();
+  }
+
+  draw() {
+    const { message } = this;
     const lists = [[], []];
     // A triggered picture stands still when its times count from the trigger point.
     const found = this.trigger?.triggerFound ? figure(this.trigger.position) : NaN;
@@ -54,15 +65,37 @@ export class TraceView {
       const half = Math.floor(signal.numChannels / 2);
       lists[channel.subplotNum ? 1 : 0].push({
         name: `signal ${s + 1}, channel ${(channel.subplotNum ? c - half : c) + 1}`,
-        x: positions(channel[this.axis.key], (this.axis.offset ? channel[this.axis.offset] : 0) - this.origin), values: samples(channel),
+        x: this.axis.counted ? Float64Array.from(channel.data, (_, i) => i)
+          : positions(channel[this.axis.key], (this.axis.offset ? channel[this.axis.offset] : 0) - this.origin),
+        values: samples(channel),
       });
     }));
     lists.forEach((traces, index) => {
       if (!traces.length && !this.panes[index]) return;
       const aligned = align(traces);
-      this.pane(index).setTraces(aligned.x, aligned.traces, index ? '°' : '');
+      this.pane(index).setTraces(aligned.x, aligned.traces, this.unit(index));
     });
-    this.onChange();
+  }
+
+  /** Unit of the values in a pane. */
+  unit(index) {
+    if (index) return '°';
+    return this.client.value(responseStage, 'magnitudeDisplay') === 'Magnitude (dB)' ? 'dB' : '';
+  }
+
+  /** Peaks as places on the axis and values. Only the time deck's places are on the axis; the others are counted points. */
+  get peaks() {
+    const { peaks } = this.message.measurements ?? {};
+    if (!peaks) return null;
+    const values = figures(peaks.peaks);
+    const x = this.main?.x ?? [];
+    return figures(peaks.locations).map((place, i) => ({
+      x: this.client.deck === 'time' ? place - this.origin : x[place] ?? NaN, y: values[i],
+    }));
+  }
+
+  drawPeaks(context, plot) {
+    this.peaks?.forEach(({ x, y }, i) => tag(context, plot, x, y, String(i + 1), variable('--accent')));
   }
 
   get trigger() { return this.message?.measurements?.trigger; }
@@ -144,10 +177,10 @@ export class TraceView {
     const { measurements = {} } = this.message;
     const out = [];
     const markers = this.main?.markerReadings() ?? [];
-    if (markers.length) out.push(markerTable(markers, this.axis.unit, ''));
+    if (markers.length) out.push(markerTable(markers, this.axis.unit, this.unit(0)));
     if (measurements.trigger) out.push(triggerTable(measurements.trigger));
     if (measurements.stats) out.push(statisticsTable(measurements.stats, ''));
-    if (measurements.peaks) out.push(peakTable(measurements.peaks, '', this.client.deck === 'frame' ? '' : this.axis.unit));
+    if (this.peaks) out.push(peakTable(this.peaks, this.unit(0), this.axis.unit));
     if (measurements.bilevel) out.push(pulseTable(measurements.bilevel, ''));
     return out;
   }
@@ -158,7 +191,7 @@ export class TraceView {
     if (this.origin) parts['Trigger at'] = engineering(this.origin, this.axis.unit, 8);
     Object.assign(parts, { From: engineering(from, this.axis.unit, 6), Span: engineering(to - from, this.axis.unit, 6) });
     if (this.trigger) parts.Trigger = this.trigger.triggerFound ? 'triggered' : 'waiting';
-    if (this.cursor) parts.Cursor = `${engineering(this.cursor.x, this.axis.unit, 7)}, ${engineering(this.cursor.y)}${this.cursor.unit}`;
+    if (this.cursor) parts.Cursor = `${engineering(this.cursor.x, this.axis.unit, 7)}, ${level(this.cursor.y, this.cursor.unit)}`;
     return parts;
   }
 

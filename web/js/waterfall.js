@@ -3,6 +3,9 @@
 import { lookupTable } from './palette.js';
 
 const widest = 2048;
+/** Lines are late by this many, or by so many seconds, before they count as missed. */
+const mostLate = 4;
+const mostLateSeconds = 0.3;
 
 /** Largest of the values that fall into one column; NaN where there is none. */
 function reduce(values, offset, length, row) {
@@ -33,6 +36,7 @@ export class Waterfall {
 
   clear() {
     this.rows = [];
+    this.origin = null;
     this.columns = 0;
     this.depth = 0;
   }
@@ -60,21 +64,47 @@ export class Waterfall {
     this.setRange([low, high > low ? high : low + 1]);
   }
 
-  /** Adds the lines of one update: `count` lines of `length` values, newest first; keeps `depth` lines. */
-  add(values, length, depth) {
+  /** The colour of a level, as a fraction of the range. */
+  colour(fraction) {
+    const packed = this.table[Math.round(255 * fraction)];
+    return `rgb(${packed & 255} ${(packed >> 8) & 255} ${(packed >> 16) & 255})`;
+  }
+
+  /**
+   * How many lines came since the last ones and never got here: of updates that were missed or held. Counted by the
+   * time of the stream from the first line on, since an update comes some time after its lines.
+   */
+  missing(count, increment, time) {
+    if (!Number.isFinite(time)) return 0;
+    if (this.origin === null || time < this.origin.time) this.origin = { time, lines: 0 };
+    else this.origin.lines += count;
+    const lost = Math.round((time - this.origin.time) / increment) - this.origin.lines;
+    if (lost <= Math.max(mostLate, mostLateSeconds / increment)) return 0;
+    this.origin.lines += lost;
+    return Math.min(lost, this.depth);
+  }
+
+  /**
+   * Adds the lines of one update: `values` holds lines of `length` values, the newest first. Keeps `depth` lines, which
+   * are `increment` seconds apart; time: of the stream, in seconds.
+   */
+  add(values, length, depth, increment, time) {
     const columns = Math.min(widest, length);
-    if (columns !== this.columns || depth !== this.depth) {
-      this.rows = [];
+    if (columns !== this.columns || depth !== this.depth || increment !== this.increment) {
+      this.clear();
+      this.increment = increment;
       this.columns = columns;
       this.depth = depth;
       this.canvas.width = Math.max(1, columns);
       this.canvas.height = Math.max(1, depth);
     }
-    const count = Math.min(depth, Math.floor(values.length / length));
+    const lines = Math.min(depth, Math.floor(values.length / length));
+    const gap = Math.min(this.missing(lines, increment, time), depth - lines);
+    const count = lines + gap;
     const recycled = this.rows.splice(Math.max(0, depth - count));
     for (let line = count - 1; line >= 0; --line) {
       const row = recycled.pop() ?? new Float32Array(columns);
-      reduce(values, line * length, length, row);
+      if (line < lines) reduce(values, line * length, length, row); else row.fill(NaN);
       this.rows.unshift(row);
     }
     if (!this.range) this.autoRange();

@@ -73,12 +73,17 @@ void LiveDecks::publish(const DeckSession& deck, const std::string& event, const
     server_->publish(std::string(deck.name()), event, message);
 }
 
+void LiveDecks::endInput() {
+    inputEnded_ = true;
+    server_->describeAnew();
+}
+
 std::string LiveDecks::describe() const {
     json clients = json::array();
     for (const auto& deck : decks_) {
         clients.push_back(describeDeck(*deck));
     }
-    return json{{"type", "hello"}, {"clients", std::move(clients)}}.dump();
+    return json{{"type", "hello"}, {"ended", inputEnded_.load()}, {"clients", std::move(clients)}}.dump();
 }
 
 std::string LiveDecks::tune(const TuneRequest& request) {

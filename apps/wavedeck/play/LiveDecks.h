@@ -20,7 +20,7 @@ public:
     void publish(const DeckSession& deck, const std::string& event, const std::string& message);
 
     /// From now on a tune is followed by a replay of what the deck holds, so that its effect shows.
-    void endInput() { inputEnded_ = true; }
+    void endInput();
     /// Decks that were tuned after the end of the input and want a replay, each once.
     std::vector<DeckSession*> takeTuned();
 

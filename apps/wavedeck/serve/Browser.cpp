@@ -29,12 +29,19 @@ double millisecondsSinceEpoch() {
 
 }  // namespace
 
-Browser::Browser(const WebSocket& socket, std::string hello) : socket_(socket), received_(longestMessage, '\0') {
+Browser::Browser(const WebSocket& socket) : socket_(socket), received_(longestMessage, '\0') {
     socket_.setSendTimeout(Poco::Timespan(sendSeconds, 0));
     socket_.setReceiveTimeout(Poco::Timespan(sendSeconds, 0));
     socket_.setMaxPayloadSize(longestMessage);
     socket_.setNoDelay(true);
-    replies_.push_back(std::move(hello));
+}
+
+void Browser::describe(std::shared_ptr<const std::string> hello) {
+    {
+        const std::lock_guard lock(mutex_);
+        hello_ = std::move(hello);
+    }
+    changed_.notify_one();
 }
 
 void Browser::offer(std::shared_ptr<const LiveMessage> message) {
@@ -94,19 +101,24 @@ std::string Browser::envelope(const LiveMessage& message) const {
 void Browser::write() {
     try {
         while (true) {
+            std::shared_ptr<const std::string> hello;
             std::deque<std::string> replies;
             std::vector<std::shared_ptr<const LiveMessage>> messages;
             {
                 std::unique_lock lock(mutex_);
-                changed_.wait(lock, [this] { return closing_ || !replies_.empty() || !newest_.empty(); });
+                changed_.wait(lock, [this] { return closing_ || hello_ || !replies_.empty() || !newest_.empty(); });
                 if (closing_) {
                     break;
                 }
+                hello = std::exchange(hello_, nullptr);
                 replies.swap(replies_);
                 for (auto& [client, message] : newest_) {
                     messages.push_back(std::move(message));
                 }
                 newest_.clear();
+            }
+            if (hello) {
+                sendText(*hello);
             }
             for (const std::string& text : replies) {
                 sendText(text);

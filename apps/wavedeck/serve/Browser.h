@@ -28,8 +28,10 @@ public:
     /// What a received text leads to; returns the reply, or an empty text for none.
     using Answer = std::function<std::string(const std::string&)>;
 
-    /// Takes the socket. `hello` is sent first.
-    Browser(const Poco::Net::WebSocket& socket, std::string hello);
+    explicit Browser(const Poco::Net::WebSocket& socket);
+
+    /// Puts a description of the clients in its slot; what lies there unsent is replaced. It goes out before all else.
+    void describe(std::shared_ptr<const std::string> hello);
 
     /// Puts a message in its client's slot; an unsent one there is lost and counted.
     void offer(std::shared_ptr<const LiveMessage> message);
@@ -56,6 +58,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable changed_;
+    std::shared_ptr<const std::string> hello_;
     std::deque<std::string> replies_;
     std::map<std::string, std::shared_ptr<const LiveMessage>> newest_;  ///< by client, unsent
     bool closing_ = false;

@@ -40,7 +40,7 @@ Poco::Net::ServerSocket listenOn(const LiveServer::Settings& settings) {
 
 /// The reply to one text from a browser: what became of its tune.
 std::string answerTune(const std::string& text, const LiveServer::Callbacks& callbacks,
-                       const std::function<void()>& refused) {
+                       const std::function<void()>& refused, const std::function<void()>& changed) {
     const auto request = nlohmann::json::parse(text, nullptr, false);
     const auto isText = [&](const char* name) { return request.contains(name) && request[name].is_string(); };
     if (!request.is_object() || !isText("type") || request["type"] != "tune" || !request.contains("request") ||
@@ -51,7 +51,9 @@ std::string answerTune(const std::string& text, const LiveServer::Callbacks& cal
     }
     const std::string wrong = callbacks.tune({request["client"], request["stage"], request["options"]});
     nlohmann::json reply = {{"type", "tuned"}, {"request", request["request"]}};
-    if (!wrong.empty()) {
+    if (wrong.empty()) {
+        changed();
+    } else {
         reply["type"] = "error";
         reply["text"] = wrong;
     }
@@ -70,6 +72,7 @@ struct LiveServer::State {
     void live(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response);
     std::shared_ptr<Browser> take(Poco::Net::HTTPServerRequest& request, Poco::Net::HTTPServerResponse& response);
     void forget(const std::shared_ptr<Browser>& browser);
+    void describeAnew();
 
     const Settings settings;
     const Callbacks callbacks;
@@ -77,6 +80,7 @@ struct LiveServer::State {
     Poco::ThreadPool threads;
     std::unique_ptr<Poco::Net::HTTPServer> server;
 
+    std::mutex describing;  ///< descriptions must go out in the order in which they were made
     mutable std::mutex mutex;
     std::condition_variable left;
     std::vector<std::shared_ptr<Browser>> browsers;
@@ -119,10 +123,13 @@ LiveServer::~LiveServer() {
     state_->threads.joinAll();
 }
 
+/// Begins a live connection: the browser gets the description and each client's newest message.
 std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& request,
                                                  Poco::Net::HTTPServerResponse& response) {
     const Poco::Net::WebSocket socketOfBrowser(request, response);
-    auto browser = std::make_shared<Browser>(socketOfBrowser, callbacks.hello());
+    auto browser = std::make_shared<Browser>(socketOfBrowser);
+    const std::lock_guard ordered(describing);
+    browser->describe(std::make_shared<const std::string>(callbacks.hello()));
     const std::lock_guard lock(mutex);
     ++counters.connections;
     browsers.push_back(browser);
@@ -133,6 +140,15 @@ std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& r
         browser->close();
     }
     return browser;
+}
+
+void LiveServer::State::describeAnew() {
+    const std::lock_guard ordered(describing);
+    const auto hello = std::make_shared<const std::string>(callbacks.hello());
+    const std::lock_guard lock(mutex);
+    for (const auto& browser : browsers) {
+        browser->describe(hello);
+    }
 }
 
 void LiveServer::State::forget(const std::shared_ptr<Browser>& browser) {
@@ -162,7 +178,9 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
     };
     try {
         const auto browser = take(request, response);
-        browser->run([&](const std::string& text) { return answerTune(text, callbacks, refused); }, refused);
+        browser->run(
+            [&](const std::string& text) { return answerTune(text, callbacks, refused, [this] { describeAnew(); }); },
+            refused);
         forget(browser);
     } catch (const Poco::Exception&) {
         refused();  // not a WebSocket handshake
@@ -185,6 +203,10 @@ void LiveServer::publish(const std::string& client, const std::string& event, co
     for (const auto& browser : state_->browsers) {
         browser->offer(shared);
     }
+}
+
+void LiveServer::describeAnew() {
+    state_->describeAnew();
 }
 
 std::string LiveServer::address() const {

@@ -32,7 +32,8 @@ public:
 
     /// What the program answers with.
     struct Callbacks {
-        /// The description of all clients, stages and options that a browser gets first, as JSON text.
+        /// The description of all clients, stages and options, as JSON text: a browser gets it first, and all get it
+        /// anew when a tune has changed something. Called on any thread, never on two at once.
         std::function<std::string()> hello;
         /// Applies a tune; returns the text of what was wrong, or nothing.
         std::function<std::string(const TuneRequest&)> tune;
@@ -57,6 +58,9 @@ public:
     /// event    name under which the message goes out
     /// message  JSON text
     void publish(const std::string& client, const std::string& event, const std::string& message);
+
+    /// Hands every browser a fresh description of the clients; a tune that was taken does so by itself.
+    void describeAnew();
 
     /// Where a browser finds the page.
     std::string address() const;

@@ -117,8 +117,12 @@ TEST_F(LiveServerTest, servesThePageAndNothingOutsideItsFolder) {
 
 TEST_F(LiveServerTest, tunesReachTheProgramAndErrorsComeBackInItsWords) {
     const auto socket = connect("http://127.0.0.1:" + std::to_string(port_));
-    const json good = ask(*socket, R"({"type":"tune","request":7,"client":"c","stage":"there","options":{"rbw":10}})");
-    EXPECT_EQ(good, json::parse(R"({"type":"tuned","request":7})"));
+    const auto other = connect();
+    // Whoever watches gets the new description, the one who tuned before the reply.
+    const json anew = ask(*socket, R"({"type":"tune","request":7,"client":"c","stage":"there","options":{"rbw":10}})");
+    EXPECT_EQ(anew["type"], "hello");
+    EXPECT_EQ(receive(*socket), json::parse(R"({"type":"tuned","request":7})"));
+    EXPECT_EQ(receive(*other)["type"], "hello");
     const json bad = ask(*socket, R"({"type":"tune","request":8,"client":"c","stage":"gone","options":{}})");
     EXPECT_EQ(bad, json::parse(R"({"type":"error","request":8,"text":"no stage gone"})"));
     ASSERT_EQ(tunes_.size(), 2u);
