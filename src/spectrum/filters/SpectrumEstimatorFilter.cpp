@@ -26,29 +26,35 @@ void SpectrumEstimatorFilter::filterImpl(const double* data, std::vector<double>
     if (data == nullptr || signal < 0 || signal >= numSignals) {
         return;
     }
+    frameSize.resize(static_cast<std::size_t>(numSignals));
+    frameSize[static_cast<std::size_t>(signal)] = static_cast<int>(getNumPointsPerChannel(signal));
+    estimate(data, out, signal, numSignals, frameSize);
+    publish(signal, !out.empty());
+}
+
+void SpectrumEstimatorFilter::estimate(const double* data, std::vector<double>& out, int signal, int signals,
+                                       const std::vector<int>& points) {
     const auto client = findClient(clientID);
     const bool isReplay = client->isDataSourceRepository();
     out.clear();  // what stands there is from an earlier frame: only an update gives something
-    prepareEstimator(signal, isReplay);
+    prepareEstimator(signals, points, isReplay);
     if (estimator->isFrequencyInputDomain()) {
         estimator->processSpectrum(data, out, signal);
     } else {
         estimator->computeSpectrum(data, out, signal);
     }
-    if (out.empty() && isReplay && isLastSignal(signal)) {
+    if (out.empty() && isReplay && signal + 1 == signals) {
         client->setIsDataSourceRepository(false);  // the replay has nothing more to give
     }
-    publish(signal, !out.empty());
 }
 
-void SpectrumEstimatorFilter::prepareEstimator(int signal, bool isReplay) {
-    frameSize.resize(static_cast<std::size_t>(numSignals));
-    frameSize[static_cast<std::size_t>(signal)] = static_cast<int>(getNumPointsPerChannel(signal));
-    if (estimator->isLocked() && isInputChanged()) {
+void SpectrumEstimatorFilter::prepareEstimator(int signals, const std::vector<int>& points, bool isReplay) {
+    if (estimator->isLocked() && isInputChanged(signals)) {
         estimator->release(true);  // its stores are laid out for other channels
     }
     if (!estimator->isLocked()) {
-        estimator->setup(numSignals, frameSize, frameSize, numChannels, isComplex, !isReplay);
+        estimator->setup(signals, points, frameSize, numChannels, isComplex, !isReplay);
+        signalsAtSetup = signals;
         channelsAtSetup = numChannels;
         complexAtSetup = isComplex;
         isRecordDue = true;
@@ -56,12 +62,12 @@ void SpectrumEstimatorFilter::prepareEstimator(int signal, bool isReplay) {
     }
     estimator->setIsProcessingNewData(!isReplay);
     estimator->setUseCachedSpectrumData(isReplay && !estimator->isPropertyChanged());
-    estimator->setFrameSize(frameSize);
+    estimator->setFrameSize(points);
     estimator->setUnbufferedFrameSize(frameSize);
 }
 
-bool SpectrumEstimatorFilter::isInputChanged() const {
-    return channelsAtSetup != numChannels || complexAtSetup != isComplex;
+bool SpectrumEstimatorFilter::isInputChanged(int signals) const {
+    return signalsAtSetup != signals || channelsAtSetup != numChannels || complexAtSetup != isComplex;
 }
 
 void SpectrumEstimatorFilter::setPropertiesOnSetup(const PropertyList& list) {

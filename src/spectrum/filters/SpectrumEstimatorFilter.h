@@ -66,18 +66,23 @@ public:
     inline static std::mutex mMutex;
 
 protected:
-    /// Sets the estimator up for the frame in hand if it asks for it.
-    void prepareEstimator(int signal, bool isReplay);
+    /// Hands a frame of a signal to the estimator, set up for it if that is due.
+    /// signals  how many signals the estimator works on
+    /// points   of each signal, points of a channel in the frame in hand
+    void estimate(const double* data, std::vector<double>& out, int signal, int signals,
+                  const std::vector<int>& points);
     /// Brings the board up to date after a frame of a signal.
     void publish(int signal, bool hasUpdate);
 
     std::unique_ptr<SpectrumEstimator> estimator;
 
 private:
-    bool isInputChanged() const;
+    void prepareEstimator(int signals, const std::vector<int>& points, bool isReplay);
+    bool isInputChanged(int signals) const;
 
     // State.
-    std::vector<int> channelsAtSetup;           ///< what the estimator was last set up with
+    int signalsAtSetup = 0;                     ///< what the estimator was last set up with
+    std::vector<int> channelsAtSetup;           ///< the same
     std::vector<int> complexAtSetup;            ///< the same
     bool isRecordDue = true;                    ///< the board lacks the whole record
     spectrumEstimatorFigures publishedFigures;  ///< what the board holds otherwise
