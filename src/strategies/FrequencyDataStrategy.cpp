@@ -151,18 +151,24 @@ void FrequencyDataStrategy::computeCurrentInputMetrics(const Buffers& data, int 
     numLinesInBuffer = numPointsPerChannel == 0 ? 0 : pointsPerBlock / numPointsPerChannel;
 }
 
+std::size_t FrequencyDataStrategy::countFrequencies(std::size_t count) const {
+    return std::min(static_cast<std::size_t>(std::max(numPointsPerChannel, 0)), count);
+}
+
+DataStrategy::ArrayPointer FrequencyDataStrategy::packageFrequencies(const double* frequencies, std::size_t count) {
+    return packageNumbers(frequencies, countFrequencies(count));
+}
+
 void FrequencyDataStrategy::packageFrequencyPocoArray(const Buffers& data, int signal, ArrayPointer& frequencyArray) {
     const std::vector<double>& buffer = data[static_cast<std::size_t>(signal)];
-    const auto length = static_cast<std::size_t>(std::max(numPointsPerChannel, 0));
-    frequencyArray = packageNumbers(buffer.data(), std::min(length, buffer.size()));
+    frequencyArray = packageFrequencies(buffer.data(), buffer.size());
 }
 
 void FrequencyDataStrategy::packageInterpFrequencyPocoArray(const Buffers& data, int signal,
                                                             ArrayPointer& frequencyArray) {
     packageFrequencyPocoArray(data, signal, frequencyArray);
     const std::vector<double>& buffer = data[static_cast<std::size_t>(signal)];
-    const auto length = static_cast<std::size_t>(std::max(numPointsPerChannel, 0));
-    countInterpolationPoints(buffer.data(), std::min(length, buffer.size()));
+    countInterpolationPoints(buffer.data(), buffer.size());
 }
 
 void FrequencyDataStrategy::countInterpolationPoints(const double* frequencies, std::size_t count) {
@@ -173,7 +179,7 @@ void FrequencyDataStrategy::countInterpolationPoints(const double* frequencies, 
         return;
     }
     double points = 0.0;
-    for (std::size_t i = 0; i + 1 < count; ++i) {
+    for (std::size_t i = 0; i + 1 < countFrequencies(count); ++i) {
         const double steps = (frequencies[i + 1] - frequencies[i]) / minDeltaF;
         if (steps > mostSteps) {
             points += std::ceil(steps) - 1.0;

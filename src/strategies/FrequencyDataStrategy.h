@@ -41,9 +41,11 @@ public:
     static int getFrequencyOffsetIdx(int signal, int base, const std::vector<int>& counts);
 
 protected:
-    /// Frequencies of a grid as an array, with the interpolation points counted if the grid is not uniform.
-    void packageFrequencies(const double* frequencies, std::size_t count, ArrayPointer& frequencyArray);
+    /// The frequencies of one spectrum out of a store of so many.
+    ArrayPointer packageFrequencies(const double* frequencies, std::size_t count);
+    /// Counts the interpolation points of such a grid.
     void countInterpolationPoints(const double* frequencies, std::size_t count);
+    bool isStretchInBuffer(const Buffers& data, int signal) const;
 
     // Derived, from the message's "spectrum".
     int numSpectrogramLines = 0;
@@ -88,7 +90,7 @@ private:
     void processSpectrogramDataForChannel(const Buffers& data, int signal, int channel, int framePoints,
                                           JsonArrayWriter& writer);
     bool appendStretch(const Buffers& data, int signal, JsonArrayWriter& writer);
-    bool isStretchInBuffer(const Buffers& data, int signal) const;
+    std::size_t countFrequencies(std::size_t count) const;
 };
 
 }  // namespace dspwavedecks

@@ -16,21 +16,13 @@ namespace dspwavedecks {
 namespace {
 
 using testsupport::at;
+using testsupport::publish;
 using testsupport::TestClient;
 using testsupport::text;
 using testsupport::update;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
-
-/// Puts a record on the board, in the place of the estimator.
-spectrumEstimatorMetaDataStruct& publish(const TestClient& client, unsigned long length) {
-    spectrumEstimatorMetaDataStruct record;
-    record.spectrumLength = length;
-    client.board().addCustomSetting(SpectrumEstimatorFilter::spectrumEstimatorMetaData, record);
-    return *board::find<spectrumEstimatorMetaDataStruct>(client.board(),
-                                                         SpectrumEstimatorFilter::spectrumEstimatorMetaData);
-}
 
 std::vector<double> counted(std::size_t count) {
     std::vector<double> values(count);

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "Board.h"
+#include "SpectrumEstimatorFilter.h"
 #include "TestClient.h"
 #include "wavedeck/WaveDeckDataProcStrategy.h"
 
@@ -38,6 +40,17 @@ inline std::string text(const ObjectPointer& object, const std::string& key) {
     std::ostringstream stream;
     Poco::JSON::Stringifier::stringify(object->get(key), stream);
     return stream.str();
+}
+
+/// Puts a record on the board, in the place of the estimator.
+inline dspwavedecks::spectrumEstimatorMetaDataStruct& publish(const TestClient& client, unsigned long length) {
+    using dspwavedecks::SpectrumEstimatorFilter;
+    using dspwavedecks::spectrumEstimatorMetaDataStruct;
+    spectrumEstimatorMetaDataStruct record;
+    record.spectrumLength = length;
+    client.board().addCustomSetting(SpectrumEstimatorFilter::spectrumEstimatorMetaData, record);
+    return *dspwavedecks::board::find<spectrumEstimatorMetaDataStruct>(
+        client.board(), SpectrumEstimatorFilter::spectrumEstimatorMetaData);
 }
 
 /// A stage that is active and does nothing else.
