@@ -1,11 +1,15 @@
 // Spectra and spectrograms.
 #include "BFInputPortParametersHandlerFilter.h"
+#include "BFSpectrumDataAggregatorFilter.h"
+#include "BFSpectrumEstimatorFilter.h"
 #include "Export.h"
 #include "SpectrumEstimatorFilter.h"
 #include "SpectrumQueries.h"
 #include "SpectrumThinnerFilter.h"
 
 DSPWAVEDECKS_EXPORT_FILTER(spectrum_estimator_filter, SpectrumEstimatorFilter)
+DSPWAVEDECKS_EXPORT_FILTER(bf_spectrum_estimator_filter, BFSpectrumEstimatorFilter)
+DSPWAVEDECKS_EXPORT_FILTER(bf_spectrum_data_aggregator_filter, BFSpectrumDataAggregatorFilter)
 DSPWAVEDECKS_EXPORT_FILTER(bf_input_port_parameters_handler_filter, BFInputPortParametersHandlerFilter)
 DSPWAVEDECKS_EXPORT_FILTER(spectrum_thinner_filter, SpectrumThinnerFilter)
 

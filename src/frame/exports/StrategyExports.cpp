@@ -1,4 +1,5 @@
 // The strategies, which make the client messages.
+#include "BFFrequencyDataStrategy.h"
 #include "Export.h"
 #include "FrameDataStrategy.h"
 #include "FrequencyDataStrategy.h"
@@ -7,5 +8,6 @@
 
 DSPWAVEDECKS_EXPORT_STRATEGY(dsp_wavedeck_time_data_strategy, TimeDataStrategy)
 DSPWAVEDECKS_EXPORT_STRATEGY(dsp_wavedeck_frequency_data_strategy, FrequencyDataStrategy)
+DSPWAVEDECKS_EXPORT_STRATEGY(bf_dsp_wavedeck_frequency_data_strategy, BFFrequencyDataStrategy)
 DSPWAVEDECKS_EXPORT_STRATEGY(dsp_wavedeck_frame_data_strategy, FrameDataStrategy)
 DSPWAVEDECKS_EXPORT_STRATEGY(magnitude_phase_response_data_strategy, MagPhaseResponseDataStrategy)
