@@ -1,7 +1,8 @@
 # Sourced by play and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
 
 packages="g++ clang clang-format clang-tidy libclang-rt-14-dev cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
- libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils python3 python3-jsonschema python3-websocket"
+ libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils dpkg-dev file
+ python3 python3-jsonschema python3-websocket"
 
 # install_page: fetches what the display page is drawn with.
 install_page() { install_node_packages web; }

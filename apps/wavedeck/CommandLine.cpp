@@ -76,38 +76,41 @@ std::vector<std::string> readArguments(int argc, const char* const* argv) {
 
 }  // namespace
 
-Command parseCommandLine(int argc, const char* const* argv) {
-    CLI::App app("Measures signals: spectra, time displays, and measurements on them.", "wavedeck");
+void describeCommands(CLI::App& app, Commands& commands) {
+    app.name("wavedeck");
+    app.description("Measures signals: spectra, time displays, and measurements on them.");
     app.require_subcommand(1);
     app.set_version_flag("--version", WAVEDECK_VERSION);
-    PlayCommand play;
-    RunCommand run;
-    OptionsCommand options;
-    auto* playApp = app.add_subcommand("play", "plays signals through decks and reports what was measured");
-    describePlay(*playApp, play);
-    auto* runApp =
-        app.add_subcommand("run", "runs a script: a client, its chain and its steps; one JSON result a step");
-    runApp->add_option("SCRIPT", run.script, "a JSON file, or - for standard input")->required();
-    auto* optionsApp = app.add_subcommand("options", "lists every option of every stage, or of one");
-    optionsApp->add_option("STAGE", options.stage, "name of the stage, shortened as long as it is unique");
+    describePlay(*app.add_subcommand("play", "plays signals through decks and reports what was measured"),
+                 commands.play);
+    app.add_subcommand("run", "runs a script: a client, its chain and its steps; one JSON result a step")
+        ->add_option("SCRIPT", commands.run.script, "a JSON file, or - for standard input")
+        ->required();
+    app.add_subcommand("options", "lists every option of every stage, or of one")
+        ->add_option("STAGE", commands.options.stage, "name of the stage, shortened as long as it is unique");
+}
+
+Command parseCommandLine(int argc, const char* const* argv) {
+    CLI::App app;
+    Commands commands;
+    describeCommands(app, commands);
     try {
         app.parse(readArguments(argc, argv));
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        return PrintCommand{chosen.empty() ? app.help()
-                                           : chosen.front()->help("wavedeck " + chosen.front()->get_name())};
+        return PrintCommand{chosen.empty() ? app.help() : chosen.front()->help("wavedeck")};
     } catch (const CLI::CallForVersion& version) {
         return PrintCommand{std::string(version.what()) + '\n'};
     } catch (const CLI::ParseError& error) {
         throw UsageError(oneLine(error.what()) + "; see wavedeck --help");
     }
-    if (playApp->parsed()) {
-        return play;
+    if (app.got_subcommand("play")) {
+        return commands.play;
     }
-    if (runApp->parsed()) {
-        return run;
+    if (app.got_subcommand("run")) {
+        return commands.run;
     }
-    return options;
+    return commands.options;
 }
 
 }  // namespace program

@@ -5,6 +5,10 @@
 
 #include "PlayCommand.h"
 
+namespace CLI {
+class App;
+}
+
 namespace program {
 
 /// `wavedeck run`.
@@ -23,6 +27,16 @@ struct PrintCommand {
 };
 
 using Command = std::variant<PlayCommand, RunCommand, OptionsCommand, PrintCommand>;
+
+/// What a command line may fill in.
+struct Commands {
+    PlayCommand play;
+    RunCommand run;
+    OptionsCommand options;
+};
+
+/// Describes all commands and their options to the parser, which fills in `commands`.
+void describeCommands(CLI::App& app, Commands& commands);
 
 /// Takes the command line apart. Throws UsageError in one line.
 Command parseCommandLine(int argc, const char* const* argv);

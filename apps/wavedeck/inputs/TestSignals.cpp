@@ -32,15 +32,20 @@ constexpr std::array<Kind, 12> kinds{{
 
 }  // namespace
 
+std::vector<std::string_view> testSignalNames() {
+    std::vector<std::string_view> names;
+    for (const auto& entry : kinds) {
+        names.push_back(entry.name);
+    }
+    return names;
+}
+
 SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFrame& frame) {
     const auto* kind =
         std::find_if(kinds.begin(), kinds.end(), [&](const Kind& entry) { return entry.name == specification.name(); });
     if (kind == kinds.end()) {
-        std::vector<std::string_view> names;
-        for (const auto& entry : kinds) {
-            names.push_back(entry.name);
-        }
-        throw UsageError("gen:" + specification.name() + ": no such test signal; there are " + join(names, " "));
+        throw UsageError("gen:" + specification.name() + ": no such test signal; there are " +
+                         join(testSignalNames(), " "));
     }
     if (frame.isComplex && !kind->hasComplexForm) {
         throw UsageError("gen:" + specification.name() + ": has no complex form");

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <span>
-#include <string>
+#include <string_view>
+#include <vector>
 
 #include "SignalSpecification.h"
 
@@ -22,6 +23,9 @@ struct SignalFrame {
     int channels;
     std::uint64_t seed;
 };
+
+/// Names of all test signals.
+std::vector<std::string_view> testSignalNames();
 
 /// Makes the signal of a specification. Throws UsageError for an unknown name, an unknown key, a value out of range,
 /// and for a complex form where a signal has none.

@@ -1,5 +1,6 @@
 #include "Deck.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -66,18 +67,24 @@ constexpr std::array<Deck, 6> decks{{
 
 }  // namespace
 
-const Deck& findDeck(std::string_view name, bool blockflow) {
+std::vector<std::string_view> deckNames(bool blockflow) {
     std::vector<std::string_view> names;
     for (const auto& entry : decks) {
-        if (isBlockflow(entry.kind) != blockflow) {
-            continue;
+        if (isBlockflow(entry.kind) == blockflow) {
+            names.push_back(entry.name);
         }
-        if (entry.name == name) {
-            return entry;
-        }
-        names.push_back(entry.name);
     }
-    throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(names, " "));
+    return names;
+}
+
+const Deck& findDeck(std::string_view name, bool blockflow) {
+    const auto* deck = std::find_if(decks.begin(), decks.end(), [&](const Deck& entry) {
+        return entry.name == name && isBlockflow(entry.kind) == blockflow;
+    });
+    if (deck == decks.end()) {
+        throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(deckNames(blockflow), " "));
+    }
+    return *deck;
 }
 
 std::vector<std::string> defaultDecks() {

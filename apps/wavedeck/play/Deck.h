@@ -16,6 +16,9 @@ struct Deck {
     std::string_view strategy;
 };
 
+/// Names of all decks, with blockflow those whose data comes from a block-diagram simulation.
+std::vector<std::string_view> deckNames(bool blockflow);
+
 /// The deck of a name, with blockflow the one whose data comes from a block-diagram simulation. Throws UsageError
 /// naming those there are.
 const Deck& findDeck(std::string_view name, bool blockflow);

@@ -48,18 +48,24 @@ bool switchOn(const Measure& measure, DeckSettings& deck) {
 
 }  // namespace
 
+std::vector<std::string_view> measureNames() {
+    std::vector<std::string_view> names;
+    for (const auto& measure : measures) {
+        if (std::find(names.begin(), names.end(), measure.name) == names.end()) {
+            names.push_back(measure.name);
+        }
+    }
+    return names;
+}
+
 void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks) {
     if (names == "none") {
         return;
     }
     for (const auto& name : split(names, ',')) {
-        std::vector<std::string_view> known;
         bool found = false;
         bool switched = false;
         for (const auto& measure : measures) {
-            if (std::find(known.begin(), known.end(), measure.name) == known.end()) {
-                known.push_back(measure.name);
-            }
             if (measure.name == name) {
                 found = true;
                 for (auto& deck : decks) {
@@ -68,7 +74,7 @@ void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks
             }
         }
         if (!found) {
-            throw UsageError("--measure: `" + name + "` is none of " + join(known, " "));
+            throw UsageError("--measure: `" + name + "` is none of " + join(measureNames(), " "));
         }
         if (!switched) {
             throw UsageError("--measure: none of the chosen decks measures " + name);

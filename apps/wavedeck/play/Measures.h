@@ -24,6 +24,9 @@ struct Measure {
     std::span<const std::pair<std::string_view, std::string_view>> presets = {};
 };
 
+/// Names of all measurements, each once.
+std::vector<std::string_view> measureNames();
+
 /// Switches on the measurements of a list "a,b,c" in every deck that has them; "none" switches nothing on.
 /// Throws UsageError for an unknown name and for one that no chosen deck measures.
 void switchMeasuresOn(const std::string& names, std::vector<DeckSettings>& decks);

@@ -95,6 +95,10 @@ std::string nbArrayToStdString(const nbArray* array) {
     return read<std::string>(array, "a string");
 }
 
+const char* nbGetText(const nbArray* array) {
+    return read<std::string>(array, "a string").c_str();
+}
+
 bool nbIsDouble(const nbArray* array) {
     return array && std::holds_alternative<std::vector<double>>(array->value);
 }

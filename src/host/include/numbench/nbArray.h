@@ -33,6 +33,8 @@ WAVEDECK_API double nbGetNaN();
 // Reading arrays. Each throws numbench::Exception where the array is of another kind.
 
 WAVEDECK_API std::string nbArrayToStdString(const nbArray* array);
+/// The text of a string, valid as long as the array.
+WAVEDECK_API const char* nbGetText(const nbArray* array);
 WAVEDECK_API bool nbIsDouble(const nbArray* array);
 WAVEDECK_API bool nbIsLogical(const nbArray* array);
 WAVEDECK_API bool nbIsString(const nbArray* array);

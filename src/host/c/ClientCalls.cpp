@@ -1,0 +1,192 @@
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "CallFailure.h"
+#include "ChainKind.h"
+#include "DeckClient.h"
+#include "DriverError.h"
+#include "MessageText.h"
+#include "StageLibrary.h"
+#include "wavedeck.h"
+
+using foundation::numbenchdata::ArrayFactory;
+using wavedeck::driver::DriverError;
+
+struct wavedeck_library {
+    explicit wavedeck_library(const std::string& name) : stages(name), version(stages.version()) {}
+
+    wavedeck::driver::StageLibrary stages;
+    std::string version;
+};
+
+struct wavedeck_options {
+    streamplug::interfaces::device::PropertyList list;
+};
+
+struct wavedeck_client {
+    wavedeck_client(const wavedeck_library& library, wavedeck::driver::ClientFacts facts)
+        : stages(library.stages), client(std::move(facts)) {}
+
+    const wavedeck::driver::StageLibrary& stages;
+    wavedeck::driver::DeckClient client;
+    wavedeck::driver::MessageText message;
+};
+
+namespace {
+
+/// Refuses a null pointer: what a call that failed gave back, or a name that is missing.
+template <typename Object>
+Object* given(Object* object, const char* what) {
+    if (object == nullptr) {
+        throw DriverError(std::string("no ") + what + " was given");
+    }
+    return object;
+}
+
+wavedeck_client* given(wavedeck_client* client) {
+    return given(client, "client");
+}
+
+std::string nameFrom(const char* name) {
+    return given(name, "name");
+}
+
+/// Runs a call without a result; 1 tells that it was done.
+template <typename Call>
+int done(const Call& call) {
+    return guarded(0, [&] {
+        call();
+        return 1;
+    });
+}
+
+/// Appends an option; `make` makes its array of a vector of elements.
+template <typename Element, typename Value, typename Make>
+int addValues(wavedeck_options* options, const char* name, const Value* values, size_t count, const Make& make) {
+    return done([&] {
+        std::vector<Element> elements;
+        for (const Value& value : std::span(count == 0 ? values : given(values, "value"), count)) {
+            elements.push_back(static_cast<Element>(value));
+        }
+        given(options, "list of options")->list.add(nameFrom(name), make(elements));
+    });
+}
+
+wavedeck::driver::SignalFacts factsOf(const wavedeck_signal& signal, size_t index) {
+    wavedeck::driver::SignalFacts facts;
+    facts.id = "signal" + std::to_string(index);
+    facts.numChannels = signal.num_channels;
+    facts.isComplex = signal.is_complex != 0;
+    facts.sampleTime = signal.sample_time;
+    facts.frameSize = signal.frame_size;
+    return facts;
+}
+
+}  // namespace
+
+wavedeck_library* wavedeck_open_library(const char* name) {
+    return guarded<wavedeck_library*>(nullptr, [&] { return new wavedeck_library(nameFrom(name)); });
+}
+
+const char* wavedeck_library_version(const wavedeck_library* library) {
+    return library == nullptr ? "" : library->version.c_str();
+}
+
+void wavedeck_close_library(wavedeck_library* library) {
+    delete library;
+}
+
+wavedeck_options* wavedeck_new_options(void) {
+    return guarded<wavedeck_options*>(nullptr, [] { return new wavedeck_options; });
+}
+
+int wavedeck_add_numbers(wavedeck_options* options, const char* name, const double* values, size_t count) {
+    return addValues<double>(options, name, values, count, ArrayFactory::createDouble);
+}
+
+int wavedeck_add_whole_numbers(wavedeck_options* options, const char* name, const int* values, size_t count) {
+    return addValues<int>(options, name, values, count, ArrayFactory::createInt);
+}
+
+int wavedeck_add_logicals(wavedeck_options* options, const char* name, const int* values, size_t count) {
+    return addValues<bool>(options, name, values, count, ArrayFactory::createLogical);
+}
+
+int wavedeck_add_text(wavedeck_options* options, const char* name, const char* value) {
+    return done(
+        [&] { given(options, "list of options")->list.addChar(nameFrom(name), std::string(given(value, "value"))); });
+}
+
+void wavedeck_free_options(wavedeck_options* options) {
+    delete options;
+}
+
+wavedeck_client* wavedeck_new_client(const wavedeck_library* library, const char* name, const char* strategy,
+                                     const wavedeck_signal* signals, size_t num_signals) {
+    return guarded<wavedeck_client*>(nullptr, [&] {
+        wavedeck::driver::ClientFacts facts;
+        facts.name = nameFrom(name);
+        facts.kind = wavedeck::driver::chainKindOf(nameFrom(strategy), false);
+        for (size_t i = 0; i < num_signals; ++i) {
+            facts.signals.push_back(factsOf(given(signals, "signal")[i], i));
+        }
+        auto client = std::make_unique<wavedeck_client>(*given(library, "library"), std::move(facts));
+        client->client.setStrategy(strategy, client->stages.makeStrategy(strategy));
+        return client.release();
+    });
+}
+
+int wavedeck_add_stage(wavedeck_client* client, const char* stage, const wavedeck_options* options) {
+    return done([&] {
+        const std::string name = nameFrom(stage);
+        auto made = given(client)->stages.makeFilter(name);
+        client->client.addStage(name, std::move(made), options ? options->list : wavedeck_options{}.list);
+    });
+}
+
+int wavedeck_setup(wavedeck_client* client) {
+    return done([&] { given(client)->client.setup(); });
+}
+
+int wavedeck_tune(wavedeck_client* client, const char* stage, const wavedeck_options* options) {
+    return done([&] { given(client)->client.tune(nameFrom(stage), given(options, "list of options")->list); });
+}
+
+int wavedeck_frame(wavedeck_client* client, const double* samples, size_t points) {
+    return wavedeck_frames(client, &samples, &points, 1);
+}
+
+int wavedeck_frames(wavedeck_client* client, const double* const* samples, const size_t* points, size_t num_signals) {
+    return done([&] {
+        const auto facts = given(client)->client.facts();
+        std::vector<std::span<const double>> frame;
+        for (size_t i = 0; i < num_signals; ++i) {
+            const size_t channels = i < facts.signals.size() ? static_cast<size_t>(facts.signals[i].numChannels) : 0;
+            const size_t count = given(points, "number of points")[i] * channels;
+            const double* values = given(samples, "sample")[i];
+            frame.emplace_back(count == 0 ? values : given(values, "sample"), count);
+        }
+        client->client.frame(frame);
+    });
+}
+
+const char* wavedeck_update(wavedeck_client* client) {
+    return guarded<const char*>(nullptr, [&] {
+        const auto update = given(client)->client.update();
+        return update.message.isNull() ? "" : client->message.write(*update.message).c_str();
+    });
+}
+
+nbArray* wavedeck_query(wavedeck_client* client, const char* function) {
+    return guarded<nbArray*>(nullptr, [&] {
+        auto results = given(client)->client.query(client->stages.query(nameFrom(function)));
+        return results.empty() ? nullptr : results.front().release();
+    });
+}
+
+void wavedeck_free_client(wavedeck_client* client) {
+    delete client;
+}
