@@ -95,8 +95,13 @@ const Row rows[] = {
     {25, {24, 26}, {.automatic = true, .autoRange = 8.0}},
     {25, {20, 26}, {.automatic = true, .frameMode = true, .autoRange = 8.0}},  // on frames that of the axes
     {27, {25, 28}, {.automatic = true, .anew = true}},                         // five intervals of the frame in hand
-    {25, {0, 26}, {.automatic = true, .anew = true, .frameMode = true, .sampleTime = 0.0}},  // up to now
-    {25, {25, 26}, {.axes = {0.0, 0.0, 0}}},                                                 // no span
+    {25, {0, 26}, {.automatic = true, .anew = true, .frameMode = true, .sampleTime = 0.0}},        // up to now
+    {25, {24, 26}, {.automatic = true, .anew = true, .sampleTime = 0.0, .axes = {2.0, 10.0, 0}}},  // 8 s in all
+    {25, {0, 26}, {.optionStart = 30.0}},       // nothing there yet: all that is held
+    {25, {0, 26}, {.axes = {-20.0, 10.0, 1}}},  // nor any more
+    {25, {5, 5}, {.axes = {5.0, -3.0, 1}}},     // ends before it begins
+    {25, {0, 0}, {.anew = true}},               // no span
+    {25, {0, 0}, {.axes = {0.0, 0.0, 0}}},
 };
 
 TEST(BFMeasurementFilterRangeCalc, findsTheSpanInTheCache) {

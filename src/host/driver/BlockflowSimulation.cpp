@@ -15,7 +15,8 @@ BlockflowSimulation::BlockflowSimulation(DeckClient& client, SimulationInput& in
     if (!isBlockflow(facts.kind)) {
         throw DriverError("client \"" + facts.name + "\" takes no frames of a simulation");
     }
-    period_ = facts.signals.front().frameSize * facts.signals.front().sampleTime;
+    samplesPerStep_ = facts.signals.front().frameSize;
+    sampleTime_ = facts.signals.front().sampleTime;
     startTime_ = facts.startTime;
     stopTime_ = facts.stopTime;
     for (const SignalFacts& signal : facts.signals) {
@@ -26,7 +27,16 @@ BlockflowSimulation::BlockflowSimulation(DeckClient& client, SimulationInput& in
 }
 
 double BlockflowSimulation::timeOf(std::uint64_t step) const {
-    return startTime_ + static_cast<double>(step) * period_;
+    return startTime_ + static_cast<double>(step * static_cast<std::uint64_t>(samplesPerStep_)) * sampleTime_;
+}
+
+double BlockflowSimulation::lastSampleTime(std::uint64_t step) const {
+    const int size = stepAt(step).frameSizes.front();
+    if (size <= 1) {
+        return timeOf(step);
+    }
+    const auto samples = static_cast<double>((step + 1) * static_cast<std::uint64_t>(size));
+    return startTime_ + (samples - 1.0) * (sampleTime_ * (static_cast<double>(samplesPerStep_) / size));
 }
 
 double BlockflowSimulation::time() const {
@@ -150,9 +160,7 @@ bool BlockflowSimulation::stepBack() {
     delivered_ = std::min(delivered_, stepped_);
     publish(status_ == SimStatus::Paused ? SimStatus::Paused : SimStatus::Running);
     if (wasSeen) {
-        const int size = std::max(stepAt(stepped_ - 1).frameSizes.front(), 1);
-        const double lastSample = time() + (size - 1) * (period_ / size);
-        client_.rollback(PropertyList().addDouble("rollbacktime", lastSample));
+        client_.rollback(PropertyList().addDouble("rollbacktime", lastSampleTime(stepped_ - 1)));
         hand(stepped_ - 1, 1);
     }
     return true;

@@ -68,7 +68,7 @@ public:
 
     /// Time of the newest step; the start time before the first.
     double time() const;
-    double framePeriod() const { return period_; }
+    double framePeriod() const { return samplesPerStep_ * sampleTime_; }
     SimStatus status() const { return status_; }
     std::size_t waiting() const { return static_cast<std::size_t>(stepped_ - delivered_); }
     std::uint64_t stepsTaken() const { return stepped_; }
@@ -81,6 +81,7 @@ private:
     };
 
     double timeOf(std::uint64_t step) const;
+    double lastSampleTime(std::uint64_t step) const;
     bool readAhead();
     bool isLast(std::uint64_t step);
     void forgetOldSteps();
@@ -96,7 +97,8 @@ private:
     std::vector<int> frameSizes_;  ///< of the frames that are read from now on
 
     // derived
-    double period_ = 0.0;
+    int samplesPerStep_ = 0;
+    double sampleTime_ = 0.0;  ///< s, both of signal 0 at first: a step is as long for ever
     double startTime_ = 0.0;
     double stopTime_ = 0.0;
 

@@ -41,7 +41,7 @@ std::unique_ptr<Display> makeDisplay(const ClientFacts& facts, double span) {
 
 }  // namespace
 
-DeckClient::DeckClient(ClientFacts facts) : facts_(std::move(facts)) {
+DeckClient::DeckClient(ClientFacts facts) : facts_(std::move(facts)), signalsAtFirst_(facts_.signals) {
     checkFacts(facts_);
     if (WaveDeckClientRegistry::sInstance.isClientValid(facts_.name)) {
         throw DriverError("there is a client \"" + facts_.name + "\" already");

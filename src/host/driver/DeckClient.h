@@ -175,6 +175,7 @@ private:
 
     // options
     ClientFacts facts_;
+    const std::vector<SignalFacts> signalsAtFirst_;  ///< before any size change
 
     bool keepsOutputs_ = false;
 

@@ -92,8 +92,9 @@ void DeckClient::changeSizes(const std::vector<int>& numChannels, const std::vec
     checkSizes(facts_, numChannels, frameSizes);
     for (std::size_t s = 0; s < facts_.signals.size(); ++s) {
         SignalFacts& signal = facts_.signals[s];
-        if (isBlockflow(facts_.kind) && frameSizes[s] > 0) {
-            signal.sampleTime *= static_cast<double>(signal.frameSize) / frameSizes[s];
+        const SignalFacts& atFirst = signalsAtFirst_[s];
+        if (isBlockflow(facts_.kind) && frameSizes[s] > 0 && atFirst.frameSize > 0) {
+            signal.sampleTime = atFirst.sampleTime * (static_cast<double>(atFirst.frameSize) / frameSizes[s]);
         }
         signal.numChannels = numChannels[s];
         signal.frameSize = frameSizes[s];

@@ -225,8 +225,13 @@ void SampleStream::expandHead(std::size_t signal, std::span<const double> head) 
     blocks.resize((channels + 1) * frames * size);
     double* times = blocks.data();
     for (std::size_t frame = 0; frame < frames; ++frame) {
+        // A frame on the signal's own grid gets the times that a stream would have, to the last bit.
+        const double index = sampleTime > 0.0 ? std::round((head[frame] - facts_.startTime) / sampleTime) : 0.0;
+        const bool isOnGrid = std::fabs(facts_.startTime + index * sampleTime - head[frame]) < 1e-6 * sampleTime;
+        const double start = isOnGrid ? facts_.startTime : head[frame];
+        const double first = isOnGrid ? index : 0.0;
         for (std::size_t i = 0; i < size; ++i) {
-            times[frame * size + i] = head[frame] + static_cast<double>(i) * sampleTime;
+            times[frame * size + i] = start + (first + static_cast<double>(i)) * sampleTime;
         }
     }
     std::copy(head.begin() + static_cast<std::ptrdiff_t>(frames), head.end(), times + frames * size);

@@ -104,6 +104,11 @@ std::vector<unsigned long> BFMeasurementFilterRangeCalc::getDataRange(BaseFilter
         return {0, 0};
     }
 
+    if (span == 0.0) {
+        filter.setForceComputeSpan(false);
+        return {0, 0};
+    }
+
     // Where the span has moved away from its start, its ends are moved along.
     double shift = 0.0;
     const bool hasMoved = std::fabs(simStart - start) >= tolerance || std::fabs(newest - (span + start)) >= tolerance;

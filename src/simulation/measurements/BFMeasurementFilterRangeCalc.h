@@ -18,7 +18,7 @@ public:
     void setPropertiesOnSetup(const PropertyList& list);
 
     /// First index and one past the last into the client's cache. {0, 0} while there is nothing but the simulation's
-    /// start.
+    /// start, and for a span of 0.
     std::vector<unsigned long> getDataRange(BaseFilter& filter, const int& signal);
 
     /// Length of the span in seconds: that of the first axes, or the automatic one, or, when the filter asks for it,

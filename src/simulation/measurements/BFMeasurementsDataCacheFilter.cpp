@@ -51,6 +51,7 @@ void BFMeasurementsDataCacheFilter::filterImpl(const double* data, std::vector<d
         setBuffersCapacityForCachedDataAndTime(*cache, points);
     }
     cache->addData(data, static_cast<unsigned long>(measurementChannel_), points);
+    updateFilterSignalAndChannel();
 }
 
 void BFMeasurementsDataCacheFilter::setBuffersCapacityForCachedDataAndTime(MeasurementsDataCache& cache,
