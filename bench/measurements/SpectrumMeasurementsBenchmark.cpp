@@ -198,12 +198,21 @@ double plainSum(const double* data, std::size_t count) {
     return sum;
 }
 
-/// Ratio and time a bin over sizes: near-linear if they hardly grow.
+/// Ratio and time a bin over sizes, numbers of peaks wanted and minimum distances: near-linear if they hardly grow with
+/// the size. As many peaks wanted as there are bins make every candidate count: all are ranked, and those that the
+/// stronger ones drop are walked over. Fewer let the search stop early, without a look at most candidates; their number
+/// is that of the noise's maxima all the same.
 void peaksOfNoise(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
+    const auto wanted = std::min(count, static_cast<std::size_t>(state.range(1)));
     const std::vector<double> levels = noiseLevels(2 * count, 5);
-    PeakFinder finder(-1e9, static_cast<unsigned long>(state.range(1)), 20.0, 0.0);
+    PeakFinder finder(-1e9, wanted, static_cast<double>(state.range(2)), 0.0);
+    PeakFinder all(-1e9, count, 1.0, 0.0);
     std::size_t start = 0;
+    state.counters["candidates"] =
+        static_cast<double>(all.findPeaks(levels.data(), {0, count}, PeakSelectionLastMaximum).numPeaks);
+    state.counters["found"] =
+        static_cast<double>(finder.findPeaks(levels.data(), {0, count}, PeakSelectionLastMaximum).numPeaks);
     bench::compare(
         state, count,
         [&] {
@@ -251,7 +260,11 @@ BENCHMARK(intermodulation)->UseManualTime();
 BENCHMARK(phaseNoise)->UseManualTime();
 BENCHMARK(mask)->UseManualTime();
 BENCHMARK(allFive)->UseManualTime();
-BENCHMARK(peaksOfNoise)->ArgsProduct({{1000, 10000, 100000, 1000000}, {10}})->Args({1000000, 1000000})->UseManualTime();
+BENCHMARK(peaksOfNoise)
+    ->ArgNames({"bins", "wanted", "distance"})
+    ->ArgsProduct({{1000, 10000, 100000, 1000000}, {10, 1000000}, {20}})
+    ->ArgsProduct({{1000, 1000000}, {1000000}, {2, 200}})
+    ->UseManualTime();
 BENCHMARK(maskAgainstReading)->Arg(4096)->Arg(65536)->Arg(1000000)->UseManualTime();
 
 }  // namespace
