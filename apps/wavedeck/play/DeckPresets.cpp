@@ -21,6 +21,10 @@ constexpr std::string_view mask = "spectral_mask_tester_filter";
 constexpr std::array measurementStages{peaks, channel, std::string_view("distortion_measurements_filter"), phaseNoise,
                                        mask};
 
+constexpr std::array timeMeasurementStages{
+    std::string_view("time_signal_statistics_filter"), std::string_view("time_peak_finder_filter"),
+    std::string_view("bilevel_measurements_filter"), std::string_view("trigger_filter")};
+
 /// Options of the measurement stages that follow the estimator's settings.
 constexpr std::array<std::string_view, 3> linkedOptions{"spectrumType", "spectrumUnits", "frequencyOffset"};
 
@@ -194,6 +198,14 @@ void applySpectrumPresets(const SessionFacts& facts, DeckSettings& settings) {
     linkSpots(range, settings);
 }
 
+/// Each measurement is told the span for its first frame; from the second on it follows the display.
+void applyTimePresets(const SessionFacts& facts, DeckSettings& settings) {
+    const double span = facts.displaySpan.value_or(numCachedSamples * facts.signals.front().sampleTime);
+    for (const auto stage : timeMeasurementStages) {
+        settings.preset(stage, "customSpan", asText(span));
+    }
+}
+
 }  // namespace
 
 std::string shownSpectrumUnits(const DeckSettings& settings) {
@@ -217,6 +229,8 @@ void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& set
     using wavedeck::driver::ChainKind;
     if (deck.kind == ChainKind::Spectrum || deck.kind == ChainKind::BlockflowSpectrum) {
         applySpectrumPresets(facts, settings);
+    } else if (deck.kind == wavedeck::driver::ChainKind::Time) {
+        applyTimePresets(facts, settings);
     }
     if (deck.kind == ChainKind::BlockflowTime) {
         applySimulationPresets(facts, settings);

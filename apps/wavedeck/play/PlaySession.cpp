@@ -128,7 +128,18 @@ void PlaySession::makeDecks(const PlayCommand& command) {
     auto settings = settingsOf(decks, command);
     for (std::size_t i = 0; i < decks.size(); ++i) {
         applyPresets(*decks[i], session, settings[i]);
+        warnOfLongSpan(*decks[i], session, settings[i]);
         decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
+    }
+}
+
+void PlaySession::warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings) {
+    const auto measures = measuresOn(settings);
+    const double measured = numCachedSamples * session.signals.front().sampleTime;
+    if (deck.kind == wavedeck::driver::ChainKind::Time && session.displaySpan.value_or(0.0) > measured &&
+        std::any_of(measures.begin(), measures.end(), [](const auto* each) { return each->name != "trigger"; })) {
+        warnings_.push_back("--span-time: statistics, peaks and pulses are measured over the newest 5000 samples, " +
+                            formatQuantity(measured, "s"));
     }
 }
 

@@ -41,6 +41,8 @@ private:
     void makeDecks(const PlayCommand& command);
     SessionFacts sessionFacts(const PlayCommand& command) const;
     std::vector<DeckSettings> settingsOf(const std::vector<const Deck*>& decks, const PlayCommand& command);
+    /// Tells where the measurements of a deck do not reach as far back as its display.
+    void warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
     /// Hands the frame in hand to every deck and sends what is due.
