@@ -269,6 +269,25 @@ class Results(Folder):
         self.assertGreater(deck["held"], 0)
         self.assertEqual((deck["frames"], deck["updates"]), (585, messages.count(b"\n")))
 
+    def test_peaks_are_those_of_the_trace_they_come_with(self):
+        messages = os.path.join(self.folder, "messages.jsonl")
+        for distance in (1, 7, 40):
+            _, deck = self.spectrum("am?noise=0.1&depth=0.9&duration=2", "--messages", messages, "--set",
+                                    "frequency_peak_finder.minDistance=" + str(distance), "--set", "numPeaks=60")
+            for line in messages_of(messages):
+                [channel] = line["message"]["signals"][0]["channel"]
+                x, frequency = channel["data"], channel["frequency"]
+                # No two bins of noise are equal: strict maxima, the strongest first, each alone within the distance.
+                maxima = sorted((k for k in range(1, len(x) - 2) if x[k - 1] < x[k] > x[k + 1]), key=lambda k: -x[k])
+                kept = []
+                for k in maxima:
+                    if len(kept) < 60 and (distance == 1 or all(abs(k - other) > distance for other in kept)):
+                        kept.append(k)
+                found = json.loads(line["message"]["measurements"]["peaks"]["locations"])
+                expected = [frequency[k] for k in kept][:60 - (0 in found)]
+                self.assertEqual([place for place in found if place > 0], expected)
+            self.assertEqual([row["frequency"]["value"] for row in deck["peaks"]["peaks"]], found)
+
     def test_masks_decide_the_status(self):
         mask = ("--measure", "mask", "--set", "enabledMasks=upper", "--set", "upperMask=")
         for level, status in (("30", 0), ("20", 1)):
@@ -295,6 +314,12 @@ class Results(Folder):
     def test_the_same_input_gives_the_same_bytes(self):
         runs = {play("gen:noise?duration=0.2&seed=7", "--messages", "-", "--deck", "time").stdout for _ in range(2)}
         self.assertEqual(len(runs), 1)
+
+    def test_the_first_frame_is_measured_whole_and_a_longer_span_is_told(self):
+        run, report = report_of("gen:ramp?rate=1k&frequency=1&duration=1", "--deck", "time", "--frame", "1k")
+        self.assertEqual((run.stderr, report["decks"][0]["stats"]["minimum"]), (b"", -1))
+        run, _ = report_of("gen:ramp?rate=1k&duration=1", "--deck", "time", "--span-time", "6")
+        self.assertIn(b"over the newest 5000 samples, 5 s", run.stderr)
 
     def test_real_time_takes_its_time(self):
         begin = time.monotonic()
