@@ -229,10 +229,9 @@ void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& set
     using wavedeck::driver::ChainKind;
     if (deck.kind == ChainKind::Spectrum || deck.kind == ChainKind::BlockflowSpectrum) {
         applySpectrumPresets(facts, settings);
-    } else if (deck.kind == wavedeck::driver::ChainKind::Time) {
+    } else if (deck.kind == ChainKind::Time) {
         applyTimePresets(facts, settings);
-    }
-    if (deck.kind == ChainKind::BlockflowTime) {
+    } else if (deck.kind == ChainKind::BlockflowTime) {
         applySimulationPresets(facts, settings);
     }
 }
