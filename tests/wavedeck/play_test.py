@@ -257,6 +257,34 @@ class Results(Folder):
         for name in ("riseTime", "period", "posWidth"):
             self.assertAlmostEqual(simulated["bilevel"][name]["value"], plain["bilevel"][name]["value"], delta=1e-6)
 
+    def test_spectra_of_a_simulation_are_those_of_the_stream(self):
+        def spectra(*arguments):
+            path = self.path("messages")
+            run = play(*arguments, "--deck", "spectrum", "--measure", "peaks,channel", "--messages", path)
+            self.assertEqual(run.returncode, 0, run.stderr)
+            parts = ("spectrum", "signals", "measurements")
+            return [[message["message"].get(part) for part in parts] for message in messages_of(path)]
+
+        noise = "gen:noise?rate=48k&complex=true&channels=2&duration=0.75"
+        chirp = "gen:chirp?rate=48k&duration=0.75"
+        port = self.path("port", struct.pack("36d", *[100.0] * 36))  # one value a frame of 1000
+        raw = ("--format", "f64", "--rate", "48")
+        for source, settings, ports in (
+                ((noise, chirp), ("--frame", "1000"), ()),
+                ((noise, chirp), ("--frame", "100", "--set", "showSpectrogram=true"), ()),
+                ((chirp, noise), ("--frame", "6000", "--set", "showSpectrogram=true", "--updates", "6"), ()),
+                ((chirp,), ("--frame", "1"), ()),
+                ((chirp, noise), ("--frame", "1000", "--set", "autoRBW=false", "--set", "rbw=100"),
+                 (port, *raw, "--set", "inputPortRBW=true")),
+                ((chirp,), ("--frame", "1000", "--set", "averagingMethod=vbw", "--set", "autoVBW=false", "--set",
+                            "vbw=100", "--set", "autoRBW=false", "--set", "rbw=100"),
+                 (port, port, *raw, "--set", "inputPortRBW=true", "--set", "inputPortVBW=true"))):
+            plain = spectra(*source, *settings)
+            self.assertGreater(len(plain), 3)
+            if ports:
+                settings = settings[:2]
+            self.assertEqual(spectra(*source, *ports, *settings, "--blockflow"), plain)
+
     def test_a_display_that_falls_behind_holds_the_simulation_and_it_goes_on(self):
         # The messages do not fit the pipe: while nobody reads, the display stands still and the simulation runs ahead.
         run = subprocess.Popen([PROGRAM, "play", "gen:tone?rate=1M&duration=0.6", "--deck", "time", "--blockflow",

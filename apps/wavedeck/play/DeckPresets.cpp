@@ -42,13 +42,41 @@ std::string asText(const std::vector<double>& values) {
     return join(texts, ",");
 }
 
-/// Channels of all signals, a complex one counted once.
-std::size_t channelsOf(const SessionFacts& facts) {
+/// Channels of the first signals, a complex one counted once.
+std::size_t channelsOf(const SessionFacts& facts, std::size_t numSignals) {
     std::size_t channels = 0;
-    for (const auto& signal : facts.signals) {
+    for (std::size_t i = 0; i < std::min(numSignals, facts.signals.size()); ++i) {
+        const auto& signal = facts.signals[i];
         channels += static_cast<std::size_t>(signal.isComplex ? signal.numChannels / 2 : signal.numChannels);
     }
     return channels;
+}
+
+constexpr std::string_view ports = "bf_input_port_parameters_handler_filter";
+constexpr std::array portOptions{"inputPortFrequencyVector", "inputPortRBW", "inputPortVBW"};
+
+bool usesPort(const DeckSettings& settings, std::string_view option) {
+    return settings.has(ports, option) && settings.value(ports, option) == "true";
+}
+
+/// What comes from a port is not automatic.
+void linkPorts(DeckSettings& settings) {
+    const auto estimator = estimatorStage(settings);
+    for (const std::string_view option : portOptions) {
+        if (settings.has(ports, option)) {
+            settings.preset(estimator, option, settings.value(ports, option));
+        }
+    }
+    if (usesPort(settings, "inputPortFrequencyVector")) {
+        settings.preset(estimator, "autoFrequencyVector", "false");
+    }
+    if (usesPort(settings, "inputPortRBW")) {
+        settings.preset(estimator, "autoRBW", "false");
+    }
+    if (usesPort(settings, "inputPortVBW")) {
+        settings.preset(estimator, "averagingMethod", "vbw");
+        settings.preset(estimator, "autoVBW", "false");
+    }
 }
 
 void presetEstimator(const SessionFacts& facts, double rate, DeckSettings& settings) {
@@ -57,7 +85,8 @@ void presetEstimator(const SessionFacts& facts, double rate, DeckSettings& setti
         std::any_of(facts.signals.begin(), facts.signals.end(), [](const auto& signal) { return signal.isComplex; });
     settings.preset(estimator, "sampleRate", asText(rate));
     settings.preset(estimator, "frequencyRange", anyComplex ? "centered" : "one-sided");
-    settings.preset(estimator, "frequencyOffset", asText(std::vector<double>(channelsOf(facts), 0.0)));
+    settings.preset(estimator, "frequencyOffset",
+                    asText(std::vector<double>(channelsOf(facts, facts.signals.size()), 0.0)));
     settings.preset(estimator, "inputDataType", join(std::vector<std::string>(facts.signals.size(), "double"), ","));
     settings.preset(estimator, "inputRange", asText(std::vector<double>(facts.signals.size(), facts.fullScale)));
 }
@@ -109,9 +138,7 @@ void linkOffsets(const SessionFacts& facts, DeckSettings& settings) {
         // The offsets count the channels of all signals.
         auto index = static_cast<std::size_t>(*parseNumber(settings.value(stage, "measurementChannel")));
         const auto signal = static_cast<std::size_t>(*parseNumber(settings.value(stage, "measurementSignal")));
-        SessionFacts before = facts;
-        before.signals.resize(std::min(signal, facts.signals.size()));
-        index += channelsOf(before);
+        index += channelsOf(facts, signal);
         settings.preset(stage, "measurementChannelFrequencyOffset", index < offsets.size() ? offsets[index] : "0");
     }
     if (settings.has(mask, "frequencyOffset")) {
@@ -176,8 +203,11 @@ void applySimulationPresets(const SessionFacts& facts, DeckSettings& settings) {
     }
 }
 
-void applySpectrumPresets(const SessionFacts& facts, DeckSettings& settings) {
+void applySpectrumPresets(const SessionFacts& session, DeckSettings& settings) {
+    SessionFacts facts = session;
+    std::erase_if(facts.signals, [](const auto& signal) { return signal.isInputPort; });
     const auto estimator = estimatorStage(settings);
+    linkPorts(settings);
     const double sampleTime = facts.signals.front().sampleTime;
     if (std::any_of(facts.signals.begin(), facts.signals.end(),
                     [&](const auto& signal) { return signal.sampleTime != sampleTime; })) {
@@ -223,6 +253,17 @@ std::string shownSpectrumUnits(const DeckSettings& settings) {
 std::string_view estimatorStage(const DeckSettings& settings) {
     constexpr std::string_view blockflow = "bf_spectrum_estimator_filter";
     return settings.has(blockflow, "method") ? blockflow : "spectrum_estimator_filter";
+}
+
+void markInputPorts(const DeckSettings& settings, SessionFacts& facts) {
+    const auto count = static_cast<std::size_t>(std::count_if(
+        portOptions.begin(), portOptions.end(), [&](const auto* option) { return usesPort(settings, option); }));
+    if (count >= facts.signals.size()) {
+        throw UsageError("--blockflow: " + std::to_string(count) + " input ports need as many inputs behind the data");
+    }
+    for (std::size_t i = facts.signals.size() - count; i < facts.signals.size(); ++i) {
+        facts.signals[i].isInputPort = true;
+    }
 }
 
 void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& settings) {

@@ -22,6 +22,10 @@ struct SessionFacts {
     double fullScale = 1.0;             ///< of the inputs' samples
 };
 
+/// Marks the inputs that are parameters of the deck's spectra and not data: the last ones, one for each port that is in
+/// use. Throws UsageError where no data would be left.
+void markInputPorts(const DeckSettings& settings, SessionFacts& facts);
+
 /// Presets what a person expects of a deck and links its stages: what one stage is told follows from the signals and
 /// from what another is set to. Called at setup, and again whenever a setting has changed; a person's choices stay.
 /// Throws UsageError where the signals do not suit the deck.

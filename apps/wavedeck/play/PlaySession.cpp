@@ -127,9 +127,11 @@ void PlaySession::makeDecks(const PlayCommand& command) {
     }
     auto settings = settingsOf(decks, command);
     for (std::size_t i = 0; i < decks.size(); ++i) {
-        applyPresets(*decks[i], session, settings[i]);
+        SessionFacts facts = session;
+        markInputPorts(settings[i], facts);
+        applyPresets(*decks[i], facts, settings[i]);
         warnOfLongSpan(*decks[i], session, settings[i]);
-        decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), session, library));
+        decks_.push_back(std::make_unique<DeckSession>(*decks[i], std::move(settings[i]), facts, library));
     }
 }
 
