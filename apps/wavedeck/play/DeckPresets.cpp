@@ -189,8 +189,7 @@ void linkSpots(const FrequencyRange& range, DeckSettings& settings) {
 /// Measurements on a simulation cover what the display shows, from the first frame on.
 void applySimulationPresets(const SessionFacts& facts, DeckSettings& settings) {
     const auto& signal = facts.signals.front();
-    constexpr double usualSpan = 5000.0;
-    const auto span = asText(facts.displaySpan.value_or(usualSpan * signal.sampleTime));
+    const auto span = asText(facts.displaySpan.value_or(numCachedSamples * signal.sampleTime));
     for (const auto stage : settings.stages()) {
         for (const auto& [option, text] : std::initializer_list<std::pair<const char*, std::string>>{
                  {"isBlockInFrameProcMode", signal.frameSize > 1 ? "true" : "false"},
