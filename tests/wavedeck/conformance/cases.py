@@ -11,7 +11,9 @@ FILES = {"two.txt": [0.6, 0.4], "eight.txt": [0.125] * 8}
 EXACT = (0, "")
 ROUND = (1e-12, "rounding")
 FINE = (1e-9, "rounding")  # of larger figures
-SCATTER = 4 * 4.343  # dB: four standard deviations of a bin of noise, times the root of the averages
+# dB: four standard deviations of a bin of noise, times the root of the averages. Signals last for twice as many
+# segments, for the running average to get there.
+SCATTER = 4 * 4.343
 
 
 def group(title, note, command, rows):
@@ -159,8 +161,12 @@ HANN = {-1: 1 / 6, 0: 2 / 3, 1: 1 / 6}  # parts of a tone's power density in its
 WINDOW = "--deck spectrum --set frequencyResolutionMethod=window-length --set windowLength=1024 "
 AVERAGES, RBW = 64, 15
 AVERAGED = WINDOW + "--set averagingMethod=running --set spectralAverages=64 "
-# Of a figure over the whole spectrum.
-SCATTER_OF_ALL = SCATTER / math.sqrt(AVERAGES * RATE / 2 / RBW)
+
+
+def scatter_of_band(width):
+    """Through a Hann window n bins scatter as 18 / 35 n independent ones: n sum w^4 / (sum w^2)^2 = 35 / 18."""
+    return SCATTER * math.sqrt(35 / 18 / (AVERAGES * width / BIN))
+
 
 
 def levels():
@@ -198,10 +204,12 @@ def spectrum_figures():
     rows += [("first bin", "start", "Hz", 0, "one-sided", *EXACT),
              ("last bin", "stop", "Hz", RATE / 2, "rate / 2", *EXACT),
              ("span", "span", "Hz", RATE / 2, "rate / 2", *EXACT),
+             ("VBW", "vbw", "Hz", 2 / (AVERAGES - 1) * BIN / (2 * PI), "(1 - g) bin / 2 pi g, g = (K - 1) / (K + 1)",
+              *ROUND),
              ("noise floor", "noiseFloors.0.level", "dBm", db(floor) + 30, "s^2 RBW / (rate / 2), median of K",
-              1.25 * SCATTER_OF_ALL, "scatter of a median")]
+              1.25 * scatter_of_band(RATE / 2), "scatter of a median")]
     group("Resolution, span and noise floor", "White noise of s = 0.1 rms, K = 64 averages, windows of 1024 samples.",
-          f"gen:noise?rate={RATE}&rms=0.1&duration=6.4 --measure none " + AVERAGED, rows)
+          f"gen:noise?rate={RATE}&rms=0.1&duration=12.8 --measure none " + AVERAGED, rows)
     path = "message.spectrum.timeIncrement"
     group("Spectrogram", "A line each window, or as many windows as the resolution T asked for holds 1 / RBW.",
           f"gen:noise?rate={RATE}&duration=2 --measure none --set showSpectrogram=true " + WINDOW,
@@ -235,9 +243,9 @@ def channels():
     edge = 4 * 5 / math.sqrt(AVERAGES)  # the power outside is that of 5 Hz of noise, which lie in one bin
     group("Channel power and occupied bandwidth",
           "White noise of s = 0.1 rms over a channel of B = 1 kHz, K = 64 averages.",
-          f"gen:noise?rate={RATE}&rms=0.1&duration=6.4 " + BAND + AVERAGED,
+          f"gen:noise?rate={RATE}&rms=0.1&duration=12.8 " + BAND + AVERAGED,
           [("channel power", "channel.channelPower", "dBm", db(power) + 30, "s^2 B / (rate / 2)",
-            SCATTER / math.sqrt(AVERAGES * 1000 / RBW), "scatter over the band"),
+            scatter_of_band(1000), "scatter over the band"),
            ("occupied bandwidth", "channel.occupiedBandwidth", "Hz", 990, "99 % of B", edge * math.sqrt(2),
             "scatter of both edges"),
            ("occupied from", "channel.startFrequency", "Hz", 2005, "0.5 % above", edge, "scatter of a bin"),
@@ -288,16 +296,17 @@ def distortion():
     beside = scatter(power[1])
     rows = [("THD", "thd", "dB", 2 * db(ratio), "10 lg H / P1", beside, "noise beside harmonics"),
             ("THD", "thdPercent", "%", 100 * ratio, "100 sqrt(H / P1)", 100 * ratio * beside / 8.69, "the same"),
-            ("SNR", "snr", "dB", db(power[0] / noise), "10 lg P1 / N", SCATTER_OF_ALL + 0.03, "scatter, median"),
+            ("SNR", "snr", "dB", db(power[0] / noise), "10 lg P1 / N", scatter_of_band(RATE / 2) + 0.02,
+             "scatter, median"),
             ("SINAD", "sinad", "dB", db(power[0] / (harmonics + noise)), "10 lg P1 / (H + N)",
-             beside + 0.02 * SCATTER_OF_ALL, "N is 1.8 % of H"),
+             beside + 0.02 * scatter_of_band(RATE / 2), "N is 1.8 % of H"),
             ("SFDR", "sfdr", "dB", db(power[0] / power[1]), "10 lg P1 / P2", beside, "noise beside it")]
     for i, tone in enumerate(power):
         rows.append((f"frequency of harmonic {i + 1}", f"tones.{i}.frequency", "Hz", 1000 * (i + 1), "tone", *EXACT))
         rows.append((f"harmonic {i + 1}", f"tones.{i}.level", "dBm", db(tone) + 30, "A^2 / 2",
                      scatter(tone) + 4.343 * share / tone, "noise in its bin"))
     group("Harmonic distortion", "A tone with three harmonics in white noise of 1 mV rms, K = 64 averages.",
-          f"gen:multitone?rate={RATE}&frequency=1k,2k,3k,4k&amplitude=1,0.01,0.003,0.001&noise=1m&duration=6.4 "
+          f"gen:multitone?rate={RATE}&frequency=1k,2k,3k,4k&amplitude=1,0.01,0.003,0.001&noise=1m&duration=12.8 "
           "--measure distortion --set numHarmonics=4 " + AVERAGED,
           [(row[0], "distortion." + row[1], *row[2:]) for row in rows])
 
@@ -321,7 +330,7 @@ def phase_noise():
              "20 dB a decade", SCATTER / math.sqrt(200) + 0.2, "scatter of a bin, aliases")
             for i, spot in enumerate((300, 1000, 3000))]
     group("Phase noise", "A carrier of 12 kHz with -80 dBc/Hz at 1 kHz, K = 200 averages.",
-          "gen:phasenoise?frequency=12k&level=-80&at=1k&duration=14 --deck spectrum --measure phasenoise --set "
+          "gen:phasenoise?frequency=12k&level=-80&at=1k&duration=28 --deck spectrum --measure phasenoise --set "
           "phaseNoiseFrequencyOffset=300,1000,3000 --set averagingMethod=running --set spectralAverages=200", rows)
 
 

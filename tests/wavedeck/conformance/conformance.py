@@ -2,10 +2,12 @@
 """Plays signals of known properties and compares every figure that is reported with its closed form (cases.py).
 
     conformance.py PROGRAM PAGE           fails where an error exceeds its tolerance, where a reported figure has no
-                                          row, and where the page holds other rows than those that were run
+                                          row, where the page holds other rows than those that were run, and where
+                                          a page on a measurement has a worked check that is not among them
     conformance.py PROGRAM PAGE --write   writes the page
 """
 import functools
+import glob
 import json
 import os
 import re
@@ -20,7 +22,7 @@ HOLDER = tempfile.TemporaryDirectory()
 FOLDER = HOLDER.name
 # What a report repeats of its settings, and counts of what has been played: no figures.
 NO_FIGURES = re.compile(r"deck|frames|samples|updates|updatesProcessed|type|units|referenceLoad|requestedRBW|method"
-                        r"|window|segmentLength|fftLength|averages|vbw|wholeSegments|phaseNoise\.spots\.#\.offset"
+                        r"|window|segmentLength|fftLength|averages|wholeSegments|phaseNoise\.spots\.#\.offset"
                         r"|.*\.(measured|type|masks|mode|polarity|watched|failing\w+|points|signal|channel)")
 HEADER = """# Conformance
 
@@ -87,6 +89,18 @@ def compare(program):
     return re.sub(" +", " ", "\n".join(lines)).replace("\n wavedeck", "\n    wavedeck") + "\n", failures
 
 
+def unchecked_pages(documents):
+    """Pages on measurements without a worked check, and worked checks that are none of the cases."""
+    cases = {" ".join(command) for _, _, command, _ in GROUPS}
+    for page in sorted(glob.glob(documents + "/measurements/*.md")) + [documents + "/trigger.md"]:
+        with open(page, encoding="utf-8") as file:
+            commands = re.findall(r"^    wavedeck play (.*)$", file.read().replace("\\\n", ""), re.MULTILINE)
+        commands = [" ".join(command.replace("'", "").split()) for command in commands]
+        if not commands and os.path.basename(page) != "cache.md":
+            yield page + ": no worked check"
+        yield from (f"{page}: no case is {command}" for command in commands if command not in cases)
+
+
 def cases_of(text):
     """The page without what differs from one machine to the next: the measured values and their errors."""
     return [re.sub(r"^(\|[^|]*\|[^|]*\|[^|]*\|[^|]*\|)[^|]*\|[^|]*\|", r"\1", line) for line in text.splitlines()]
@@ -104,6 +118,7 @@ def main():
     with open(page, encoding="utf-8") as file:
         if cases_of(file.read()) != cases_of(text):
             failures.append(f"{page} holds other rows: write it anew")
+    failures += unchecked_pages(os.path.dirname(page))
     print("\n".join(failures) or f"{sum(len(rows) for *_, rows in GROUPS)} figures agree")
     return bool(failures)
 
