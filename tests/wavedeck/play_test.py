@@ -173,75 +173,10 @@ class Results(Folder):
         self.assertEqual([entry["samples"] for entry in report["inputs"]], [24000, 44100])
         self.assertEqual(report["decks"][0]["samples"], 24000 + 44100)
 
-    def test_a_filter_and_its_response(self):
-        # The mean of two samples: |H| = cos(pi f / rate), half power at a quarter of the rate, nothing at half of it.
-        taps = self.path("taps.txt", b"# mean of two\n0.5\n\n0.5  # the last\n")
-        run, report = report_of(taps, "--deck", "response", "--rate", "8k")
-        self.assertEqual((run.returncode, run.stderr), (0, b""))
-        response = report["decks"][0]["response"]
-        self.assertAlmostEqual(response["greatestGain"]["value"], 0.0, delta=1e-12)
-        level = 10 ** (-3 / 20)
-        # Points are joined by straight lines; two of the 2048 are 2 Hz apart.
-        self.assertAlmostEqual(response["points3dB"][0]["frequency"]["value"], 8000 * math.acos(level) / math.pi, delta=0.01)
-        self.assertNotIn("stopbandPeak", response)
-        self.assertEqual(response["passbandStart"]["value"], 0.0)
-        # Eight equal taps: zeros at multiples of rate / 8, the first side lobe 12.8 dB down.
-        _, report = report_of(self.path("box.txt", b"0.125\n" * 8), "--deck", "response")
-        self.assertAlmostEqual(report["decks"][0]["response"]["stopbandPeak"]["value"], -12.80, delta=0.01)
-
-    def test_pulses_and_trigger(self):
-        _, report = report_of("gen:pulse?rate=1M&duration=20m", "--deck", "time", "--measure", "bilevel,trigger")
-        pulses = report["decks"][0]["bilevel"]
-        # Straight edges of 50 us from 10 to 90 % take 40 us; widths at half height.
-        for name, value in (("riseTime", 40e-6), ("fallTime", 40e-6), ("period", 1e-3), ("posWidth", 0.3e-3)):
-            self.assertAlmostEqual(pulses[name]["value"], value, delta=1e-6 if "Time" in name else 1e-9)
-        trigger = report["decks"][0]["trigger"]
-        self.assertGreater(trigger["triggered"], 0)
-        self.assertLessEqual(trigger["triggered"], trigger["updates"])
-
     def spectrum(self, signal, *arguments):
         run, report = report_of("gen:" + signal, "--deck", "spectrum", *arguments)
         self.assertEqual(run.stderr, b"")
         return run.returncode, report["decks"][0]
-
-    def test_spectra_read_what_went_in(self):
-        # An amplitude of 1 at a bin is 0.5 W into 1 ohm: 10 log10(500 mW). Noise of 1 mV rms is spread over 24 kHz.
-        _, deck = self.spectrum("tone?frequency=1.5k&noise=1m&duration=4", "--set", "numPeaks=1", "--set",
-                                "averagingMethod=running", "--set", "spectralAverages=60")
-        self.assertEqual((deck["start"]["value"], deck["stop"]["value"], deck["units"]), (0, 24000, "dBm"))
-        self.assertAlmostEqual(deck["rbw"]["value"], 24000 / 1024, delta=1e-9)
-        self.assertAlmostEqual(deck["enbw"]["value"], 1.5, delta=1e-3)
-        [peak] = deck["peaks"]["peaks"]
-        self.assertEqual(peak["frequency"], {"value": 1500.0, "unit": "Hz"})
-        self.assertAlmostEqual(peak["level"]["value"], 10 * math.log10(500), delta=0.01)
-        floor = 10 * math.log10(1e-6 / 24000 * deck["rbw"]["value"] * 1000)
-        # The median of bins of 60 averages lies 10 log10(1 - 1/180) below their mean; 1500 bins scatter it by 0.02 dB.
-        self.assertAlmostEqual(deck["noiseFloors"][0]["level"]["value"], floor - 0.024, delta=0.1)
-        # Of a complex signal both sides are shown.
-        _, deck = self.spectrum("tone?frequency=-6k&complex=true", "--set", "numPeaks=1", "--set", "spectrumUnits=watts")
-        self.assertLess(deck["start"]["value"], -23900)
-        self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], -6000)
-        self.assertAlmostEqual(deck["peaks"]["peaks"][0]["level"]["value"], 1.0, delta=1e-9)
-
-    def test_measurements_of_spectra(self):
-        _, deck = self.spectrum("multitone?frequency=1.5k,3k,4.5k&amplitude=1,0.01,0.003&noise=10u&duration=4",
-                                "--measure", "channel,distortion,phasenoise")
-        distortion = deck["distortion"]
-        self.assertAlmostEqual(distortion["thd"]["value"], 10 * math.log10(0.01**2 + 0.003**2), delta=0.01)
-        # 10 uV of noise below 0.7 V of carrier; a single spectrum of 1024 resolved bins scatters by 0.1 dB.
-        self.assertAlmostEqual(distortion["snr"]["value"], 20 * math.log10(1e5 / math.sqrt(2)), delta=0.5)
-        # The whole power, and 99 % of it inside a few bins around the carrier.
-        self.assertAlmostEqual(deck["channel"]["channelPower"]["value"], 10 * math.log10(500.0545), delta=0.01)
-        self.assertLess(deck["channel"]["occupiedBandwidth"]["value"], 100)
-        self.assertEqual([row["offset"]["value"] for row in deck["phaseNoise"]["spots"]], [1000, 10000])
-        _, deck = self.spectrum("twotone?frequency=9k&spacing=1.5k&im3=-60&duration=4", "--measure", "distortion", "--set",
-                                "distortionType=intermodulation")
-        # Third-order intercept: half of the 60 dB above a tone of 0.125 W.
-        self.assertAlmostEqual(deck["distortion"]["toi"]["value"], 10 * math.log10(125) + 30, delta=0.01)
-        _, deck = self.spectrum("phasenoise?frequency=12k&level=-80&at=1k&duration=40", "--measure", "phasenoise", "--set",
-                                "averagingMethod=running", "--set", "spectralAverages=200")
-        # 200 averages scatter a bin by 0.3 dB.
-        self.assertAlmostEqual(deck["phaseNoise"]["spots"][0]["level"]["value"], -80, delta=1.5)
 
     def test_a_simulation_counts_and_measures_as_the_stream_does(self):
         signal = "gen:pulse?rate=1M&duration=24576u"  # ends late in the simulation's fifth span
@@ -297,6 +232,18 @@ class Results(Folder):
         self.assertGreater(deck["held"], 0)
         self.assertEqual((deck["frames"], deck["updates"]), (585, messages.count(b"\n")))
 
+    def test_what_is_preset_follows_the_signal(self):
+        # Both sides of a complex signal; spots at the decades; updates that the trigger waits for.
+        _, deck = self.spectrum("tone?frequency=-6k&complex=true", "--measure", "peaks,phasenoise", "--set", "numPeaks=1",
+                                "--set", "spectrumUnits=watts")
+        self.assertLess(deck["start"]["value"], -23900)
+        self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], -6000)
+        self.assertAlmostEqual(deck["peaks"]["peaks"][0]["level"]["value"], 1.0, delta=1e-9)
+        self.assertEqual([row["offset"]["value"] for row in deck["phaseNoise"]["spots"]], [1000, 10000])
+        response = report_of(self.path("taps.txt", b"# half\n0.5\n\n0.5  # the rest\n"), "--deck", "response", "--rate",
+                             "8k")[1]["decks"][0]["response"]
+        self.assertEqual((response["stopFrequency"]["value"], response["points"]), (4000, 2048))
+
     def test_peaks_are_those_of_the_trace_they_come_with(self):
         messages = os.path.join(self.folder, "messages.jsonl")
         for distance in (1, 7, 40):
@@ -315,12 +262,6 @@ class Results(Folder):
                 expected = [frequency[k] for k in kept][:60 - (0 in found)]
                 self.assertEqual([place for place in found if place > 0], expected)
             self.assertEqual([row["frequency"]["value"] for row in deck["peaks"]["peaks"]], found)
-
-    def test_masks_decide_the_status(self):
-        mask = ("--measure", "mask", "--set", "enabledMasks=upper", "--set", "upperMask=")
-        for level, status in (("30", 0), ("20", 1)):
-            code, deck = self.spectrum("tone", *mask[:-1], mask[-1] + level)
-            self.assertEqual((code, deck["mask"]["passing"]), (status, status == 0))
 
     def test_linked_options_are_set_once(self):
         # Units and type of the measurements follow the estimator; a name of several meanings is told.
