@@ -13,14 +13,17 @@ export class Client {
     this.stages = new Map(description.stages.map((stage) => [stage.name, stage]));
   }
 
+  /** The stage of a chain, which bears another name in a simulation. */
+  stage(name) { return this.stages.get(name) ?? this.stages.get(`bf_${name}`); }
+
   /** The option's description {name, kind, words, unit, value} or undefined. */
-  option(stage, name) { return this.stages.get(stage)?.options.find((option) => option.name === name); }
+  option(stage, name) { return this.stage(stage)?.options.find((option) => option.name === name); }
 
   value(stage, name, fallback) { return this.option(stage, name)?.value ?? fallback; }
 
   /** Sends options to a stage and keeps their new values; rejects with the option's own error text. */
   async tune(stage, options) {
-    await this.connection.tune(this.name, stage, options);
+    await this.connection.tune(this.name, this.stage(stage)?.name ?? stage, options);
     for (const [name, value] of Object.entries(options)) {
       const option = this.option(stage, name);
       if (option) option.value = value;
