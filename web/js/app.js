@@ -3,7 +3,7 @@
 import { Client } from './client.js';
 import { Connection } from './connection.js';
 import { buildControls, refreshControls, resetHold } from './controls.js';
-import { picture, savePicture, saveText, traceText } from './export.js';
+import { linesText, picture, savePicture, saveText, traceText } from './export.js';
 import { maps, theme, variable } from './palette.js';
 import { SpectrumView } from './spectrumView.js';
 import { TraceView } from './traceView.js';
@@ -14,7 +14,7 @@ url.protocol = url.protocol === 'https:' ? 'wss:' : 'ws:';
 
 const state = {
   clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, interval: 50,
-  connected: false, ended: false, dirty: false, pending: null, fresh: true,
+  connected: false, ended: false, dirty: false, skipped: false, pending: null, fresh: true,
   /** Milliseconds that the last updates took: to parse, to take in, to draw, and from their sending to the end of the drawing. */
   timings: [],
 };
@@ -41,7 +41,8 @@ function select(name) {
     if (error) showError(error);
     state.dirty = true;
   });
-  const colours = {
+  const display = {
+    frequencies: () => state.view.frequencies,
     names: Object.keys(maps),
     map: () => state.view.waterfall.map,
     chooseMap: (map) => {
@@ -50,7 +51,7 @@ function select(name) {
     },
     chooseRange: (range) => state.view.setWaterfallRange(range),
   };
-  buildControls(byId('controls'), client, showError, colours);
+  buildControls(byId('controls'), client, showError, display);
   for (const tab of byId('decks').children) tab.setAttribute('aria-selected', String(tab.dataset.client === name));
   if (state.latest.has(name)) {
     state.view.update(state.latest.get(name).message);
@@ -102,6 +103,7 @@ function draw({ sequence, sent, timing }) {
 }
 
 function update(message, parse) {
+  const lost = message.missed !== state.missed;
   state.missed = message.missed;
   state.received = message.sequence;
   const now = performance.now();
@@ -109,12 +111,16 @@ function update(message, parse) {
     if (state.lastArrival) state.interval += 0.1 * (now - state.lastArrival - state.interval);
     state.lastArrival = now;
   }
-  if (!state.running && state.wanted !== 'step' && state.wanted !== 'single') return;
+  if (!state.running && state.wanted !== 'step' && state.wanted !== 'single') {
+    state.skipped = true;
+    return;
+  }
   state.latest.set(message.client, message);
   if (message.client !== state.current) return;
   ++state.updates;
   const begin = performance.now();
-  state.view.update(message.message);
+  state.view.update(message.message, lost || state.skipped);
+  state.skipped = false;
   state.pending = { ...message, timing: { parse, take: performance.now() - begin } };
   if (state.wanted === 'step' || (state.wanted === 'single' && state.view.complete())) setRunning(false);
 }
@@ -181,8 +187,9 @@ const actions = {
     const pane = state.view?.main;
     if (!pane) return;
     const status = statusText();
-    saveText('wavedeck.csv', traceText(pane, [`deck: ${state.clients.get(state.current).deck}`,
-      ...(status.RBW ? [`RBW: ${status.RBW}`] : [])]));
+    const comments = [`deck: ${state.clients.get(state.current).deck}`, ...(status.RBW ? [`RBW: ${status.RBW}`] : [])];
+    const { waterfall, lineFrequencies, unit } = state.view;
+    saveText('wavedeck.csv', pane.traces.length ? traceText(pane, comments) : linesText(waterfall, lineFrequencies, unit, comments));
   },
   theme: () => {
     document.documentElement.dataset.theme = theme() === 'light' ? 'dark' : 'light';

@@ -49,6 +49,28 @@ const groups = {
   response: [['Measure', [['Peaks', 'peak_finder_filter', 'peakFinderEnabled']]]],
 };
 
+/** Options that count only while another has a certain value: [that option, the value, what stands there otherwise, its value]. */
+const bound = {
+  span: ['frequencySpan', 'span-and-center-frequency', 'full', 'full'],
+  centerFrequency: ['frequencySpan', 'span-and-center-frequency', 'full', 'full'],
+  rbw: ['autoRBW', false, 'automatic', true],
+  level: ['autoLevel', false, 'automatic', true],
+};
+
+/**
+ * What a new value of an option asks for: the option itself and that it counts; of span and centre both, the other as it is
+ * on the display now. An empty field gives up the option.
+ */
+function tuneFor(client, stage, name, value, display) {
+  const [master, needed, , otherwise] = bound[name] ?? [];
+  if (!master || !client.option(stage, master)) return { [name]: value };
+  if (value === '') return { [master]: otherwise };
+  if (client.value(stage, master) === needed) return { [name]: value };
+  const [from, to] = display?.frequencies() ?? [];
+  const now = master === 'frequencySpan' && to > from ? { span: to - from, centerFrequency: (from + to) / 2 } : {};
+  return { ...now, [name]: value, [master]: needed };
+}
+
 const suffixes = { k: 1e3, M: 1e6, G: 1e9, m: 1e-3, u: 1e-6, 'µ': 1e-6, n: 1e-9 };
 
 /** "12.5k" as a number; the text itself where it is none, so that the program can say what is wrong with it. */
@@ -62,39 +84,39 @@ function field(option) {
   if (option.kind === 'logical') {
     const node = document.createElement('input');
     node.type = 'checkbox';
-    show(node, option);
     return { node, read: () => node.checked };
   }
   if (option.words?.length) {
     const node = document.createElement('select');
     node.append(...option.words.map((word) => new Option(word, word)));
-    show(node, option);
     return { node, read: () => node.value };
   }
   const node = document.createElement('input');
-  show(node, option);
   node.inputMode = 'decimal';
   return { node, read: () => parseNumber(node.value) };
 }
 
-function show(node, option) {
+function show(node, option, client) {
+  const [master, needed, otherwise] = bound[option.name] ?? [];
+  const counts = !client.option(node.dataset.stage, master) || client.value(node.dataset.stage, master) === needed;
+  node.placeholder = counts ? '' : otherwise;
   if (option.kind === 'logical') node.checked = Boolean(option.value);
-  else node.value = option.value ?? '';
+  else node.value = counts ? option.value ?? '' : '';
 }
 
 /** Shows the values as they stand now; what is being typed or was rejected stays as it is. */
 export function refreshControls(host, client) {
   for (const node of host.querySelectorAll('[data-option]')) {
     const option = client.option(node.dataset.stage, node.dataset.option);
-    if (option && node !== document.activeElement && !node.classList.contains('rejected')) show(node, option);
+    if (option && node !== document.activeElement && !node.classList.contains('rejected')) show(node, option, client);
   }
 }
 
 /**
- * Fills `host` with the settings of a client. onError(error or null) is told of each tune; colours: of the spectrogram,
- * {names, map(), chooseMap(name), chooseRange([low, high] or null)}.
+ * Fills `host` with the settings of a client. onError(error or null) is told of each tune; display: {frequencies(): those
+ * shown, and the colours of the spectrogram: names, map(), chooseMap(name), chooseRange([low, high] or null)}.
  */
-export function buildControls(host, client, onError, colours) {
+export function buildControls(host, client, onError, display) {
   host.replaceChildren();
   for (const [title, rows] of groups[client.deck] ?? []) {
     const present = rows.filter(([, stage, name]) => client.option(stage, name));
@@ -106,8 +128,9 @@ export function buildControls(host, client, onError, colours) {
       const { node, read } = field(client.option(stage, name));
       node.dataset.option = name;
       node.dataset.stage = stage;
+      show(node, client.option(stage, name), client);
       node.addEventListener('change', () => {
-        client.tune(stage, { [name]: read() }).then(() => {
+        client.tune(stage, tuneFor(client, stage, name, read(), display)).then(() => {
           node.classList.remove('rejected');
           onError(null);
         }, (error) => {
@@ -120,7 +143,7 @@ export function buildControls(host, client, onError, colours) {
       host.append(label);
     }
   }
-  if (client.deck === 'spectrum') addSpectrumExtras(host, client, onError, colours);
+  if (client.deck === 'spectrum') addSpectrumExtras(host, client, onError, display);
 }
 
 function labelled(text, node, id) {
@@ -130,19 +153,19 @@ function labelled(text, node, id) {
   return label;
 }
 
-function addSpectrumExtras(host, client, onError, colours) {
+function addSpectrumExtras(host, client, onError, display) {
   const map = document.createElement('select');
-  map.append(...colours.names.map((name) => new Option(name, name)));
-  map.value = colours.map();
-  map.addEventListener('change', () => colours.chooseMap(map.value));
+  map.append(...display.names.map((name) => new Option(name, name)));
+  map.value = display.map();
+  map.addEventListener('change', () => display.chooseMap(map.value));
   const [low, high] = ['Level from', 'Level to'].map(() => document.createElement('input'));
   for (const node of [low, high]) {
     node.inputMode = 'decimal';
     node.placeholder = 'automatic';
     node.addEventListener('change', () => {
       const range = [low, high].map((field) => parseNumber(field.value));
-      if (range.every(Number.isFinite) && range[1] > range[0]) colours.chooseRange(range);
-      else if (!low.value.trim() && !high.value.trim()) colours.chooseRange(null);
+      if (range.every(Number.isFinite) && range[1] > range[0]) display.chooseRange(range);
+      else if (!low.value.trim() && !high.value.trim()) display.chooseRange(null);
     });
   }
   const reset = document.createElement('button');

@@ -42,4 +42,16 @@ export function traceText(pane, comments) {
   return `${lines.join('\n')}\n`;
 }
 
+/** The lines of a spectrogram, the newest first; each column is a frequency. */
+export function linesText(waterfall, frequencies, unit, comments) {
+  const [low, high] = [frequencies[0], frequencies[frequencies.length - 1]];
+  const columns = Array.from({ length: waterfall.columns }, (_, i) => low + (high - low) * i / Math.max(1, waterfall.columns - 1));
+  const lines = [...comments, `levels in ${unit}`].map((comment) => `# ${comment}`);
+  lines.push(['"Time ago [s]"', ...columns].join(','));
+  waterfall.rows.forEach((row, i) => {
+    lines.push([i * waterfall.increment, ...Array.from(row, (v) => (Number.isNaN(v) ? '' : v))].join(','));
+  });
+  return `${lines.join('\n')}\n`;
+}
+
 export function saveText(name, text) { download(name, new Blob([text], { type: 'text/csv' })); }

@@ -7,6 +7,7 @@ import { theme, traceColour, variable } from './palette.js';
 import { lowerBound, thinned } from './trace.js';
 
 const wheelZoom = 1.2;
+const keyLine = 15;
 
 /** Ticks with one SI prefix for the whole axis, named on the axis label. */
 function scaledTicks(scale, splits) {
@@ -17,7 +18,7 @@ export class Plot {
   /**
    * host     element that the pane fills
    * options  xLabel, xUnit, yLabel, logX (logarithmic x axis), reversedY, background(context, plot): drawn under the traces,
-   *          overlay(context, plot): drawn over them, margin(context, plot): drawn around the picture, padding: room for it, onView(plot): the x range changed, onCursor(plot, x, y)
+   *          overlay(context, plot): drawn over them, margin(context, plot): drawn above the picture, top: room for it, onView(plot): the x range changed, onCursor(plot, x, y)
    */
   constructor(host, options) {
     this.host = host;
@@ -27,6 +28,7 @@ export class Plot {
     this.unit = '';
     this.view = { x: null, y: null };
     this.markers = [];
+    this.labels = [];
     this.chart = null;
     this.resizer = new ResizeObserver(() => this.resize());
     this.resizer.observe(host);
@@ -80,6 +82,7 @@ export class Plot {
       const top = Math.ceil((high + 5) / 10) * 10;
       return [Math.max(Math.floor((low - 5) / 10) * 10, top - 200), top];
     }
+    if (this.unit === '°' && high - low > 180) return [-180, 180];
     const margin = high > low ? 0.06 * (high - low) : Math.max(Math.abs(high) * 0.1, 1e-12);
     return [low - margin, high + margin];
   }
@@ -140,11 +143,18 @@ export class Plot {
     const xAxis = axis(this.options.xLabel, () => this.options.xUnit, () => this.rangeX(), 24);
     if (this.options.logX) {
       xAxis.label = `${this.options.xLabel} / ${this.options.xUnit}`;
-      xAxis.values = (chart, splits) => splits.map((v) => (Number.isInteger(Math.round(Math.log10(v) * 1e6) / 1e6) ? engineering(v) : ''));
+      const decades = Math.log10(this.rangeX()[1] / this.rangeX()[0]);
+      const labelled = decades > 4 ? [1] : decades > 2 ? [1, 3] : [1, 2, 5];
+      xAxis.values = (chart, splits) => splits.map((v) => {
+        const mantissa = v / 10 ** Math.floor(Math.log10(v) + 1e-9);
+        return labelled.includes(Math.round(mantissa * 1e6) / 1e6) ? engineering(v, ' ').replace(/ /g, '') : '';
+      });
     }
+    const yAxis = axis(this.options.yLabel, () => this.unit, () => this.rangeY(), 52);
+    if (this.unit === '°') yAxis.incrs = [1, 2, 5, 10, 15, 30, 45, 90, 180];
     this.chart = new uPlot({
       ...this.size(),
-      padding: this.options.padding ?? [8, 12, 0, 0],
+      padding: [() => Math.max(this.options.top ?? 8, this.keyLines() * keyLine + 8), 12, 0, 0],
       legend: { show: false },
       cursor: {
         drag: { x: true, y: true, uni: 24, setScale: false },
@@ -155,7 +165,7 @@ export class Plot {
         x: { time: false, distr: this.options.logX ? 3 : 1, range: () => this.rangeX() },
         y: { dir: this.options.reversedY ? -1 : 1, range: () => this.rangeY() },
       },
-      axes: [xAxis, axis(this.options.yLabel, () => this.unit, () => this.rangeY(), 52)],
+      axes: [xAxis, yAxis],
       series: [{}, ...this.traces.map((trace, i) => ({
         label: trace.name,
         stroke: trace.colour ?? traceColour(i),
@@ -164,8 +174,9 @@ export class Plot {
         points: { show: false },
       }))],
       hooks: {
-        drawClear: [(chart) => this.clipped(chart, this.options.background)],
+        drawAxes: [(chart) => this.clipped(chart, this.options.background)],
         draw: [(chart) => {
+          this.labels = [];
           this.clipped(chart, (context) => {
             this.options.overlay?.(context, this);
             this.drawMarkers(context);
@@ -199,7 +210,7 @@ export class Plot {
 
   canvasY(value) { return this.chart.valToPos(value, 'y', true); }
 
-  /** A small text on the canvas, kept inside the pane. */
+  /** A small text on the canvas, kept inside the pane and moved up until it covers no other of this picture. */
   label(context, text, x, y, colour) {
     const ratio = window.devicePixelRatio || 1;
     const { bbox } = this.chart;
@@ -208,29 +219,62 @@ export class Plot {
     context.textBaseline = 'alphabetic';
     const width = context.measureText(text).width;
     const left = Math.min(Math.max(x, bbox.left + 3 * ratio), bbox.left + bbox.width - width - 3 * ratio);
-    const top = Math.min(Math.max(y, bbox.top + 12 * ratio), bbox.top + bbox.height - 4 * ratio);
+    const step = 14 * ratio;
+    const lowest = bbox.top + bbox.height - 4 * ratio;
+    let top = Math.min(Math.max(y, bbox.top + 12 * ratio), lowest);
+    const covers = (other) => Math.abs(other.top - top) < step && other.left < left + width + 4 * ratio && left < other.right + 4 * ratio;
+    const direction = top - 3 * step > bbox.top ? -1 : 1;
+    for (let i = 0; i < 8 && this.labels.some(covers); ++i) top += direction * step;
+    this.labels.push({ text, left, right: left + width, top });
     context.fillStyle = theme() === 'light' ? 'rgb(255 255 255 / 75%)' : 'rgb(20 23 28 / 75%)';
     context.fillRect(left - 2 * ratio, top - 10 * ratio, width + 4 * ratio, 13 * ratio);
     context.fillStyle = colour;
     context.fillText(text, left, top);
   }
 
-  /** Names of the traces in their colours, if there are several. */
+  /** Places of the traces' names above the picture, in CSS pixels: [{trace, x, line}]; none for a trace alone. */
+  keyPlaces() {
+    if (this.traces.length < 2) return [];
+    const context = this.keyContext ??= document.createElement('canvas').getContext('2d');
+    context.font = '11px system-ui, "DejaVu Sans", sans-serif';
+    const right = this.size().width - 80;
+    let x = 0;
+    let line = 0;
+    return this.traces.map((trace) => {
+      const width = context.measureText(trace.name).width + 30;
+      if (x > 0 && x + width > right) {
+        x = 0;
+        ++line;
+      }
+      x += width;
+      return { trace, x: x - width, line };
+    });
+  }
+
+  keyLines() { return (this.keyPlaces().at(-1)?.line ?? -1) + 1; }
+
+  /** Names of the traces behind a piece of their lines. */
   drawKey(context) {
-    if (this.traces.length < 2) return;
     const ratio = window.devicePixelRatio || 1;
     const { bbox } = this.chart;
-    let x = bbox.left + 8 * ratio;
-    let y = bbox.top + 14 * ratio;
+    const places = this.keyPlaces();
+    const lines = this.keyLines();
     context.font = `${11 * ratio}px system-ui, "DejaVu Sans", sans-serif`;
-    this.traces.forEach((trace, i) => {
-      const width = context.measureText(trace.name).width + 14 * ratio;
-      if (x > bbox.left + 8 * ratio && x + width > bbox.left + bbox.width) {
-        x = bbox.left + 8 * ratio;
-        y += 15 * ratio;
-      }
-      this.label(context, trace.name, x, y, trace.colour ?? traceColour(i));
-      x += width;
+    context.textBaseline = 'middle';
+    context.textAlign = 'left';
+    places.forEach(({ trace, x, line }, i) => {
+      const left = bbox.left + x * ratio;
+      const middle = bbox.top - ((lines - line) * keyLine - 5) * ratio;
+      context.strokeStyle = trace.colour ?? traceColour(i);
+      context.lineWidth = 2 * ratio;
+      context.setLineDash((trace.dash ?? []).map((v) => v * ratio));
+      context.beginPath();
+      context.moveTo(left, middle);
+      context.lineTo(left + 14 * ratio, middle);
+      context.stroke();
+      context.setLineDash([]);
+      context.fillStyle = variable('--text');
+      context.fillText(trace.name, left + 18 * ratio, middle);
     });
   }
 

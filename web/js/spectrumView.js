@@ -5,7 +5,7 @@ import { traceColour, variable } from './palette.js';
 import { Plot } from './plot.js';
 import { channelStage, SpectrumOverlay, tag } from './spectrumOverlay.js';
 import { channelTable, distortionTable, markerTable, maskTable, peakTable, phaseNoiseTable, table } from './tables.js';
-import { align, positions, samples } from './trace.js';
+import { align, positions, samples, traceName } from './trace.js';
 import { Waterfall } from './waterfall.js';
 
 const estimator = 'spectrum_estimator_filter';
@@ -56,7 +56,7 @@ export class SpectrumView {
 
   frequencyOptions(more) {
     return {
-      xLabel: 'Frequency', xUnit: 'Hz', snap: true,
+      xLabel: 'Frequency', xUnit: 'Hz', snap: true, fullX: () => this.frequencies,
       onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, plot }; this.onChange(); },
       onMarkers: () => this.onChange(),
       onView: (plot) => {
@@ -68,11 +68,11 @@ export class SpectrumView {
     };
   }
 
-  /** Takes a message in: every one counts for the spectrogram, only the newest is drawn. */
-  update(message) {
+  /** Takes a message in: every one counts for the spectrogram, only the newest is drawn. anyLost: some before it never came. */
+  update(message, anyLost = false) {
     this.message = message;
     this.channels = null;
-    if (message.spectrum.showSpectrogram) this.takeLines(message);
+    if (message.spectrum.showSpectrogram) this.takeLines(message, anyLost);
     this.onChange();
   }
 
@@ -80,18 +80,40 @@ export class SpectrumView {
   get channelList() {
     const { signals = [] } = this.message;
     this.channels ??= signals.flatMap((signal, s) => (signal?.channel ?? []).map((channel, c) => ({
-      name: signal.channel.length > 1 || signals.length > 1 ? `signal ${s + 1}, channel ${c + 1}` : 'spectrum',
+      name: traceName(signals, s, c, 'spectrum'),
       x: positions(channel.frequency, channel.frequencyOffset), source: channel, hold: signal.traceHold, index: c,
     })));
     return this.channels;
   }
 
+  /** The span that is asked for, as far as there is data: the program may work out more than that. */
+  get frequencies() {
+    const x = this.message && this.channelList[0]?.x;
+    const all = x?.length ? [x[0], x[x.length - 1]] : this.fullFrequency ?? [0, 1];
+    const value = (name) => Number(this.client.value(estimator, name, NaN));
+    const mode = this.client.value(estimator, 'frequencySpan', 'full');
+    const asked = mode === 'span-and-center-frequency'
+      ? [value('centerFrequency') - value('span') / 2, value('centerFrequency') + value('span') / 2]
+      : mode === 'start-and-stop-frequencies' ? [value('startFrequency'), value('stopFrequency')] : all;
+    const shown = [Math.max(all[0], asked[0]), Math.min(all[1], asked[1])];
+    return shown[1] > shown[0] ? shown : all;
+  }
+
+  /** A span that was newly set takes the place of a zoom. */
+  followSpan() {
+    const span = this.frequencies.join();
+    if (span === this.lastSpan) return;
+    this.lastSpan = span;
+    for (const pane of [this.panes.spectrum, this.panes.waterfall]) if (pane) pane.view.x = null;
+  }
+
   draw() {
-    const { spectrum, phaseNoise } = this.message;
+    const { spectrum } = this.message;
     const channels = this.channelList;
+    this.followSpan();
     if (!spectrum.showSpectrum) this.drop('spectrum'); else if (channels.length) this.updateTraces(channels);
     if (!spectrum.showSpectrogram) this.drop('waterfall'); else if (this.fullFrequency) this.updateWaterfall();
-    this.updatePhaseNoise(phaseNoise);
+    this.updatePhaseNoise();
   }
 
   updateTraces(channels) {
@@ -105,7 +127,7 @@ export class SpectrumView {
         const data = channel.hold?.[`${kind}Hold`]?.[channel.index];
         if (data) {
           traces.push({
-            x: channel.x, name: `${channel.name}, ${kind} hold`, width: 1, hold: true,
+            x: channel.x, name: channels.length > 1 ? `${kind} ${channel.name}` : `${kind} hold`, width: 1, hold: true,
             ...(channels.length > 1 ? { colour: traceColour(i), dash } : { colour: variable(only) }),
             values: samples({ data, NaNIdx: channel.hold[`${kind}HoldNaNIdx`][channel.index] }),
           });
@@ -117,7 +139,7 @@ export class SpectrumView {
   }
 
   /** Adds the message's lines of the chosen channel to the spectrogram. */
-  takeLines(message) {
+  takeLines(message, anyLost) {
     const channels = this.channelList;
     if (!channels.length) return;
     const { spectrum } = message;
@@ -128,16 +150,16 @@ export class SpectrumView {
     if (this.fullFrequency?.[0] !== x[0] || this.fullFrequency[1] !== x[x.length - 1]) this.waterfall.clear();
     this.lineFrequencies = x;
     this.fullFrequency = [x[0], x[x.length - 1]];
-    this.waterfall.add(samples(source), x.length, depth, increment, message.simulation?.simTime);
+    this.waterfall.add(samples(source), x.length, depth, increment, message.simulation?.simTime, anyLost);
     this.seconds = depth * increment;
     if (this.waterfallAuto && (this.waterfallUpdates = (this.waterfallUpdates ?? 0) + 1) % 20 === 2) this.waterfall.autoRange();
   }
 
   updateWaterfall() {
     const pane = this.pane('waterfall', false, this.frequencyOptions({
-      yLabel: 'Time ago', reversedY: true, fullX: () => this.fullFrequency, fullY: () => [0, this.seconds],
+      yLabel: 'Time ago', reversedY: true, fullY: () => [0, this.seconds],
       background: (context, plot) => this.drawWaterfall(context, plot),
-      onLevelWheel: (factor) => this.scaleWaterfall(factor), padding: [26, 12, 0, 0],
+      onLevelWheel: (factor) => this.scaleWaterfall(factor), top: 26,
       margin: (context, plot) => this.drawScale(context, plot),
     }));
     pane.view.y = [0, this.seconds];
@@ -192,8 +214,10 @@ export class SpectrumView {
     context.drawImage(this.waterfall.canvas, left, top, right - left, bottom - top);
   }
 
-  updatePhaseNoise(phaseNoise) {
-    const signal = phaseNoise?.find(Boolean);
+  get phaseNoiseSignal() { return this.message.phaseNoise?.find(Boolean); }
+
+  updatePhaseNoise() {
+    const signal = this.phaseNoiseSignal;
     if (!signal) {
       this.drop('phaseNoise');
       return;
@@ -205,21 +229,23 @@ export class SpectrumView {
     const pane = this.pane('phaseNoise', false, {
       xLabel: 'Offset from the carrier', xUnit: 'Hz', yLabel: 'Phase noise', logX: true,
       onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, plot }; this.onChange(); },
-      overlay: (context, plot) => this.spots(signal).forEach(([offset, value]) => tag(context, plot, offset, value, level(value, 'dBc/Hz'), variable('--warn'))),
+      overlay: (context, plot) => this.spots().forEach(([offset, value]) => tag(context, plot, offset, value, level(value, 'dBc/Hz'), variable('--warn'))),
     });
     const aligned = align(traces);
     pane.setTraces(aligned.x, aligned.traces, 'dBc/Hz');
   }
 
   /** Spot offsets with the value of the first channel. */
-  spots(signal) {
+  spots() {
+    const signal = this.phaseNoiseSignal;
+    if (!signal) return [];
     const values = (signal.spotPhaseNoise?.[0] ?? []).map(figure);
     const offsets = signal.spotFrequencyOffset ?? this.client.value('phase_noise_filter', 'phaseNoiseFrequencyOffset', []);
     return offsets.map((offset, i) => [offset, values[i] ?? NaN]);
   }
 
   figures() {
-    const { measurements = {}, spectrum, phaseNoise } = this.message;
+    const { measurements = {}, spectrum } = this.message;
     const out = [];
     const markers = this.panes.spectrum?.markerReadings() ?? [];
     if (markers.length) out.push(markerTable(markers, 'Hz', this.unit));
@@ -230,9 +256,8 @@ export class SpectrumView {
     if (measurements.channel) out.push(channelTable(measurements.channel, this.unit.replace('/Hz', ''), this.client.value(channelStage, 'channelMeasurementsType')));
     if (measurements.distortion) out.push(distortionTable(measurements.distortion, this.unit, this.client.value('distortion_measurements_filter', 'distortionType')));
     if (measurements.spectralMask) out.push(maskTable(measurements.spectralMask));
-    const signal = phaseNoise?.find(Boolean);
-    if (signal) {
-      const spots = this.spots(signal);
+    const spots = this.spots();
+    if (spots.length) {
       out.push(phaseNoiseTable(spots.map(([offset]) => offset), spots.map(([, value]) => value)));
     }
     out.push(table('Spectrum', [
@@ -270,7 +295,10 @@ export class SpectrumView {
     this.setWaterfallRange(null);
   }
 
-  restyle() { for (const pane of Object.values(this.panes)) if (pane.chart) pane.build(); }
+  restyle() {
+    if (this.message) this.draw();
+    for (const pane of Object.values(this.panes)) if (pane.chart) pane.build();
+  }
 
   destroy() { for (const name of Object.keys(this.panes)) this.drop(name); }
 }

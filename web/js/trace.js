@@ -97,3 +97,10 @@ export function positions(values, offset) {
   if (offset) for (let i = 0; i < x.length; ++i) x[i] += offset;
   return x;
 }
+
+/** What channel c of signal s is called: no more than tells it from the others; `alone` if there are no others. */
+export function traceName(signals, s, c, alone) {
+  const several = signals.filter(Boolean).length > 1;
+  if (several) return signals[s].channel.length > 1 ? `signal ${s + 1}, channel ${c + 1}` : `signal ${s + 1}`;
+  return signals[s].channel.length > 1 ? `channel ${c + 1}` : alone;
+}

@@ -5,7 +5,7 @@ import { variable } from './palette.js';
 import { Plot } from './plot.js';
 import { tag } from './spectrumOverlay.js';
 import { markerTable, peakTable, pulseTable, statisticsTable, triggerTable } from './tables.js';
-import { align, positions, samples } from './trace.js';
+import { align, positions, samples, traceName } from './trace.js';
 
 const triggerStage = 'trigger_filter';
 const responseStage = 'magnitude_phase_response_filter';
@@ -64,7 +64,7 @@ export class TraceView {
     (message.signals ?? []).forEach((signal, s) => (signal?.channel ?? []).forEach((channel, c) => {
       const half = Math.floor(signal.numChannels / 2);
       lists[channel.subplotNum ? 1 : 0].push({
-        name: `signal ${s + 1}, channel ${(channel.subplotNum ? c - half : c) + 1}`,
+        name: traceName(message.signals, s, channel.subplotNum ? c - half : c, 'value'),
         x: this.axis.counted ? Float64Array.from(channel.data, (_, i) => i)
           : positions(channel[this.axis.key], (this.axis.offset ? channel[this.axis.offset] : 0) - this.origin),
         values: samples(channel),
@@ -199,7 +199,10 @@ export class TraceView {
 
   auto() { this.panes.forEach((pane) => pane.autoY()); }
 
-  restyle() { this.panes.forEach((pane) => { if (pane.chart) pane.build(); }); }
+  restyle() {
+    if (this.message) this.draw();
+    this.panes.forEach((pane) => { if (pane.chart) pane.build(); });
+  }
 
   destroy() {
     this.panes.forEach((pane) => {

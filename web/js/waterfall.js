@@ -3,9 +3,6 @@
 import { lookupTable } from './palette.js';
 
 const widest = 2048;
-/** Lines are late by this many, or by so many seconds, before they count as missed. */
-const mostLate = 4;
-const mostLateSeconds = 0.3;
 
 /** Largest of the values that fall into one column; NaN where there is none. */
 function reduce(values, offset, length, row) {
@@ -74,21 +71,21 @@ export class Waterfall {
    * How many lines came since the last ones and never got here: of updates that were missed or held. Counted by the
    * time of the stream from the first line on, since an update comes some time after its lines.
    */
-  missing(count, increment, time) {
+  missing(count, increment, time, anyLost) {
     if (!Number.isFinite(time)) return 0;
     if (this.origin === null || time < this.origin.time) this.origin = { time, lines: 0 };
     else this.origin.lines += count;
     const lost = Math.round((time - this.origin.time) / increment) - this.origin.lines;
-    if (lost <= Math.max(mostLate, mostLateSeconds / increment)) return 0;
+    if (!anyLost || lost <= 0) return 0;
     this.origin.lines += lost;
     return Math.min(lost, this.depth);
   }
 
   /**
    * Adds the lines of one update: `values` holds lines of `length` values, the newest first. Keeps `depth` lines, which
-   * are `increment` seconds apart; time: of the stream, in seconds.
+   * are `increment` seconds apart; time: of the stream, in seconds; anyLost: updates were missed or held before this one.
    */
-  add(values, length, depth, increment, time) {
+  add(values, length, depth, increment, time, anyLost) {
     const columns = Math.min(widest, length);
     if (columns !== this.columns || depth !== this.depth || increment !== this.increment) {
       this.clear();
@@ -99,7 +96,7 @@ export class Waterfall {
       this.canvas.height = Math.max(1, depth);
     }
     const lines = Math.min(depth, Math.floor(values.length / length));
-    const gap = Math.min(this.missing(lines, increment, time), depth - lines);
+    const gap = Math.min(this.missing(lines, increment, time, anyLost), depth - lines);
     const count = lines + gap;
     const recycled = this.rows.splice(Math.max(0, depth - count));
     for (let line = count - 1; line >= 0; --line) {
