@@ -19,14 +19,22 @@ CLI::Option* addText(CLI::App& app, const char* name, std::string& value, const 
 }
 
 void describePlay(CLI::App& app, PlayCommand& play) {
-    app.add_option("INPUT", play.inputs,
-                   "a sound file, raw samples (a file with --format, or - for standard input), or a test signal "
-                   "gen:NAME?key=value&...")
+    app.add_option(
+           "INPUT", play.inputs,
+           "a sound file, a SigMF recording, a CSV table, raw samples (a file with --format or a telling extension, "
+           "or - for standard input), or a test signal gen:NAME?key=value&...")
         ->required();
-    addText(app, "--format", play.inputOptions.format, "raw samples: f32 f64 s16 u8 cf32 cf64 cs16 cs8 cu8", "FORMAT");
-    addText(app, "--rate", play.inputOptions.rate, "raw samples: sample rate", "HZ");
+    addText(app, "--format", play.inputOptions.format,
+            "raw samples: f32 f64 s8 s16 s32 u8 u16 u32, c before it for complex, _be behind it for big-endian; or csv",
+            "FORMAT");
+    addText(app, "--rate", play.inputOptions.rate, "raw samples, tables: sample rate", "HZ");
     addText(app, "--channels", play.inputOptions.channels, "raw samples: channels (1)", "N");
     addText(app, "--scale", play.inputOptions.scale, "multiplies every sample of a file (1)", "FACTOR");
+    app.add_flag("--iq", play.inputOptions.isIq, "sound files, tables: takes pairs of channels as I and Q");
+    addText(app, "--center", play.inputOptions.center, "centre frequency, added to the frequencies shown", "HZ");
+    addText(app, "--seek", play.inputOptions.seek, "begins so far into the inputs", "S");
+    addText(app, "--duration", play.inputOptions.duration, "plays so much of the inputs", "S");
+    app.add_flag("--loop", play.inputOptions.loop, "plays the inputs over and over");
     addRepeated(app, "--deck", play.decks, "time, spectrum, frame, response; by default time and spectrum", "DECK");
     addRepeated(app, "--set", play.settings, "sets an option of the stages; `wavedeck options` lists them",
                 "[STAGE.]NAME=VALUE");
@@ -37,7 +45,9 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addText(app, "--frame", play.frame, "samples of a frame (1024)", "N");
     addText(app, "--updates", play.updates, "updates a second of stream time (20)", "HZ");
     addText(app, "--span-time", play.spanTime, "stretch of time that is shown and measured (5000 samples)", "S");
-    app.add_flag("--realtime", play.realtime, "hands over the samples at their own rate");
+    addText(app, "--speed", play.speed, "1 is real time, 2 twice as fast, max (the default) as fast as it goes",
+            "FACTOR|max");
+    app.add_flag("--realtime", play.realtime, "the same as --speed 1");
     app.add_flag("--blockflow", play.blockflow, "plays the inputs as a block-diagram simulation of whole frames");
     addText(app, "--serve", play.serve,
             "serves the live display in the browser, at 127.0.0.1:8080 unless told otherwise; plays in real time",

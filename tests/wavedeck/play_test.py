@@ -91,6 +91,11 @@ class BadInput(Folder):
             ([tone, "--report", "xml"], "--report: `xml` is neither"),
             ([tone, "--messages", self.folder + "/no/file"], "No such file"),
             ([tone, "--rate", "8k"], "--rate: goes with raw samples"),
+            ([tone, "--iq"], "--iq: goes with sound files and tables"),
+            ([tone, "--speed", "0"], "--speed: 0 is not above 0"),
+            ([tone, "--speed", "2", "--realtime"], "--realtime says the speed already"),
+            ([tone, "--seek", "1"], "--seek: gen:tone?duration=10m ends at 10 ms"),
+            (["-", "--format", "csv"], "standard input: holds no row of numbers"),
             ([tone, "--measure", "channel", "--deck", "time"], "none of the chosen decks measures channel"),
             ([tone, "--deck", "response", "--deck", "time"], "takes one file of coefficients"),
             ([self.path("taps", b"0.5\n\n0.5x\n"), "--deck", "response"], "taps: line 3: expected one coefficient"),
@@ -137,6 +142,31 @@ class Results(Folder):
         # The last frame of channel 0 runs from 3000 to 3999.
         self.assertAlmostEqual(frame["stats"]["mean"], 3499.5 / 32768, delta=1e-15)
         self.assertEqual((frame["stats"]["maximum"], frame["stats"]["maximumPosition"]), (3999 / 32768, 999))
+
+    def test_centre_frequencies_of_a_recording_move_the_axis(self):
+        # A tone of 16 periods in 256 samples at 256 kHz: 16 kHz above the centre; the second capture lies elsewhere.
+        tone = [complex(math.cos(i * math.pi / 8), math.sin(i * math.pi / 8)) for i in range(12000)]
+        self.path("r.sigmf-data", b"".join(struct.pack(">2h", round(16384 * z.real), round(16384 * z.imag))
+                                           for z in tone))
+        captures = [{"core:sample_start": 0, "core:frequency": 100e6}, {"core:sample_start": 5000,
+                                                                      "core:frequency": 433.92e6}]
+        metadata = self.path("r.sigmf-meta", json.dumps({"global": {
+            "core:datatype": "ci16_be", "core:sample_rate": 256e3}, "captures": captures}).encode())
+        for arguments, center in [([], 433.92e6), (["--duration", "15m"], 100e6), (["--set", "frequencyOffset=5k"], 5e3)]:
+            _, report = report_of(metadata, "--deck", "spectrum", *arguments)
+            deck = report["decks"][0]
+            self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], center + 16e3)
+            # Centered spectra of an even number of bins begin one bin above half the rate below the middle.
+            self.assertAlmostEqual(deck["stop"]["value"], center + 128e3, delta=1e-6)
+            self.assertAlmostEqual(deck["start"]["value"], center - 128e3, delta=600)
+        self.assertEqual(report["inputs"][0]["samples"], 12000)
+
+    def test_tables_and_tones_go_at_the_speed_asked_for(self):
+        table = "t,y\n" + "".join(f"{i / 8000:.6f},{i}\n" for i in range(4000))
+        begin = time.monotonic()
+        _, report = report_of("-", "--format", "csv", "--deck", "time", "--speed", "2", input=table.encode())
+        self.assertGreater(time.monotonic() - begin, 0.24)  # 0.5 s of signal
+        self.assertEqual((report["inputs"][0]["rate"]["value"], report["inputs"][0]["maximum"]), (8000.0, 3999))
 
     def test_settings_reach_their_stages(self):
         _, report = report_of("gen:tone?duration=0.1&channels=2&amplitude=2", "--deck", "frame", "--set",

@@ -18,6 +18,7 @@ public:
 
     /// Gives all coefficients at once, however many points are asked for.
     std::size_t read(std::size_t points, std::vector<double>& frame) override;
+    bool seek(std::uint64_t sample) override;
 
 private:
     std::vector<double> coefficients_;

@@ -1,86 +1,129 @@
 #include "RawReader.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
-#include "EngineeringNumber.h"
-#include "StopRequest.h"
-#include "UsageError.h"
+#include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace program {
 
-RawReader::RawReader(const std::string& path, const SampleFormat& format, double rate, int channels, double factor)
-    : format_(format), factor_(factor) {
-    facts_.name = path == "-" ? "standard input" : path;
-    facts_.format = "raw samples, " + std::string(format.meaning);
-    facts_.scale = format.scale;
-    if (factor != 1.0) {
-        facts_.scale += ", times " + formatQuantity(factor, "", 15);
+RawReader::RawReader(std::unique_ptr<ByteSource> source, SampleFormat format, SignalFacts facts,
+                     std::vector<RawRun> runs, std::uint64_t trailingBytes)
+    : source_(std::move(source)), format_(std::move(format)), runs_(std::move(runs)) {
+    facts_ = std::move(facts);
+    facts_.centerFrequency = runs_.front().centerFrequency;
+    facts_.changesCenter = std::any_of(
+        runs_.begin(), runs_.end(), [&](const RawRun& run) { return run.centerFrequency != facts_.centerFrequency; });
+    bytesPerTime_ = format_.bytes * static_cast<std::size_t>(facts_.rows());
+    std::uint64_t headers = 0;
+    for (const auto& run : runs_) {
+        headers += run.headerBytes;
+        runBytes_.push_back(headers + run.firstSample * bytesPerTime_);
     }
-    facts_.sampleRate = rate;
-    facts_.channels = channels;
-    facts_.isComplex = format.isComplex;
-    bytesPerTime_ = format.bytes * static_cast<std::size_t>(facts_.rows());
-
-    descriptor_ = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status {};
-    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) {
-        throw UsageError(facts_.name + ": " + std::strerror(errno));
+    if (const auto size = source_->size()) {
+        const auto end = *size - std::min(trailingBytes, *size);
+        std::uint64_t samples = 0;
+        for (std::size_t run = 0; run < runs_.size() && end > runBytes_[run]; ++run) {
+            const auto bytes = end - runBytes_[run];
+            const auto there = runs_[run].firstSample + bytes / bytesPerTime_;
+            samples = std::min(there, endOf(run));
+            rest_ = there < endOf(run) ? bytes % bytesPerTime_ : 0;
+        }
+        facts_.length = samples;
+        if (runs_.back().firstSample > samples) {
+            note(facts_.name + ": the samples are cut short: a capture begins at sample " +
+                 std::to_string(runs_.back().firstSample) + ", and " + std::to_string(samples) + " are there");
+        }
     }
-    if (S_ISDIR(status.st_mode)) {
-        close(descriptor_);
-        throw UsageError(facts_.name + ": is a directory");
-    }
-    if (S_ISREG(status.st_mode)) {
-        facts_.length = static_cast<std::uint64_t>(status.st_size) / bytesPerTime_;
+    if (runBytes_.front() > 0) {
+        source_->seek(runBytes_.front());
     }
 }
 
-RawReader::~RawReader() {
-    close(descriptor_);
+std::uint64_t RawReader::endOf(std::size_t run) const {
+    return run + 1 < runs_.size() ? runs_[run + 1].firstSample : std::numeric_limits<std::uint64_t>::max();
 }
 
-void RawReader::fill(std::size_t wanted) {
+void RawReader::enterRun() {
+    while (next_ >= endOf(run_)) {
+        ++run_;
+        source_->seek(runBytes_[run_] + (next_ - runs_[run_].firstSample) * bytesPerTime_);
+    }
+}
+
+std::size_t RawReader::readPiece(std::size_t points, std::size_t held) {
+    const auto rows = static_cast<std::size_t>(facts_.rows());
+    auto most = std::min<std::uint64_t>(points, endOf(run_) - next_);
+    if (facts_.length) {
+        most = std::min(most, *facts_.length - std::min(next_, *facts_.length));
+    }
+    const auto wanted = static_cast<std::size_t>(most) * bytesPerTime_;
     if (stored_.size() < wanted) {
         stored_.resize(wanted);
     }
-    while (held_ < wanted && !ended_ && StopRequest::waitReadable(descriptor_)) {
-        const auto got = ::read(descriptor_, stored_.data() + held_, wanted - held_);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got < 0) {
-            throw UsageError(facts_.name + ": " + std::strerror(errno));
-        }
-        ended_ = got == 0;
-        held_ += static_cast<std::size_t>(got);
+    const auto got = source_->read(stored_.data(), wanted);
+    const auto n = got / bytesPerTime_;
+    if (source_->ended() && !facts_.length) {
+        rest_ = got % bytesPerTime_;
     }
+    if (interleaved_.size() < (held + n) * rows) {
+        interleaved_.resize((held + n) * rows);
+    }
+    format_.decode(stored_.data(), n * rows, format_.zero, runs_[run_].factor / format_.fullScale,
+                   interleaved_.data() + held * rows);
+    next_ += n;
+    return n;
 }
 
 std::size_t RawReader::read(std::size_t points, std::vector<double>& frame) {
-    const bool endedBefore = ended_;
-    fill(points * bytesPerTime_);
-    const std::size_t n = held_ / bytesPerTime_;
-    const std::size_t rest = held_ - n * bytesPerTime_;
-    const std::size_t numbers = n * static_cast<std::size_t>(facts_.rows());
-    interleaved_.resize(numbers);
-    format_.decode(stored_.data(), numbers, interleaved_.data());
-    if (factor_ != 1.0) {
-        for (double& value : interleaved_) {
-            value *= factor_;
+    std::size_t n = 0;
+    enterRun();
+    facts_.centerFrequency = runs_[run_].centerFrequency;
+    while (n < points) {
+        const auto got = readPiece(points - n, n);
+        n += got;
+        if (got == 0 || n == points || next_ < endOf(run_)) {
+            break;
+        }
+        enterRun();
+        if (runs_[run_].centerFrequency != facts_.centerFrequency) {
+            break;
         }
     }
     separate(interleaved_.data(), n, facts_, frame);
-    if (ended_ && !endedBefore && rest > 0) {
-        notes_.push_back(facts_.name + ": the last " + std::to_string(rest) + " bytes are part of a sample of " +
-                         std::to_string(bytesPerTime_) + " bytes and are left out");
+    const bool ended = n < points && (source_->ended() || (facts_.length && next_ >= *facts_.length));
+    if (ended && rest_ > 0) {
+        note(facts_.name + ": the last " + std::to_string(rest_) + " bytes are part of a sample of " +
+             std::to_string(bytesPerTime_) + " bytes and are left out");
     }
-    held_ = 0;
     return n;
+}
+
+bool RawReader::seek(std::uint64_t sample) {
+    if (facts_.length) {
+        sample = std::min(sample, *facts_.length);
+    }
+    std::size_t run = 0;
+    while (sample >= endOf(run)) {
+        ++run;
+    }
+    // A position that no file reaches is as good as its end.
+    const auto times = sample - runs_[run].firstSample;
+    constexpr std::uint64_t farthest = std::numeric_limits<std::int64_t>::max();
+    const auto bytes = times > (farthest - runBytes_[run]) / bytesPerTime_ ? farthest : times * bytesPerTime_;
+    if (!source_->seek(std::min(farthest, runBytes_[run] + bytes))) {
+        return false;
+    }
+    next_ = sample;
+    run_ = run;
+    facts_.centerFrequency = runs_[run].centerFrequency;
+    return true;
+}
+
+void RawReader::setCenterFrequency(double frequency) {
+    for (auto& run : runs_) {
+        run.centerFrequency = frequency;
+    }
+    facts_.centerFrequency = frequency;
 }
 
 }  // namespace program

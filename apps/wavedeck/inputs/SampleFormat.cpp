@@ -3,64 +3,158 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "EngineeringNumber.h"
 
 namespace program {
 namespace {
 
 static_assert(std::endian::native == std::endian::little, "raw samples are decoded as the machine stores them");
 
-template <typename Stored>
-void decodeAsIs(const unsigned char* stored, std::size_t count, double* values) {
+template <std::size_t bytes>
+using Bits = std::conditional_t<
+    bytes == 1, std::uint8_t,
+    std::conditional_t<bytes == 2, std::uint16_t, std::conditional_t<bytes == 4, std::uint32_t, std::uint64_t>>>;
+
+template <typename Number>
+Number reversed(Number number) {
+    std::array<unsigned char, sizeof number> bytes{};
+    std::memcpy(bytes.data(), &number, sizeof number);
+    std::reverse(bytes.begin(), bytes.end());
+    std::memcpy(&number, bytes.data(), sizeof number);
+    return number;
+}
+
+template <typename Stored, bool isBigEndian>
+void decode(const unsigned char* stored, std::size_t count, double zero, double factor, double* values) {
     for (std::size_t i = 0; i < count; ++i) {
-        Stored number{};
-        std::memcpy(&number, stored + i * sizeof number, sizeof number);
-        values[i] = static_cast<double>(number);
+        Bits<sizeof(Stored)> bits{};
+        std::memcpy(&bits, stored + i * sizeof bits, sizeof bits);
+        if constexpr (isBigEndian) {
+            bits = reversed(bits);
+        }
+        // The full scale is a power of two: a product with its inverse rounds as little as a quotient.
+        values[i] = (static_cast<double>(std::bit_cast<Stored>(bits)) - zero) * factor;
     }
 }
 
-void decode16(const unsigned char* stored, std::size_t count, double* values) {
-    decodeAsIs<std::int16_t>(stored, count, values);
-    std::transform(values, values + count, values, [](double value) { return value / 32768.0; });
+struct NumberType {
+    std::string_view name;
+    std::string_view meaning;
+    std::size_t bytes;
+    decltype(SampleFormat::decode) littleEndian;
+    decltype(SampleFormat::decode) bigEndian;
+};
+
+template <typename Stored>
+constexpr NumberType numberType(std::string_view name, std::string_view meaning) {
+    return {name, meaning, sizeof(Stored), decode<Stored, false>, decode<Stored, true>};
 }
 
-void decodeSigned8(const unsigned char* stored, std::size_t count, double* values) {
-    decodeAsIs<std::int8_t>(stored, count, values);
-    std::transform(values, values + count, values, [](double value) { return value / 128.0; });
+constexpr std::array<NumberType, 8> numberTypes{
+    numberType<float>("f32", "32-bit float"),
+    numberType<double>("f64", "64-bit float"),
+    numberType<std::int8_t>("s8", "8-bit signed"),
+    numberType<std::int16_t>("s16", "16-bit signed"),
+    numberType<std::int32_t>("s32", "32-bit signed"),
+    numberType<std::uint8_t>("u8", "8-bit unsigned"),
+    numberType<std::uint16_t>("u16", "16-bit unsigned"),
+    numberType<std::uint32_t>("u32", "32-bit unsigned"),
+};
+
+const NumberType* findNumberType(std::string name) {
+    if (name.starts_with('i')) {
+        name.front() = 's';
+    }
+    const auto* found =
+        std::find_if(numberTypes.begin(), numberTypes.end(), [&](const NumberType& type) { return type.name == name; });
+    return found == numberTypes.end() ? nullptr : found;
 }
 
-void decodeUnsigned8(const unsigned char* stored, std::size_t count, double* values) {
-    std::transform(stored, stored + count, values, [](unsigned char number) { return (number - 128.0) / 128.0; });
-}
-
-/// Receivers that deliver unsigned bytes have their zero between 127 and 128.
-void decodeComplexUnsigned8(const unsigned char* stored, std::size_t count, double* values) {
-    std::transform(stored, stored + count, values, [](unsigned char number) { return (number - 127.5) / 128.0; });
-}
-
-constexpr std::array<SampleFormat, 9> formats{{
-    {"f32", "32-bit float", "values as stored", 4, false, decodeAsIs<float>},
-    {"f64", "64-bit float", "values as stored", 8, false, decodeAsIs<double>},
-    {"s16", "16-bit signed", "full scale is 1: number / 32768", 2, false, decode16},
-    {"u8", "8-bit unsigned", "full scale is 1: (number - 128) / 128", 1, false, decodeUnsigned8},
-    {"cf32", "complex 32-bit float", "values as stored", 4, true, decodeAsIs<float>},
-    {"cf64", "complex 64-bit float", "values as stored", 8, true, decodeAsIs<double>},
-    {"cs16", "complex 16-bit signed", "full scale is 1: number / 32768", 2, true, decode16},
-    {"cs8", "complex 8-bit signed", "full scale is 1: number / 128", 1, true, decodeSigned8},
-    {"cu8", "complex 8-bit unsigned", "full scale is 1: (number - 127.5) / 128", 1, true, decodeComplexUnsigned8},
+/// Extensions beside the names of the formats themselves.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> usualExtensions{{
+    {"cfile", "cf32"},
+    {"fc32", "cf32"},
+    {"fc64", "cf64"},
+    {"sc8", "cs8"},
+    {"sc16", "cs16"},
+    {"sc32", "cs32"},
+    {"uc8", "cu8"},
+    {"uc16", "cu16"},
 }};
 
 }  // namespace
 
-const SampleFormat* findSampleFormat(std::string_view name) {
-    const auto* found =
-        std::find_if(formats.begin(), formats.end(), [&](const SampleFormat& format) { return format.name == name; });
-    return found == formats.end() ? nullptr : found;
+std::string SampleFormat::meaning() const {
+    std::string text(isComplex ? "complex " : "");
+    const auto number = name.substr(isComplex || name.starts_with('r') ? 1 : 0);
+    text += findNumberType(number.substr(0, number.find('_')))->meaning;
+    return text + (isBigEndian ? ", big-endian" : "");
+}
+
+std::string SampleFormat::scale() const {
+    if (!isInteger) {
+        return "values as stored";
+    }
+    const auto number = zero == 0.0 ? "number" : "(number - " + formatQuantity(zero, "", 17) + ")";
+    return "full scale is 1: " + number + " / " + formatQuantity(fullScale, "", 17);
+}
+
+std::optional<SampleFormat> findSampleFormat(std::string_view name) {
+    SampleFormat format;
+    format.name = name;
+    format.isComplex = name.starts_with('c');
+    if (name.starts_with('c') || name.starts_with('r')) {
+        name.remove_prefix(1);
+    }
+    format.isBigEndian = name.ends_with("_be");
+    format.namesByteOrder = format.isBigEndian || name.ends_with("_le");
+    if (format.namesByteOrder) {
+        name.remove_suffix(3);
+    }
+    const auto* type = findNumberType(std::string(name));
+    if (type == nullptr) {
+        return std::nullopt;
+    }
+    format.bytes = type->bytes;
+    format.namesByteOrder = format.namesByteOrder || format.bytes == 1;
+    format.decode = format.isBigEndian ? type->bigEndian : type->littleEndian;
+    format.isInteger = type->name.front() != 'f';
+    if (format.isInteger) {
+        format.fullScale = std::ldexp(1.0, static_cast<int>(8 * format.bytes) - 1);
+    }
+    if (type->name.front() == 'u') {
+        // Receivers that deliver unsigned bytes have their zero between 127 and 128.
+        format.zero = format.isComplex && format.bytes == 1 ? 127.5 : format.fullScale;
+    }
+    return format;
+}
+
+std::optional<SampleFormat> findSampleFormatOfFile(const std::string& path) {
+    const auto file = path.substr(path.rfind('/') + 1);
+    const auto dot = file.rfind('.');
+    if (dot == std::string::npos) {
+        return std::nullopt;
+    }
+    auto extension = file.substr(dot + 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    if (extension.starts_with('r')) {
+        return std::nullopt;  // rf64 is a sound file
+    }
+    const auto* usual = std::find_if(usualExtensions.begin(), usualExtensions.end(),
+                                     [&](const auto& entry) { return entry.first == extension; });
+    return findSampleFormat(usual == usualExtensions.end() ? extension : std::string(usual->second));
 }
 
 std::string_view sampleFormatNames() {
-    return "f32 f64 s16 u8 cf32 cf64 cs16 cs8 cu8";
+    return "f32 f64 s8 s16 s32 u8 u16 u32, with c before it for complex samples, with _be behind it for big-endian "
+           "ones; csv";
 }
 
 }  // namespace program

@@ -1,5 +1,7 @@
 #include "SignalReader.h"
 
+#include <algorithm>
+
 namespace program {
 
 void SignalReader::separate(const double* interleaved, std::size_t n, const SignalFacts& facts,
@@ -13,6 +15,12 @@ void SignalReader::separate(const double* interleaved, std::size_t n, const Sign
         for (std::size_t i = 0; i < n; ++i) {
             out[i] = interleaved[i * columns + column];
         }
+    }
+}
+
+void SignalReader::note(const std::string& text) {
+    if (std::find(notes_.begin(), notes_.end(), text) == notes_.end()) {
+        notes_.push_back(text);
     }
 }
 

@@ -17,6 +17,9 @@ struct SignalFacts {
     int channels = 0;                     ///< a complex channel counts once
     bool isComplex = false;               ///< each channel has a real and an imaginary part
     std::optional<std::uint64_t> length;  ///< sample times, when the source knows it
+    double centerFrequency = 0.0;         ///< Hz, of the frame read last, before it of the first: added to frequencies
+    bool changesCenter = false;           ///< centre frequencies differ from part to part
+    std::string recorded = {};            ///< date and time of the first sample, when the source knows it
 
     /// Rows of a frame: one a channel, two a complex channel.
     int rows() const { return isComplex ? 2 * channels : channels; }
@@ -35,8 +38,16 @@ public:
     /// Reads the next frame of at most `points` sample times.
     /// frame  [rows * n] row after row without gaps: one row of n values a channel; of a complex signal the rows of all
     ///        real parts, then the rows of all imaginary parts. Values that are not finite pass as they are.
-    /// returns n; below `points` only where the signal ends or a stop was asked for, 0 behind its end
+    /// returns n; below `points` only where the signal ends, where another centre frequency begins, or when a stop was
+    ///         asked for; 0 behind its end
     virtual std::size_t read(std::size_t points, std::vector<double>& frame) = 0;
+
+    /// Goes to a sample time, counted from the first; behind the end nothing is left to read. Returns false where the
+    /// source cannot go back there.
+    virtual bool seek(std::uint64_t sample) = 0;
+
+    /// Says where in the band the signal lay, for a source that does not tell. Hz
+    virtual void setCenterFrequency(double frequency) { facts_.centerFrequency = frequency; }
 
     /// What could not be used as it stood: samples that the header promises and the file lacks, part of a sample at the
     /// end. One sentence each, complete once the end was reached.
@@ -48,6 +59,9 @@ protected:
     ///              followed by its imaginary part
     static void separate(const double* interleaved, std::size_t n, const SignalFacts& facts,
                          std::vector<double>& frame);
+
+    /// Stores a note once, however often its place is read.
+    void note(const std::string& text);
 
     SignalFacts facts_;
     std::vector<std::string> notes_;

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -63,7 +64,7 @@ void checkReadable(const std::string& path) {
 
 }  // namespace
 
-SoundFileReader::SoundFileReader(const std::string& path, double factor) : factor_(factor) {
+SoundFileReader::SoundFileReader(const std::string& path, double factor, bool isIq) : factor_(factor) {
     checkReadable(path);
     SF_INFO info{};
     file_.reset(sf_open(path.c_str(), SFM_READ, &info));
@@ -86,7 +87,13 @@ SoundFileReader::SoundFileReader(const std::string& path, double factor) : facto
         facts_.scale += ", times " + formatQuantity(factor, "", 15);
     }
     facts_.sampleRate = info.samplerate;
-    facts_.channels = info.channels;
+    if (isIq && info.channels % 2 != 0) {
+        throw UsageError("--iq: " + path + " has " + std::to_string(info.channels) +
+                         (info.channels == 1 ? " channel, which makes no pair" : " channels, which make no pairs"));
+    }
+    facts_.channels = isIq ? info.channels / 2 : info.channels;
+    facts_.isComplex = isIq;
+    isSeekable_ = info.seekable != 0;
     if (info.seekable != 0 && info.frames >= 0) {
         facts_.length = static_cast<std::uint64_t>(info.frames);
     }
@@ -97,7 +104,7 @@ SoundFileReader::SoundFileReader(const std::string& path, double factor) : facto
 }
 
 std::size_t SoundFileReader::read(std::size_t points, std::vector<double>& frame) {
-    const auto channels = static_cast<std::size_t>(facts_.channels);
+    const auto channels = static_cast<std::size_t>(facts_.rows());
     interleaved_.resize(points * channels);
     std::size_t n = 0;
     while (n < points && !ended_ && !StopRequest::requested()) {
@@ -106,7 +113,7 @@ std::size_t SoundFileReader::read(std::size_t points, std::vector<double>& frame
         ended_ = got <= 0;
         n += got > 0 ? static_cast<std::size_t>(got) : 0;
     }
-    samplesRead_ += n;
+    next_ += n;
     if (ended_) {
         noteMissingSamples();
     }
@@ -119,10 +126,31 @@ std::size_t SoundFileReader::read(std::size_t points, std::vector<double>& frame
     return n;
 }
 
+bool SoundFileReader::seek(std::uint64_t sample) {
+    if (facts_.length) {
+        sample = std::min(sample, *facts_.length);
+    }
+    if (isSeekable_) {
+        const auto reached = sf_seek(file_.get(), static_cast<sf_count_t>(sample), SEEK_SET);
+        next_ = reached < 0 ? next_ : static_cast<std::uint64_t>(reached);
+        ended_ = false;
+        return reached >= 0;
+    }
+    if (sample < next_) {
+        return false;
+    }
+    constexpr std::size_t step = 4096;
+    std::vector<double> passed;
+    while (next_ < sample &&
+           read(static_cast<std::size_t>(std::min<std::uint64_t>(step, sample - next_)), passed) > 0) {
+    }
+    return true;
+}
+
 void SoundFileReader::noteMissingSamples() {
-    if (facts_.length && samplesRead_ < *facts_.length && notes_.empty()) {
-        notes_.push_back(facts_.name + ": the file is cut short: " + std::to_string(*facts_.length) +
-                         " samples promised, " + std::to_string(samplesRead_) + " there; what is there is used");
+    if (facts_.length && next_ < *facts_.length && notes_.empty()) {
+        note(facts_.name + ": the file is cut short: " + std::to_string(*facts_.length) + " samples promised, " +
+             std::to_string(next_) + " there; what is there is used");
     }
 }
 

@@ -11,14 +11,16 @@
 namespace program {
 
 /// A sound file of any kind that libsndfile reads. Integer samples are divided by their full scale, floating-point ones
-/// come as stored.
+/// come as stored. Its channels may be taken in pairs, as in-phase and quadrature parts.
 class SoundFileReader final : public SignalReader {
 public:
     /// factor  multiplies every sample, for values in another unit than full scale
-    /// Throws UsageError when the file cannot be opened, is no sound file or holds no channel.
-    SoundFileReader(const std::string& path, double factor);
+    /// isIq    two channels are the real and the imaginary part of one
+    /// Throws UsageError when the file cannot be opened, is no sound file, holds no channel, or none to make a pair.
+    SoundFileReader(const std::string& path, double factor, bool isIq);
 
     std::size_t read(std::size_t points, std::vector<double>& frame) override;
+    bool seek(std::uint64_t sample) override;
 
 private:
     struct Close {
@@ -29,9 +31,11 @@ private:
 
     // options
     double factor_;
+    // derived
+    bool isSeekable_ = false;
     // state
     std::unique_ptr<SNDFILE, Close> file_;
-    std::uint64_t samplesRead_ = 0;
+    std::uint64_t next_ = 0;  ///< sample time
     bool ended_ = false;
     // scratch
     std::vector<double> interleaved_;

@@ -76,4 +76,9 @@ std::size_t TestSignalReader::read(std::size_t points, std::vector<double>& fram
     return n;
 }
 
+bool TestSignalReader::seek(std::uint64_t sample) {
+    next_ = std::min(sample, end_);
+    return true;
+}
+
 }  // namespace program

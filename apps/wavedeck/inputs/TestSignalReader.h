@@ -16,6 +16,7 @@ public:
     explicit TestSignalReader(const std::string& text);
 
     std::size_t read(std::size_t points, std::vector<double>& frame) override;
+    bool seek(std::uint64_t sample) override;
 
 private:
     // options

@@ -1,48 +1,172 @@
 #include "openInput.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
 #include "EngineeringNumber.h"
+#include "ExcerptReader.h"
 #include "RawReader.h"
 #include "SampleFormat.h"
 #include "SoundFileReader.h"
+#include "TableReader.h"
 #include "TestSignalReader.h"
 #include "UsageError.h"
+#include "openSigmf.h"
 
 namespace program {
 namespace {
 
+constexpr std::string_view generated = "gen:";
+constexpr std::string_view tableFormat = "csv";
+
+enum class InputKind { TestSignal, Raw, Table, Sigmf, Sound };
+
+InputKind kindOf(const std::string& input, const InputOptions& options) {
+    if (input.starts_with(generated)) {
+        return InputKind::TestSignal;
+    }
+    if (input == "-" || !options.format.empty()) {
+        return options.format == tableFormat ? InputKind::Table : InputKind::Raw;
+    }
+    if (isSigmf(input)) {
+        return InputKind::Sigmf;
+    }
+    if (input.ends_with(".csv") || input.ends_with(".CSV") || input.ends_with(".tsv")) {
+        return InputKind::Table;
+    }
+    return findSampleFormatOfFile(input) ? InputKind::Raw : InputKind::Sound;
+}
+
+/// The format that was asked for, or else that of the file's extension.
+SampleFormat rawFormat(const std::string& input, const std::string& shown, const std::string& option) {
+    if (option.empty()) {
+        const auto byExtension = input == "-" ? std::nullopt : findSampleFormatOfFile(input);
+        if (!byExtension) {
+            throw UsageError(shown + ": raw samples need --format, one of " + std::string(sampleFormatNames()));
+        }
+        return *byExtension;
+    }
+    const auto format = findSampleFormat(option);
+    if (!format) {
+        throw UsageError("--format: `" + option + "` is none of " + std::string(sampleFormatNames()));
+    }
+    return *format;
+}
+
 std::unique_ptr<SignalReader> openRaw(const std::string& input, const InputOptions& options, double factor) {
     const std::string shown = input == "-" ? "standard input" : input;
-    if (options.format.empty()) {
-        throw UsageError(shown + ": raw samples need --format, one of " + std::string(sampleFormatNames()));
-    }
-    const SampleFormat* format = findSampleFormat(options.format);
-    if (format == nullptr) {
-        throw UsageError("--format: `" + options.format + "` is none of " + std::string(sampleFormatNames()));
-    }
+    const auto format = rawFormat(input, shown, options.format);
     if (options.rate.empty()) {
-        throw UsageError(shown + ": raw samples need --rate HZ");
+        throw UsageError(shown + ": raw samples need --rate HZ" +
+                         (options.format.empty() ? " (its extension says " + format.name + ')' : std::string()));
     }
     constexpr long long mostChannels = 1024;
     const long long channels = options.channels.empty() ? 1 : readWholeNumber("--channels", options.channels, 1);
     if (channels > mostChannels) {
         throw UsageError("--channels: " + options.channels + " is more than " + std::to_string(mostChannels));
     }
-    return std::make_unique<RawReader>(input, *format, readPositiveNumber("--rate", options.rate),
-                                       static_cast<int>(channels), factor);
+    SignalFacts facts;
+    facts.sampleRate = readPositiveNumber("--rate", options.rate);
+    facts.name = shown;
+    facts.format = "raw samples, " + format.meaning();
+    facts.scale = format.scale();
+    if (factor != 1.0) {
+        facts.scale += ", times " + formatQuantity(factor, "", 15);
+    }
+    facts.channels = static_cast<int>(channels);
+    facts.isComplex = format.isComplex;
+    RawRun run;
+    run.factor = factor;
+    return std::make_unique<RawReader>(std::make_unique<ByteSource>(input), format, std::move(facts), std::vector{run});
+}
+
+std::unique_ptr<SignalReader> openTable(const std::string& input, const InputOptions& options, double factor) {
+    TableReader::Options table;
+    if (!options.rate.empty()) {
+        table.rate = readPositiveNumber("--rate", options.rate);
+    }
+    table.isIq = options.isIq;
+    table.factor = factor;
+    return std::make_unique<TableReader>(input, table);
+}
+
+std::unique_ptr<SignalReader> openWhole(const std::string& input, const InputOptions& options) {
+    const double factor = options.scale.empty() ? 1.0 : readPositiveNumber("--scale", options.scale);
+    switch (kindOf(input, options)) {
+        case InputKind::TestSignal:
+            return std::make_unique<TestSignalReader>(input.substr(generated.size()));
+        case InputKind::Raw:
+            return openRaw(input, options, factor);
+        case InputKind::Table:
+            return openTable(input, options, factor);
+        case InputKind::Sigmf:
+            return openSigmf(input, options, factor);
+        case InputKind::Sound:
+            break;
+    }
+    return std::make_unique<SoundFileReader>(input, factor, options.isIq);
+}
+
+double readCenterFrequency(const std::string& text) {
+    const double center = readNumber("--center", text);
+    if (!std::isfinite(center)) {
+        throw UsageError("--center: " + text + " is not finite");
+    }
+    return center;
+}
+
+/// A duration or a place in time: not negative, finite unless it may be without end.
+double readTime(const char* name, const std::string& text, bool mayBeEndless) {
+    const double value = readNumber(name, text);
+    if (!(value >= 0.0) || (value == std::numeric_limits<double>::infinity() && !mayBeEndless)) {
+        throw UsageError(std::string(name) + ": " + text + " is not a time of at least 0 s");
+    }
+    return value;
 }
 
 }  // namespace
 
 std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOptions& options) {
-    const double factor = options.scale.empty() ? 1.0 : readPositiveNumber("--scale", options.scale);
-    constexpr std::string_view generated = "gen:";
-    if (input.starts_with(generated)) {
-        return std::make_unique<TestSignalReader>(input.substr(generated.size()));
+    auto whole = openWhole(input, options);
+    if (!options.center.empty() && kindOf(input, options) != InputKind::Sigmf) {
+        whole->setCenterFrequency(readCenterFrequency(options.center));
     }
-    if (input == "-" || !options.format.empty()) {
-        return openRaw(input, options, factor);
+    if (options.seek.empty() && options.duration.empty() && !options.loop) {
+        return whole;
     }
-    return std::make_unique<SoundFileReader>(input, factor);
+    const double duration = options.duration.empty() ? std::numeric_limits<double>::infinity()
+                                                     : readTime("--duration", options.duration, true);
+    return std::make_unique<ExcerptReader>(std::move(whole), seekTime(options), duration, options.loop);
+}
+
+void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOptions& options) {
+    const auto any = [&](std::initializer_list<InputKind> kinds) {
+        return std::any_of(inputs.begin(), inputs.end(), [&](const std::string& input) {
+            return std::find(kinds.begin(), kinds.end(), kindOf(input, options)) != kinds.end();
+        });
+    };
+    using enum InputKind;
+    if (!any({Raw, Table}) && !options.format.empty()) {
+        throw UsageError("--format: goes with raw samples and tables, and no input is a file or standard input");
+    }
+    if (!any({Raw, Table, Sigmf}) && !options.rate.empty()) {
+        throw UsageError("--rate: goes with raw samples and tables, and no input is raw or a table");
+    }
+    if (!any({Raw}) && !options.channels.empty()) {
+        throw UsageError("--channels: goes with raw samples, and no input is raw");
+    }
+    if (!any({TestSignal, Raw, Table, Sound}) && !options.center.empty()) {
+        throw UsageError("--center: SigMF recordings tell their own centre frequencies");
+    }
+    if (!any({Sound, Table}) && options.isIq) {
+        throw UsageError("--iq: goes with sound files and tables; raw samples have complex formats");
+    }
+}
+
+double seekTime(const InputOptions& options) {
+    return options.seek.empty() ? 0.0 : readTime("--seek", options.seek, false);
 }
 
 }  // namespace program

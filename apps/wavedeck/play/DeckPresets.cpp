@@ -79,14 +79,22 @@ void linkPorts(DeckSettings& settings) {
     }
 }
 
+/// The centre frequency of each signal, once for each of its channels.
+std::vector<double> frequencyOffsets(const SessionFacts& facts) {
+    std::vector<double> offsets;
+    for (std::size_t i = 0; i < facts.signals.size(); ++i) {
+        offsets.resize(channelsOf(facts, i + 1), facts.centerFrequencies[i]);
+    }
+    return offsets;
+}
+
 void presetEstimator(const SessionFacts& facts, double rate, DeckSettings& settings) {
     const auto estimator = estimatorStage(settings);
     const bool anyComplex =
         std::any_of(facts.signals.begin(), facts.signals.end(), [](const auto& signal) { return signal.isComplex; });
     settings.preset(estimator, "sampleRate", asText(rate));
     settings.preset(estimator, "frequencyRange", anyComplex ? "centered" : "one-sided");
-    settings.preset(estimator, "frequencyOffset",
-                    asText(std::vector<double>(channelsOf(facts, facts.signals.size()), 0.0)));
+    settings.preset(estimator, "frequencyOffset", asText(frequencyOffsets(facts)));
     settings.preset(estimator, "inputDataType", join(std::vector<std::string>(facts.signals.size(), "double"), ","));
     settings.preset(estimator, "inputRange", asText(std::vector<double>(facts.signals.size(), facts.fullScale)));
 }
@@ -221,7 +229,10 @@ void applySpectrumPresets(const SessionFacts& session, DeckSettings& settings) {
         settings.preset(peaks, "frequencyLimits", asText(std::vector<double>{range.start, range.stop}));
     }
     if (settings.has(mask, "frequencyLimits")) {
-        settings.preset(mask, "frequencyLimits", asText(std::vector<double>{range.start, range.stop}));
+        // Its masks lie on the frequencies that are shown, offset and all.
+        const auto offset = parseNumber(split(settings.value(estimator, "frequencyOffset"), ',').front()).value_or(0.0);
+        settings.preset(mask, "frequencyLimits",
+                        asText(std::vector<double>{range.start + offset, range.stop + offset}));
     }
     linkChannel(range, rate, settings);
     linkSpots(range, settings);

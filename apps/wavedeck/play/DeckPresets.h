@@ -17,9 +17,11 @@ constexpr double numCachedSamples = 5000.0;
 /// What all decks of a session have in common.
 struct SessionFacts {
     std::vector<wavedeck::driver::SignalFacts> signals;
-    double updatesPerSecond = 20.0;     ///< of stream time
-    std::optional<double> displaySpan;  ///< s
-    double fullScale = 1.0;             ///< of the inputs' samples
+    std::vector<double> centerFrequencies;  ///< Hz, one a signal
+    double startTime = 0.0;                 ///< s, where in the inputs the stream begins
+    double updatesPerSecond = 20.0;         ///< of stream time
+    std::optional<double> displaySpan;      ///< s
+    double fullScale = 1.0;                 ///< of the inputs' samples
 };
 
 /// Marks the inputs that are parameters of the deck's spectra and not data: the last ones, one for each port that is in

@@ -26,6 +26,7 @@ wavedeck::driver::ClientFacts clientFacts(const Deck& deck, const SessionFacts& 
     client.signals = facts.signals;
     client.displaySpan = facts.displaySpan;
     client.updatesPerSecond = facts.updatesPerSecond;
+    client.startTime = facts.startTime;
     return client;
 }
 

@@ -40,6 +40,9 @@ public:
     /// throws for a value of a kind that it does not take; the settings then stay as they were.
     void tune(const std::string& stage, const nlohmann::json& options);
 
+    /// Moves the frequencies shown to other centre frequencies, one a signal, Hz, unless a person has set them.
+    void setCenterFrequencies(const std::vector<double>& frequencies);
+
     /// Measures what the client holds once more, with the settings as they stand.
     void replay();
 
@@ -69,6 +72,7 @@ public:
     bool limitFailed();
 
 private:
+    void apply(DeckSettings next);
     void send(const DeckSettings& settings, const DeckSettings& previous);
     ReportSection reportMeasures();
     void addResponse(ReportSection& section, ReportSection& measures);
@@ -76,7 +80,7 @@ private:
     bool showsSpectra() const;
 
     const Deck& deck_;
-    const SessionFacts facts_;
+    SessionFacts facts_;
     mutable std::mutex mutex_;  ///< guards the settings: browsers tune while the deck reports
     DeckSettings settings_;
     wavedeck::driver::DeckClient client_;

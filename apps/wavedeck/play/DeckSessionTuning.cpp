@@ -1,6 +1,7 @@
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 
 #include "Catalogue.h"
 #include "DeckSession.h"
@@ -38,6 +39,16 @@ void DeckSession::tune(const std::string& stage, const nlohmann::json& options) 
         }
         next.choose(stage, name, *text);
     }
+    apply(std::move(next));
+}
+
+void DeckSession::setCenterFrequencies(const std::vector<double>& frequencies) {
+    const std::lock_guard lock(mutex_);
+    facts_.centerFrequencies = frequencies;
+    apply(settings_);
+}
+
+void DeckSession::apply(DeckSettings next) {
     applyPresets(deck_, facts_, next);
     try {
         send(next, settings_);

@@ -33,6 +33,13 @@ ReportSection InputSummary::report(const SignalFacts& facts) const {
     section.add({"scale", "scale", facts.scale}).add({"rate", "sample rate", facts.sampleRate, "Hz"});
     section.add({"channels", "channels", static_cast<std::uint64_t>(facts.channels)});
     section.add({"complex", "complex", facts.isComplex});
+    if (facts.centerFrequency != 0.0 || facts.changesCenter) {
+        section.add(
+            {"centerFrequency", facts.changesCenter ? "last centre" : "centre frequency", facts.centerFrequency, "Hz"});
+    }
+    if (!facts.recorded.empty()) {
+        section.add({"recorded", "recorded", facts.recorded});
+    }
     section.add({"samples", "samples", samples_});
     section.add({"duration", "duration", static_cast<double>(samples_) / facts.sampleRate, "s"});
     if (finite_ > 0) {

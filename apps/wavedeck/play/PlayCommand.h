@@ -20,6 +20,7 @@ struct PlayCommand {
     std::string spanTime;                ///< s
     bool realtime = false;
     bool blockflow = false;
+    std::string speed;     ///< times real time, or "max"; empty: as fast as it goes, in real time when served
     std::string serve;     ///< [HOST:]PORT; empty: no display
     std::string messages;  ///< file or "-"; empty: none
     std::string report = "text";

@@ -23,23 +23,20 @@ std::uint64_t samplesBefore(std::uint64_t k, std::size_t frameSize, double rate,
         std::floor(static_cast<double>(k) * static_cast<double>(frameSize) * (rate / firstRate)));
 }
 
-/// Refuses what is said of raw samples when no input holds any.
-void refuseIdleOptions(const PlayCommand& command) {
-    const auto& options = command.inputOptions;
-    const bool anyRaw = std::any_of(command.inputs.begin(), command.inputs.end(), [&](const std::string& input) {
-        return input == "-" || (!options.format.empty() && !input.starts_with("gen:"));
-    });
-    for (const auto& [name, text] : {std::pair("--format", &options.format), std::pair("--rate", &options.rate),
-                                     std::pair("--channels", &options.channels)}) {
-        if (!anyRaw && !text->empty()) {
-            throw UsageError(std::string(name) + ": goes with raw samples, and no input is raw");
-        }
+/// Times real time; nothing for as fast as it goes.
+std::optional<double> readSpeed(const PlayCommand& command) {
+    if (command.speed.empty()) {
+        return command.realtime || !command.serve.empty() ? std::optional(1.0) : std::nullopt;
     }
+    if (command.realtime) {
+        throw UsageError("--speed: --realtime says the speed already");
+    }
+    return command.speed == "max" ? std::nullopt : std::optional(readPositiveNumber("--speed", command.speed));
 }
 
 }  // namespace
 
-PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtime) {
+PlaySession::PlaySession(const PlayCommand& command) : speed_(readSpeed(command)) {
     constexpr long long largestFrame = 1LL << 26;
     const auto frame = readWholeNumber("--frame", command.frame, 1);
     if (frame > largestFrame) {
@@ -55,7 +52,6 @@ PlaySession::PlaySession(const PlayCommand& command) : realtime_(command.realtim
         messages_.emplace(command.messages);
     }
     if (!command.serve.empty()) {
-        realtime_ = true;
         live_.emplace(command.serve, decks_);
         std::fprintf(stderr, "serving the display at %s\n", live_->address().c_str());
     }
@@ -65,9 +61,17 @@ void PlaySession::openInputs(const PlayCommand& command) {
     if (std::find(command.decks.begin(), command.decks.end(), "response") != command.decks.end()) {
         openCoefficients(command);
     } else {
-        refuseIdleOptions(command);
+        refuseIdleOptions(command.inputs, command.inputOptions);
         for (const auto& input : command.inputs) {
             inputs_.push_back(openInput(input, command.inputOptions));
+        }
+    }
+    for (const auto& input : inputs_) {
+        centerFrequencies_.push_back(input->facts().centerFrequency);
+        if (input->facts().changesCenter && (inputs_.size() > 1 || command.blockflow)) {
+            throw UsageError(input->facts().name +
+                             ": its captures have several centre frequencies; such a recording "
+                             "is played alone and without --blockflow");
         }
     }
     summaries_.resize(inputs_.size());
@@ -94,6 +98,8 @@ SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
     if (!command.inputOptions.scale.empty()) {
         session.fullScale = readPositiveNumber("--scale", command.inputOptions.scale);
     }
+    session.centerFrequencies = centerFrequencies_;
+    session.startTime = seekTime(command.inputOptions);
     const double firstRate = inputs_.front()->facts().sampleRate;
     for (const auto& input : inputs_) {
         const auto& facts = input->facts();
@@ -167,17 +173,17 @@ void PlaySession::play() {
     ProgressLine progress;
     const auto begin = Clock::now();
     const auto whole = duration();
-    PlanImprovement plans(realtime_ || !whole);
+    PlanImprovement plans(speed_ || !whole);
     while (!readerGone_ && !StopRequest::requested()) {
         if (hasToShow() && !isFrameDue(begin)) {
             show();
-        } else if (!readFrame() || (realtime_ && !sleepUntilDue(frames_, begin))) {
+        } else if (!readFrame() || (speed_ && !StopRequest::sleepUntil(dueTime(samples_, begin)))) {
             break;
         } else {
             feed();
         }
         plans.step();
-        progress.show(decks_.front()->client().streamTime(), whole);
+        progress.show(static_cast<double>(samples_) / inputs_.front()->facts().sampleRate, whole);
     }
     for (const auto& deck : decks_) {
         deck->endInput();
@@ -201,7 +207,7 @@ bool PlaySession::hasToShow() const {
 bool PlaySession::isFrameDue(Clock::time_point begin) const {
     // Without a clock to keep up with, a simulation waits for its display.
     const bool anyHeld = std::any_of(decks_.begin(), decks_.end(), [](const auto& deck) { return deck->isHeld(); });
-    return realtime_ && !anyHeld && Clock::now() >= dueTime(frames_ + 1, begin);
+    return speed_ && !anyHeld && Clock::now() >= dueTime(samples_ + frameSize_, begin);
 }
 
 void PlaySession::show() {
@@ -236,10 +242,26 @@ bool PlaySession::readFrame() {
                             samplesBefore(frames_, frameSize_, rate, firstRate);
         const auto samples = inputs_[i]->read(wanted, frame_[i]);
         summaries_[i].add(frame_[i], samples);
+        samples_ += i == 0 ? samples : 0;
         any = any || samples > 0;
     }
     ++frames_;
+    followCenterFrequencies();
     return any;
+}
+
+void PlaySession::followCenterFrequencies() {
+    bool changed = false;
+    for (std::size_t i = 0; i < inputs_.size(); ++i) {
+        const double now = inputs_[i]->facts().centerFrequency;
+        changed = changed || now != centerFrequencies_[i];
+        centerFrequencies_[i] = now;
+    }
+    for (std::size_t i = 0; changed && i < decks_.size(); ++i) {
+        // What was measured at the old frequencies goes out with them.
+        send(*decks_[i]);
+        decks_[i]->setCenterFrequencies(centerFrequencies_);
+    }
 }
 
 void PlaySession::feed() {
@@ -273,14 +295,12 @@ void PlaySession::send(DeckSession& deck) {
     }
 }
 
-PlaySession::Clock::time_point PlaySession::dueTime(std::uint64_t frames, Clock::time_point begin) const {
-    const double streamTime =
-        static_cast<double>(frames) * static_cast<double>(frameSize_) / inputs_.front()->facts().sampleRate;
-    return begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(streamTime));
-}
-
-bool PlaySession::sleepUntilDue(std::uint64_t frames, Clock::time_point begin) const {
-    return StopRequest::sleepUntil(dueTime(frames, begin));
+PlaySession::Clock::time_point PlaySession::dueTime(std::uint64_t samples, Clock::time_point begin) const {
+    const double seconds = static_cast<double>(samples) / inputs_.front()->facts().sampleRate / *speed_;
+    // Slow speeds reach farther than the clock counts.
+    constexpr double farthest = 1e9;
+    return begin +
+           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::min(seconds, farthest)));
 }
 
 std::optional<double> PlaySession::duration() const {

@@ -45,6 +45,8 @@ private:
     void warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
+    /// Moves the decks to the centre frequencies of the frame in hand.
+    void followCenterFrequencies();
     /// Hands the frame in hand to every deck and sends what is due.
     void feed();
     /// Whether a simulation has stepped farther than its display was shown.
@@ -57,15 +59,13 @@ private:
     void send(DeckSession& deck);
     /// Keeps the display up after the end of the input until a stop is asked for.
     void serveOn();
-    /// When so many frames are over at their own rate.
-    Clock::time_point dueTime(std::uint64_t frames, Clock::time_point begin) const;
-    /// False when a stop is asked for.
-    bool sleepUntilDue(std::uint64_t frames, Clock::time_point begin) const;
+    /// When so many samples of the first input are over at the speed that was asked for.
+    Clock::time_point dueTime(std::uint64_t samples, Clock::time_point begin) const;
     std::optional<double> duration() const;
 
     // options
-    std::size_t frameSize_ = 0;  ///< samples of the first input
-    bool realtime_ = false;
+    std::size_t frameSize_ = 0;    ///< samples of the first input
+    std::optional<double> speed_;  ///< times real time; none: as fast as it goes
     // state
     std::vector<std::unique_ptr<SignalReader>> inputs_;
     std::vector<InputSummary> summaries_;
@@ -74,6 +74,8 @@ private:
     std::optional<LiveDecks> live_;  ///< behind the decks: its threads tune them
     bool readerGone_ = false;
     std::uint64_t frames_ = 0;
+    std::uint64_t samples_ = 0;              ///< of the first input
+    std::vector<double> centerFrequencies_;  ///< Hz, of the frame in hand, one a signal
     std::vector<std::string> warnings_;
     // scratch
     std::vector<std::vector<double>> frame_;

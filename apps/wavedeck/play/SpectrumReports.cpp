@@ -85,8 +85,9 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
     const auto estimator = estimatorStage(settings);
     const bool automatic = settings.value(estimator, "autoRBW") == "true";
     section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed});
-    section.add({"start", "from", record->frequencyVector.front(), "Hz"});
-    section.add({"stop", "to", record->frequencyVector.back(), "Hz"});
+    const double offset = record->frequencyOffset.empty() ? 0.0 : record->frequencyOffset.front();
+    section.add({"start", "from", record->frequencyVector.front() + offset, "Hz"});
+    section.add({"stop", "to", record->frequencyVector.back() + offset, "Hz"});
     section.add({"span", "span", record->frequencyVector.back() - record->frequencyVector.front(), "Hz"});
     section.add({"type", "type", settings.value(estimator, "spectrumType")});
     section.add({"units", "unit", levelUnit(settings)});

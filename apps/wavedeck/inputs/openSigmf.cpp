@@ -1,0 +1,145 @@
+#include "openSigmf.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "EngineeringNumber.h"
+#include "RawReader.h"
+#include "SigmfMetadata.h"
+#include "TarArchive.h"
+#include "UsageError.h"
+
+namespace program {
+namespace {
+
+constexpr std::string_view metadataExtension = ".sigmf-meta";
+constexpr std::string_view datasetExtension = ".sigmf-data";
+constexpr std::string_view archiveExtension = ".sigmf";
+constexpr std::string_view collectionExtension = ".sigmf-collection";
+
+std::string withoutExtension(const std::string& path, std::string_view extension) {
+    return path.substr(0, path.size() - extension.size());
+}
+
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+/// The name of the metadata for messages.
+std::string metadataName(const std::string& input) {
+    return input.ends_with(datasetExtension)
+               ? withoutExtension(input, datasetExtension) + std::string(metadataExtension)
+               : input;
+}
+
+std::string readText(const std::string& path, std::uint64_t position, std::optional<std::uint64_t> bytes) {
+    ByteSource source(path);
+    constexpr std::size_t most = std::size_t{256} << 20U;
+    const auto size = bytes.value_or(source.size().value_or(0));
+    if (size > most) {
+        throw UsageError(path + ": the metadata are larger than " + std::to_string(most >> 20U) + " MiB");
+    }
+    source.seek(position);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    text.resize(source.read(reinterpret_cast<unsigned char*>(text.data()), text.size()));
+    return text;
+}
+
+/// The first file of an archive with the extension.
+TarEntry findEntry(const std::string& archive, std::string_view extension) {
+    const auto entries = listTarArchive(archive);
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [&](const TarEntry& entry) { return entry.name.ends_with(extension); });
+    if (found == entries.end()) {
+        throw UsageError(archive + ": the archive holds no file *" + std::string(extension));
+    }
+    return *found;
+}
+
+/// Where the samples lie.
+struct Dataset {
+    std::unique_ptr<ByteSource> source;
+    std::uint64_t leadingBytes = 0;
+    std::uint64_t trailingBytes = 0;
+};
+
+Dataset openDataset(const std::string& input, const SigmfMetadata& metadata) {
+    if (input.ends_with(archiveExtension)) {
+        const auto entry = findEntry(input, datasetExtension);
+        auto source = std::make_unique<ByteSource>(input);
+        const auto behind = source->size().value_or(0) - entry.position - entry.bytes;
+        return {std::move(source), entry.position, behind};
+    }
+    if (input.ends_with(datasetExtension)) {
+        return {std::make_unique<ByteSource>(input)};
+    }
+    auto path = withoutExtension(input, metadataExtension) + std::string(datasetExtension);
+    if (!metadata.dataset.empty()) {
+        if (metadata.dataset.find('/') != std::string::npos) {
+            throw UsageError(input + ": global.core:dataset: `" + metadata.dataset +
+                             "` is not the name of a file alone");
+        }
+        path = folderOf(input) + metadata.dataset;
+    }
+    if (metadata.isWithoutData) {
+        throw UsageError(input + ": global.core:metadata_only: the recording has no samples");
+    }
+    return {std::make_unique<ByteSource>(path)};
+}
+
+double sampleRate(const std::string& input, const SigmfMetadata& metadata, const std::string& option) {
+    if (metadata.sampleRate && !option.empty()) {
+        throw UsageError("--rate: " + input + " has a rate of its own, " + formatQuantity(*metadata.sampleRate, "Hz"));
+    }
+    if (!metadata.sampleRate && option.empty()) {
+        throw UsageError(input + ": global.core:sample_rate: is missing; --rate HZ gives it");
+    }
+    return metadata.sampleRate ? *metadata.sampleRate : readPositiveNumber("--rate", option);
+}
+
+}  // namespace
+
+bool isSigmf(const std::string& input) {
+    return input.ends_with(metadataExtension) || input.ends_with(datasetExtension) ||
+           input.ends_with(archiveExtension) || input.ends_with(collectionExtension);
+}
+
+std::string readSigmfText(const std::string& input) {
+    if (input.ends_with(archiveExtension)) {
+        const auto entry = findEntry(input, metadataExtension);
+        return readText(input, entry.position, entry.bytes);
+    }
+    return readText(metadataName(input), 0, std::nullopt);
+}
+
+std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOptions& options, double factor) {
+    const auto name = metadataName(input);
+    auto metadata = readSigmfMetadata(name, parseSigmfText(name, readSigmfText(input)));
+    auto dataset = openDataset(input, metadata);
+    SignalFacts facts;
+    facts.name = input;
+    facts.format = "SigMF, " + metadata.format.meaning();
+    facts.scale = metadata.format.scale();
+    facts.sampleRate = sampleRate(name, metadata, options.rate);
+    facts.channels = metadata.channels;
+    facts.isComplex = metadata.format.isComplex;
+    facts.recorded = metadata.recorded;
+    if (std::any_of(metadata.runs.begin(), metadata.runs.end(), [](const RawRun& run) { return run.factor != 1.0; })) {
+        facts.scale = "acquisition scale factor " +
+                      formatQuantity(metadata.runs.front().factor / metadata.format.fullScale, "", 15) +
+                      (metadata.runs.size() > 1 ? " of the first capture" : "");
+    }
+    if (factor != 1.0) {
+        facts.scale += ", times " + formatQuantity(factor, "", 15);
+    }
+    for (auto& run : metadata.runs) {
+        run.factor *= factor;
+    }
+    metadata.runs.front().headerBytes += dataset.leadingBytes;
+    return std::make_unique<RawReader>(std::move(dataset.source), metadata.format, std::move(facts),
+                                       std::move(metadata.runs), metadata.trailingBytes + dataset.trailingBytes);
+}
+
+}  // namespace program

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "openInput.h"
+
+namespace program {
+
+/// Whether an INPUT names a SigMF recording: by the extension of its metadata, its dataset, its archive or a
+/// collection.
+bool isSigmf(const std::string& input);
+
+/// Opens a SigMF recording by any of its files. The metadata tell type, rate, channels and what each capture has of
+/// its own; their samples lie side by side, or where the metadata or the archive say. Throws UsageError.
+std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOptions& options, double factor);
+
+/// The text of a recording's metadata: of the file itself, of the one beside a dataset, of the one in an archive.
+std::string readSigmfText(const std::string& input);
+
+}  // namespace program

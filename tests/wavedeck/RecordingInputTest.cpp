@@ -1,0 +1,338 @@
+// SigMF recordings, tables, sound files above 4 GiB, and parts of all kinds of input.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "FileInput.h"
+#include "openInput.h"
+
+namespace {
+
+using program::InputOptions;
+using program::SignalReader;
+
+/// All values of a reader's first row, in frames of a size that fits nothing.
+std::vector<double> firstRow(SignalReader& reader, std::size_t most = 1000) {
+    std::vector<double> row;
+    std::vector<double> frame;
+    while (row.size() < most) {
+        const auto n = reader.read(std::min<std::size_t>(7, most - row.size()), frame);
+        if (n == 0) {
+            break;
+        }
+        row.insert(row.end(), frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(n));
+    }
+    return row;
+}
+
+class Recording : public FileInput {
+protected:
+    std::string sigmf(const std::string& name, const std::string& global, const std::string& captures,
+                      const std::string& samples) const {
+        write(name + ".sigmf-data", samples);
+        return write(name + ".sigmf-meta", "{\"global\":{" + global + "},\"captures\":[" + captures + "]}");
+    }
+};
+
+/// The bytes of an integer of so many bytes, or of a float, as a datatype of SigMF has them.
+std::string stored(const std::string& type, double number) {
+    std::string bytes;
+    const auto put = [&](auto value) { bytes.assign(reinterpret_cast<const char*>(&value), sizeof value); };
+    if (type.starts_with("f64")) {
+        put(number);
+    } else if (type.starts_with('f')) {
+        put(static_cast<float>(number));
+    } else {
+        put(static_cast<std::int64_t>(number));
+        bytes.resize(static_cast<std::size_t>(std::stoi(type.substr(1)) / 8));
+    }
+    return type.ends_with("_be") ? std::string(bytes.rbegin(), bytes.rend()) : bytes;
+}
+
+TEST_F(Recording, EveryDatatypeOfSigmfDecodes) {
+    // Zero and full scale of each: floats come as stored, unsigned bytes of complex samples have no step at zero.
+    const std::tuple<const char*, double, double> types[] = {
+        {"f32", 0, 1},         {"f64", 0, 1},   {"i32", 0, 2147483648.0},
+        {"i16", 0, 32768},     {"i8", 0, 128},  {"u32", 2147483648.0, 2147483648.0},
+        {"u16", 32768, 32768}, {"u8", 128, 128}};
+    for (const auto& [name, zero, fullScale] : types) {
+        for (const std::string order : {"_le", "_be", ""}) {
+            const auto type = name + order;
+            for (const bool isComplex : {false, true}) {
+                const auto datatype = std::string(isComplex ? "c" : "r").append(type);
+                const auto path = sigmf("t", "\"core:datatype\":\"" + datatype + R"(","core:sample_rate":5)", "",
+                                        stored(type, zero + 3) + stored(type, zero + 5));
+                if (order.empty() && std::string(name).find('8') == std::string::npos) {
+                    EXPECT_NE(errorOf(path, {}).find("order of the bytes"), std::string::npos) << datatype;
+                    continue;
+                }
+                const auto reader = program::openInput(path, {});
+                std::vector<double> frame;
+                EXPECT_EQ(reader->read(4, frame), isComplex ? 1U : 2U) << datatype;
+                const double shift = datatype.starts_with("cu8") ? 0.5 : 0.0;
+                EXPECT_EQ(frame, (std::vector<double>{(3 + shift) / fullScale, (5 + shift) / fullScale})) << datatype;
+            }
+        }
+    }
+}
+
+TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
+    // Two channels; indices count from 100; three captures, the second of the first one's frequency, and 3 bytes
+    // behind.
+    const auto samples = bytesOf<std::int8_t>({9, 9, 1, -1, 2, -2, 9, 3, -3, 4, -4, 5, -5, 6, -6, 9, 9, 9});
+    const std::string global =
+        R"("core:datatype":"ri8","core:sample_rate":5,"core:num_channels":2,"core:offset":100,"core:trailing_bytes":3)";
+    const std::string captures =
+        R"({"core:sample_start":100,"core:header_bytes":2,"core:frequency":1e6,"core:datetime":"2026-01-02T00:00:00Z"},
+           {"core:sample_start":102,"core:header_bytes":1,"core:frequency":1e6,"capture_details:acq_scale_factor":0.5},
+           {"core:sample_start":104,"core:frequency":2e6,"capture_details:acq_scale_factor":0.25}])";
+    const auto path = sigmf("c", global, captures.substr(0, captures.size() - 1), samples);
+    const auto dataset = path.substr(0, path.size() - 4) + "data";
+    const auto archive = folder() + "c.sigmf";
+    ASSERT_EQ(std::system(("tar -C " + folder() + " -cf " + archive + " c.sigmf-meta c.sigmf-data").c_str()), 0);
+    for (const auto& input : {path, dataset, archive}) {
+        const auto reader = program::openInput(input, {});
+        EXPECT_EQ(reader->facts().length, 6U) << input;
+        EXPECT_EQ(reader->facts().recorded, "2026-01-02T00:00:00Z");
+        std::vector<double> frame;
+        EXPECT_EQ(reader->read(100, frame), 4U) << "the frame ends with its centre frequency";
+        EXPECT_EQ(reader->facts().centerFrequency, 1e6);
+        EXPECT_EQ(frame, (std::vector<double>{1 / 128., 2 / 128., 1.5, 2, -1 / 128., -2 / 128., -1.5, -2}));
+        EXPECT_EQ(reader->read(100, frame), 2U);
+        EXPECT_EQ(reader->facts().centerFrequency, 2e6);
+        EXPECT_EQ(frame, (std::vector<double>{1.25, 1.5, -1.25, -1.5}));
+        EXPECT_EQ(reader->read(100, frame), 0U);
+        EXPECT_TRUE(reader->notes().empty());
+    }
+    // Around and around: no frame mixes two frequencies, and none is lost.
+    InputOptions loop;
+    loop.loop = true;
+    loop.seek = "0.6";
+    const auto reader = program::openInput(path, loop);
+    std::vector<double> frame;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(reader->read(3, frame), 1U);
+        EXPECT_EQ(frame, (std::vector<double>{2, -2}));
+        EXPECT_EQ(reader->facts().centerFrequency, 1e6);
+        EXPECT_EQ(reader->read(3, frame), 2U);
+        EXPECT_EQ(frame, (std::vector<double>{1.25, 1.5, -1.25, -1.5}));
+        EXPECT_EQ(reader->facts().centerFrequency, 2e6);
+    }
+}
+
+TEST_F(Recording, BadMetadataAreRefusedByField) {
+    const std::string good = R"("core:datatype":"ci8","core:sample_rate":5)";
+    const std::tuple<std::string, std::string, const char*> rows[] = {
+        {R"("core:sample_rate":5)", "", "global.core:datatype: is missing"},
+        {R"("core:datatype":"cs8","core:sample_rate":5)", "", "`cs8` is no datatype"},
+        {R"("core:datatype":"i8","core:sample_rate":5)", "", "`i8` is no datatype"},
+        {R"("core:datatype":7)", "", "global.core:datatype: is no text"},
+        {R"("core:datatype":"ci8")", "", "core:sample_rate: is missing; --rate HZ"},
+        {R"("core:datatype":"ci8","core:sample_rate":-1)", "", "core:sample_rate: is not above 0"},
+        {good + R"(,"core:num_channels":0)", "", "core:num_channels: is not within 1 to 1024"},
+        {good + R"(,"core:num_channels":1.5)", "", "core:num_channels: is no whole number"},
+        {good + R"(,"core:dataset":"../x")", "", "core:dataset: `../x` is not the name of a file alone"},
+        {good + R"(,"core:dataset":"none.bin")", "", "none.bin: No such file"},
+        {good + R"(,"core:metadata_only":true)", "", "the recording has no samples"},
+        {good, "7", "captures[0]: is no object"},
+        {good, R"({"core:sample_start":-1})", "captures[0].core:sample_start: is no whole number"},
+        {good, R"({"core:sample_start":9},{"core:sample_start":8})", "captures[1].core:sample_start: lies before"},
+        {good + R"(,"core:offset":5)", R"({"core:sample_start":4})", "lies before the first sample"},
+        {good, R"({},{"core:frequency":"1 MHz"})", "captures[1].core:frequency: is no number"},
+        {good, R"({"core:header_bytes":9007199254740992},{"core:header_bytes":9})", "larger than any file"},
+        {good + "]", "", "no JSON: line 1, column"},
+    };
+    for (const auto& [global, captures, expected] : rows) {
+        const auto error = errorOf(sigmf("bad", global, captures, "1234"), {});
+        EXPECT_NE(error.find(expected), std::string::npos) << expected << " in: " << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+    }
+    EXPECT_NE(errorOf(write("x.sigmf-meta", "[]"), {}).find("metadata: is no object"), std::string::npos);
+    EXPECT_NE(errorOf(write("x.sigmf-collection", R"({"collection":{}})"), {}).find("a collection"), std::string::npos);
+    EXPECT_NE(errorOf(write("x.sigmf", std::string(512, 'x')), {}).find("no tar archive"), std::string::npos);
+    EXPECT_NE(errorOf(folder() + "no.sigmf-data", {}).find("no.sigmf-meta: No such file"), std::string::npos);
+    // A capture behind the last sample.
+    const auto reader = program::openInput(sigmf("short", good, R"({},{"core:sample_start":50})", "1234"), {});
+    EXPECT_EQ(firstRow(*reader).size(), 2U);
+    ASSERT_EQ(reader->notes().size(), 1U);
+    EXPECT_NE(reader->notes()[0].find("cut short"), std::string::npos);
+}
+
+TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
+    const double nan = std::nan("");
+    std::string rounded = "Time (ms);U;I\n";  // six digits of times at 44.1 kHz, a decimal comma
+    for (int i = 0; i < 5000; ++i) {
+        auto row = std::to_string(i / 44.1) + ';' + std::to_string(i) + ";0,5\r\n";
+        row[row.find('.')] = ',';
+        rounded += row;
+    }
+    const InputOptions at5{"", "5"};
+    const std::tuple<std::string, InputOptions, double, int, std::vector<double>> rows[] = {
+        {"0,1\n0.5,2\n1.0,3\n", {}, 2, 1, {1, 2, 3}},
+        {"0,1\n0.5,2\n1.0,3", at5, 5, 2, {0, 0.5, 1}},
+        {"# made by hand\n\ntime,a,\"b, c\"\n0,1,4\n3e-6,,5\n6e-6,3,6\n", {}, 1 / 3e-6, 2, {1, nan, 3}},
+        {"\xEF\xBB\xBFt [us]\ty\n0\t1\n1\tinf\n", {}, 1e6, 1, {1, INFINITY}},
+        {"1 2\n 3 \t4\n", at5, 5, 2, {1, 3}},
+        {"Model,X1\nSample Interval,4e-9\nTIME,CH1\n-4e-09,1\n0,2\n4e-09,3\n", {}, 250e6, 1, {1, 2, 3}},
+        {"volts\n1\n+2\n", at5, 5, 1, {1, 2}},
+        {rounded, {}, 44100, 2, {0, 1, 2, 3}},
+    };
+    for (const auto& [text, options, rate, channels, values] : rows) {
+        const auto reader = program::openInput(write("table.csv", text), options);
+        EXPECT_DOUBLE_EQ(reader->facts().sampleRate, rate) << text.substr(0, 50);
+        EXPECT_EQ(reader->facts().channels, channels) << text.substr(0, 50);
+        const auto row = firstRow(*reader, values.size());
+        ASSERT_EQ(row.size(), values.size());
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            EXPECT_TRUE(row[i] == values[i] || (std::isnan(row[i]) && std::isnan(values[i]))) << row[i];
+        }
+    }
+    InputOptions pairs = at5;
+    pairs.isIq = true;
+    pairs.scale = "2";
+    const auto reader = program::openInput(write("iq.csv", "I,Q\n1,2\n3,4\n"), pairs);
+    std::vector<double> frame;
+    EXPECT_EQ(reader->read(9, frame), 2U);
+    EXPECT_EQ(frame, (std::vector<double>{2, 6, 4, 8}));
+    EXPECT_TRUE(reader->facts().isComplex);
+}
+
+TEST_F(Recording, BadTablesAreRefusedByLine) {
+    const InputOptions at5{"", "5"};
+    std::string gap = "t,y\n";  // one step is missing behind the rows from which the rate follows
+    for (int i = 0; i < 5000; ++i) {
+        gap += std::to_string(i + (i > 4500 ? 1 : 0)) + ",1\n";
+    }
+    const std::tuple<std::string, InputOptions, const char*> rows[] = {
+        {"", at5, "holds no row of numbers"},
+        {"a,b\nc,d\n", at5, "holds no row of numbers"},
+        {"1,2\n3\n", at5, "line 2: has 1 cells, and the rows above have 2"},
+        {"1,2\n3,x\n", at5, "line 2: expected numbers, found `3,x`"},
+        {"1,2\n\n3,4,5\n", at5, "line 3: has 3 cells"},
+        {"1\n2\n", {}, "line 1: one column, the times, and no values"},
+        {"freq,y\n1,2\n2,3\n", {}, "`freq`, is not called time"},
+        {"t (furlongs),y\n1,2\n2,3\n", {}, "not called time in a known unit"},
+        {"t,y\n0,1\n1,1\n3,1\n", {}, "don't rise by equal steps"},
+        {"t,y\n1,1\n", {}, "don't rise by equal steps in the first 1 rows"},
+        {gap, {}, "line 4503: the time 4502 does not follow"},
+        {std::string("1,2\n\0,3\n", 8), at5, "line 2: holds bytes that are no text"},
+        {std::string(3 << 20, '1'), at5, "line 1: is longer than"},
+    };
+    for (const auto& [text, options, expected] : rows) {
+        const auto path = write("bad.csv", text);
+        auto error = errorOf(path, options);
+        if (error == "no error") {
+            try {
+                firstRow(*program::openInput(path, options), 10000);
+            } catch (const program::UsageError& thrown) {
+                error = thrown.what();
+            }
+        }
+        EXPECT_NE(error.find(expected), std::string::npos) << expected << " in: " << error;
+        EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+    }
+    const auto cut = program::openInput(write("cut.csv", "1,2\n3,4\n5"), at5);
+    EXPECT_EQ(firstRow(*cut).size(), 2U);
+    ASSERT_EQ(cut->notes().size(), 1U);
+    EXPECT_NE(cut->notes()[0].find("line 3: is cut short"), std::string::npos);
+}
+
+/// A sparse sound file of 5 GiB: 16-bit samples, all 0 but the last two.
+constexpr std::uint64_t manyBytes = std::uint64_t{5} << 30U;
+
+void writeSparse(const std::string& path, const std::string& header) {
+    std::ofstream(path, std::ios::binary) << header;
+    std::filesystem::resize_file(path, header.size() + manyBytes);
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(-4, std::ios::end);
+    file << bytesOf<std::int16_t>({16384, -16384});
+}
+
+TEST_F(Recording, SoundFilesAbove4GiBAreReadToTheirEnd) {
+    const auto format =
+        bytesOf<std::uint16_t>({1, 1}) + bytesOf<std::uint32_t>({48000, 96000}) + bytesOf<std::uint16_t>({2, 16});
+    const auto all = bytesOf<std::uint32_t>({0xFFFFFFFF});
+    writeSparse(folder() + "long.rf64", "RF64" + all + "WAVEds64" + bytesOf<std::uint32_t>({28}) +
+                                            bytesOf<std::uint64_t>({manyBytes + 72, manyBytes, manyBytes / 2}) +
+                                            bytesOf<std::uint32_t>({0}) + "fmt " + bytesOf<std::uint32_t>({16}) +
+                                            format + "data" + all);
+    const auto tail = bytesOf<std::uint8_t>({0xF3, 0xAC, 0xD3, 0x11, 0x8C, 0xD1, 0x00, 0xC0, 0x4F, 0x8E, 0xDB, 0x8A});
+    writeSparse(folder() + "long.w64",
+                "riff" + bytesOf<std::uint8_t>({0x2E, 0x91, 0xCF, 0x11, 0xA5, 0xD6, 0x28, 0xDB, 0x04, 0xC1, 0, 0}) +
+                    bytesOf<std::uint64_t>({manyBytes + 104}) + "wave" + tail + "fmt " + tail +
+                    bytesOf<std::uint64_t>({24 + 16}) + format + "data" + tail +
+                    bytesOf<std::uint64_t>({24 + manyBytes}));
+    for (const auto* name : {"long.rf64", "long.w64"}) {
+        InputOptions options;
+        options.seek = std::to_string(static_cast<double>(manyBytes / 2 - 3) / 48000.0);
+        const auto reader = program::openInput(folder() + name, options);
+        EXPECT_EQ(reader->facts().length, 3U) << name;
+        EXPECT_EQ(firstRow(*reader), (std::vector<double>{0, 0.5, -0.5})) << name;
+        EXPECT_TRUE(reader->notes().empty()) << name << reader->notes().front();
+    }
+}
+
+TEST_F(Recording, PartsOfEveryKindOfInput) {
+    std::vector<std::int16_t> ramp(200);
+    std::string table;
+    for (std::size_t i = 0; i < 100; ++i) {
+        ramp[2 * i] = static_cast<std::int16_t>(i);
+        table += std::to_string(i) + '\n';
+    }
+    const auto wav = writeWav("ramp.wav", ramp, 2);
+    const std::string bytes(reinterpret_cast<const char*>(ramp.data()), 400);
+    const std::pair<std::string, InputOptions> inputs[] = {
+        {wav, {}},
+        {write("ramp.sc16", bytes), {"", "8k", "", ""}},
+        {sigmf("ramp", R"("core:datatype":"ri16_le","core:sample_rate":8000,"core:num_channels":2)", "", bytes), {}},
+        {write("ramp.csv", table), {"", "8k", "", "0.000030517578125"}},
+    };
+    for (const auto& [input, options] : inputs) {
+        const auto whole = firstRow(*program::openInput(input, options));
+        ASSERT_EQ(whole.size(), 100U) << input;
+        EXPECT_EQ(whole[99], 99 / 32768.0) << input;
+        auto part = options;
+        part.seek = "5m";
+        part.duration = "2.5m";
+        EXPECT_EQ(firstRow(*program::openInput(input, part)), std::vector(whole.begin() + 40, whole.begin() + 60));
+        part.loop = true;
+        const auto reader = program::openInput(input, part);
+        const auto looped = firstRow(*reader, 70);
+        ASSERT_EQ(looped.size(), 70U);
+        for (std::size_t i = 0; i < looped.size(); ++i) {
+            ASSERT_EQ(looped[i], whole[40 + i % 20]) << input << " at " << i;
+        }
+        part.seek = "1";
+        const auto error = errorOf(input, part);
+        EXPECT_TRUE(error.starts_with("--seek") || input.ends_with(".csv")) << error;
+    }
+    InputOptions iq;
+    iq.isIq = true;
+    iq.center = "100M";
+    const auto reader = program::openInput(wav, iq);
+    EXPECT_TRUE(reader->facts().isComplex);
+    EXPECT_EQ(reader->facts().channels, 1);
+    EXPECT_EQ(reader->facts().centerFrequency, 100e6);
+    std::vector<double> frame;
+    reader->read(2, frame);
+    EXPECT_EQ(frame, (std::vector<double>{0, 1 / 32768.0, 0, 0}));
+    EXPECT_NE(errorOf(writeWav("one.wav", {1, 2, 3}, 1), iq).find("makes no pair"), std::string::npos);
+    const std::pair<InputOptions, const char*> refused[] = {
+        {{.seek = "-1"}, "--seek: -1 is not a time"},
+        {{.duration = "x"}, "--duration: `x` is not a number"},
+        {{.seek = "inf"}, "--seek: inf is not a time"},
+        {{.center = "inf"}, "--center: inf is not finite"},
+    };
+    for (const auto& [options, expected] : refused) {
+        EXPECT_NE(errorOf(wav, options).find(expected), std::string::npos) << errorOf(wav, options);
+    }
+}
+
+}  // namespace
