@@ -102,14 +102,20 @@ const BlockflowSimulation::Step& BlockflowSimulation::stepAt(std::uint64_t step)
     return steps_[static_cast<std::size_t>(step - firstKept_)];
 }
 
+bool BlockflowSimulation::haveSameSizes(const Step& one, const Step& other) {
+    return one.frameSizes == other.frameSizes &&
+           std::equal(one.frames.begin(), one.frames.end(), other.frames.begin(),
+                      [](const auto& frame, const auto& otherFrame) { return frame.size() == otherFrame.size(); });
+}
+
 std::size_t BlockflowSimulation::deliver(std::size_t most) {
     const std::size_t count = std::min(most, waiting());
     std::size_t done = 0;
     while (done < count) {
-        // One frame of the client holds steps of one size.
+        // One frame of the client holds steps of one size, in which the same ports deliver.
         const std::uint64_t first = delivered_;
         std::size_t run = 1;
-        while (done + run < count && stepAt(first + run).frameSizes == stepAt(first).frameSizes) {
+        while (done + run < count && haveSameSizes(stepAt(first + run), stepAt(first))) {
             ++run;
         }
         delivered_ += run;

@@ -86,6 +86,7 @@ private:
     bool isLast(std::uint64_t step);
     void forgetOldSteps();
     const Step& stepAt(std::uint64_t step) const;
+    static bool haveSameSizes(const Step& one, const Step& other);
     void hand(std::uint64_t first, std::size_t count);
     void fillHead(std::size_t signal, std::uint64_t first, std::size_t count);
     void publish(SimStatus status);
