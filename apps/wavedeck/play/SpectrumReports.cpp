@@ -215,7 +215,11 @@ ReportSection reportMask(const WaveDeckClientSettings& board, const DeckSettings
     section.add({"tests", "tests", record->numTotalTests}).add({"successRate", "success", record->successRate, "%"});
     section.add({"reference", "reference level", record->spectrumPeak, levelUnit(settings)});
     if (!record->isCurrentlyPassing) {
-        section.add({"failingMasks", "failing masks", record->failingMasks});
+        // The record's own text names both masks whichever fails.
+        section.add({"failingMasks", "failing masks",
+                     std::string(record->lowerMaskStatus   ? "upper"
+                                 : record->upperMaskStatus ? "lower"
+                                                           : "upper, lower")});
         std::vector<std::string> channels;
         for (const auto channel : record->failingChannels) {
             channels.push_back(std::to_string(channel));
