@@ -128,7 +128,7 @@ double BFSpectrumEstimatorFilter::findInputRange(const double* data, int signal)
     // Of a real signal the largest value, not the largest magnitude: meant so.
     const double largest =
         isComplexSignal(signal) ? largestMagnitudeOf(first, first + count / 2, count / 2) : largestOf(first, count);
-    return largest == 0.0 || largest == -HUGE_VAL ? 1.0 : largest;
+    return largest > 0.0 ? largest : 1.0;
 }
 
 void BFSpectrumEstimatorFilter::updateInputRange(const double* data, int signal) {

@@ -34,7 +34,8 @@ public:
     void updateInputRange(const double* data, int signal);
 
 private:
-    /// The largest value; of a complex signal the largest magnitude. 1 for a signal of nothing but zeros.
+    /// The largest value; of a complex signal the largest magnitude. 1 if it is not above 0, where levels have no
+    /// sense.
     double findInputRange(const double* data, int signal) const;
     void takePortParameters();
 
