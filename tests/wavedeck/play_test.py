@@ -214,8 +214,12 @@ class Results(Folder):
         run, simulated = report_of(signal, "--deck", "time", "--measure", "stats,bilevel", "--blockflow")
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         plain, simulated = plain["decks"][0], simulated["decks"][0]
-        for figure in ("frames", "samples"):
-            self.assertEqual(simulated[figure], plain[figure])
+        several = ("gen:noise?complex=true&rate=32k&duration=0.256&channels=2", "gen:chirp?rate=16k&duration=0.256")
+        _, other = report_of(*several, "--deck", "time")
+        _, simulation = report_of(*several, "--deck", "time", "--blockflow")
+        for stream, deck in ((plain, simulated), (other["decks"][0], simulation["decks"][0])):
+            for figure in ("frames", "samples"):
+                self.assertEqual(deck[figure], stream[figure])
         # Spans of other lengths over the same pulses.
         for name in ("highStateLevel", "lowStateLevel"):
             self.assertAlmostEqual(simulated["bilevel"][name], plain["bilevel"][name], delta=0.02)

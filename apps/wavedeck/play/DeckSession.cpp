@@ -81,6 +81,14 @@ bool DeckSession::isWhole(const std::vector<std::vector<double>>& frame) const {
     return true;
 }
 
+std::uint64_t DeckSession::samplesPerStep() const {
+    int samples = 0;
+    for (const auto& signal : facts_.signals) {
+        samples += signal.isInputPort ? 0 : signal.frameSize * signal.numChannels / (signal.isComplex ? 2 : 1);
+    }
+    return static_cast<std::uint64_t>(samples);
+}
+
 bool DeckSession::show() {
     if (!simulation_ || !simulation_->hasWaiting()) {
         return false;
@@ -106,8 +114,11 @@ ReportSection DeckSession::report() {
     section.add({"deck", "", std::string(deck_.name)});
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         const auto& board = info.getClientSettings();
-        section.add({"frames", "frames", readCounter(board, "framesProcessed")});
-        section.add({"samples", "samples of all channels", readCounter(board, "samplesProcessed")});
+        // A simulation's own counters count a frame once a channel, and the parts of complex samples.
+        const std::uint64_t frames = simulation_ ? simulation_->stepsShown() : readCounter(board, "framesProcessed");
+        section.add({"frames", "frames", frames});
+        section.add({"samples", "samples of all channels",
+                     simulation_ ? frames * samplesPerStep() : readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
         if (simulation_) {
             section.add({"held", "times held by the pacer", simulation_->timesHeld()});

@@ -77,6 +77,8 @@ private:
     ReportSection reportMeasures();
     void addResponse(ReportSection& section, ReportSection& measures);
     bool isWhole(const std::vector<std::vector<double>>& frame) const;
+    /// Samples of all channels, complex ones counted once, in a step of the simulation.
+    std::uint64_t samplesPerStep() const;
     bool showsSpectra() const;
 
     const Deck& deck_;

@@ -21,6 +21,9 @@ public:
     /// No frame follows: simulates the rest.
     void end();
 
+    /// Steps that the client was shown.
+    std::uint64_t stepsShown() const { return simulation_.stepsTaken() - simulation_.waiting(); }
+
     /// Whether a step waits that the client was not shown.
     bool hasWaiting() const { return simulation_.waiting() > 0; }
 
