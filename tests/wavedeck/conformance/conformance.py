@@ -28,7 +28,10 @@ HEADER = """# Conformance
 
 Written by `tests/wavedeck/conformance/conformance.py`, which also runs with the tests: they fail when an error exceeds
 its tolerance, when a figure of a report has no row here, and when this page holds other rows than those that were run.
-Each table can be repeated with the command above it and the options of its row (`--set` before each).
+Each table can be repeated with the command above it and the options of its row (`--set` before each). The page is
+written anew by
+
+    python3 tests/wavedeck/conformance/conformance.py build/release/bin/wavedeck docs/conformance.md --write
 
 Expected values are closed forms of the signals and definitions and use nothing of the library; "From" names the
 formula. Tolerances are what the method leaves open: rounding, half a sample, the scatter of averaged noise at four
@@ -83,10 +86,11 @@ def compare(program):
             error = float(got) - expected
             if got_unit != unit or not abs(error) <= tolerance:
                 failures.append(f"{title}, {case} {options}: {got} {got_unit}, not {expected} {unit} +- {tolerance}")
-            lines.append(f"| {case} | {options.replace('--set ', '')} | {expected:.10g} {unit} | {source} | "
-                         f"{float(got):.10g} | {error:.1e} | {tolerance:.2g} | {bound} |")
+            cells = (case, options.replace("--set ", ""), f"{expected:.10g} {unit}", source, f"{float(got):.10g}",
+                     f"{error:.1e}", f"{tolerance:.2g}", bound)
+            lines.append(re.sub(" +", " ", f"| {' | '.join(cells)} |"))
     failures += [path + ": reported, without a row" for path in reported - covered if not NO_FIGURES.fullmatch(path)]
-    return re.sub(" +", " ", "\n".join(lines)).replace("\n wavedeck", "\n    wavedeck") + "\n", failures
+    return "\n".join(lines) + "\n", failures
 
 
 def unchecked_pages(documents):
