@@ -54,6 +54,14 @@ void describePlay(CLI::App& app, PlayCommand& play) {
             "[HOST:]PORT");
     addText(app, "--messages", play.messages, "writes each client message as a line of JSON; - is standard output",
             "FILE|-");
+    addRepeated(app, "--traces", play.traces,
+                "writes what a deck shows at the end as a CSV table; - is standard output", "[DECK=]FILE|-");
+    addText(app, "--sweep", play.sweep,
+            "writes the spectrum of each update as a line date, time, hz_low, hz_high, hz_step, samples, dB...",
+            "FILE|-");
+    addText(app, "--annotations", play.annotations,
+            "writes SigMF metadata with spectral peaks and mask failures as annotations", "FILE");
+    app.add_flag("--overwrite", play.overwrite, "lets --traces, --sweep and --annotations replace files");
     addText(app, "--report", play.report, "form of the report at the end: text or json (text)", "FORM");
 }
 

@@ -40,7 +40,7 @@ int execute(const program::PlayCommand& command) {
         std::fprintf(stderr, "wavedeck: warning: %s\n", warning.c_str());
     }
     const auto text = command.report == "json" ? program::reportAsJson(report) : program::reportAsText(report);
-    std::fputs(text.c_str(), command.messages == "-" ? stderr : stdout);
+    std::fputs(text.c_str(), command.writesToStandardOutput() ? stderr : stdout);
     return session.limitFailed() ? limitFailed : done;
 }
 

@@ -96,6 +96,10 @@ class BadInput(Folder):
             ([tone, "--speed", "2", "--realtime"], "--realtime says the speed already"),
             ([tone, "--seek", "1"], "--seek: gen:tone?duration=10m ends at 10 ms"),
             (["-", "--format", "csv"], "standard input: holds no row of numbers"),
+            ([tone, "--traces", "x"] + ["--deck", "time", "--deck", "frame"], "--traces: say of which deck"),
+            ([tone, "--sweep", "x", "--deck", "time"], "--sweep: none of the chosen decks is a spectrum"),
+            ([tone, "--annotations", "x", "--measure", "none"], "neither peaks nor mask is measured"),
+            ([tone, "--annotations", "x", "--loop"], "goes with one input that is played once"),
             ([tone, "--measure", "channel", "--deck", "time"], "none of the chosen decks measures channel"),
             ([tone, "--deck", "response", "--deck", "time"], "takes one file of coefficients"),
             ([self.path("taps", b"0.5\n\n0.5x\n"), "--deck", "response"], "taps: line 3: expected one coefficient"),
@@ -367,6 +371,98 @@ class EarlyEnds(Folder):
         os.close(ours)
         self.assertIn(b"of 500 ms", shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"))
+
+
+class ExportedFiles(Folder):
+    def out(self, name):
+        return os.path.join(self.folder, name)
+
+    def test_every_figure_has_its_definition(self):
+        def undefined(section):
+            definitions = section.get("definitions", {})
+            for key, value in section.items():
+                if isinstance(value, list) and key != "warnings":
+                    yield from (f"{key}.{column}" for row in value for column in row
+                                if f"{key}.{column}" not in definitions)
+                elif isinstance(value, dict) and "unit" not in value and key != "definitions":
+                    yield from (f"{key}: {figure}" for figure in undefined(value))
+                elif key != "definitions" and not isinstance(value, (bool, str)) and key not in definitions:
+                    yield key
+
+        everything = "stats,peaks,bilevel,trigger,channel,distortion,phasenoise,mask"
+        pulses = ["gen:square?duration=0.2", "--deck", "time", "--deck", "frame", "--deck", "spectrum", "--measure"]
+        for arguments in [
+            [*pulses, everything, "--set", "enabledMasks=upper", "--set", "showVariance=true", "--set",
+             "showMeanSquare=true", "--center", "1M"],
+            [*pulses, "channel,distortion", "--set", "channelMeasurementsType=acpr", "--set",
+             "distortionType=intermodulation"],
+            ["gen:square?duration=0.2", "--deck", "time", "--deck", "spectrum", "--blockflow"],
+            [self.path("taps", b"1\n" * 5), "--deck", "response"],
+        ]:
+            report = json.loads(play(*arguments, "--report", "json").stdout)
+            self.assertEqual([figure for section in report["inputs"] + report["decks"]
+                              for figure in undefined(section)], [], arguments)
+
+    def test_traces_sweeps_and_annotations_tell_what_the_report_tells(self):
+        samples = b"".join(struct.pack("<2f", 0.5 * math.cos(i * math.pi / 8), 0.5 * math.sin(i * math.pi / 8))
+                           for i in range(65536))
+        self.path("r.sigmf-data", samples)
+        recording = self.path("r.sigmf-meta", json.dumps({
+            "global": {"core:datatype": "cf32_le", "core:sample_rate": 256e3, "core:offset": 7, "core:author": "me"},
+            "captures": [{"core:sample_start": 7, "core:frequency": 1e6, "core:datetime": "2026-02-28T23:59:59.9Z"}],
+            "annotations": [{"core:sample_start": 65000, "core:sample_count": 3}]}).encode())
+        spectrum, times, sweep, notes = map(self.out, ["s.csv", "t.csv", "sweep.csv", "n.sigmf-meta"])
+        arguments = [recording, "--deck", "spectrum", "--deck", "time", "--measure", "peaks,mask", "--set",
+                     "enabledMasks=upper", "--set", "upperMask=20", "--set", "numPeaks=1", "--set",
+                     "plotMaxHoldTrace=true", "--seek", "0.1"]
+        files = ["--traces", spectrum, "--traces", "time=" + times, "--sweep", sweep, "--annotations", notes]
+        run, report = report_of(*arguments, *files)
+        self.assertEqual(run.returncode, 1, run.stderr)  # the mask fails
+        deck = report["decks"][0]
+        peak = deck["peaks"]["peaks"][0]
+        with open(spectrum, encoding="utf-8") as file:
+            rows = [line.rstrip("\n").split(",") for line in file if not line.startswith("#")]
+        rbw = f"{deck['rbw']['value']:.6g} Hz"
+        self.assertEqual(rows[0], ["frequency (Hz)", f"signal 0 channel 0 (dBm; RBW {rbw})",
+                                   f"maximum hold signal 0 channel 0 (dBm; RBW {rbw})"])
+        levels = {float(row[0]): float(row[1]) for row in rows[1:]}
+        self.assertEqual(levels[peak["frequency"]["value"]], peak["level"]["value"])
+        self.assertEqual((min(levels), max(levels)), (deck["start"]["value"], deck["stop"]["value"]))
+        with open(times, encoding="utf-8") as file:
+            rows = [line.split(",") for line in file if not line.startswith("#")][1:]
+        self.assertEqual([float(cell) for cell in rows[-1]],
+                         [65535 / 256e3, *struct.unpack("<2f", samples[-8:])])
+        with open(sweep, encoding="utf-8") as file:
+            lines = [line.split(", ") for line in file]
+        date, clock, low, high, step, count = lines[-1][:6]
+        self.assertEqual((date, clock), ("2026-03-01", "00:00:00"))
+        self.assertEqual(sum(int(line[5]) for line in lines), 65536 - 25600)
+        self.assertEqual(len(lines[-1]) - 6, len(levels))
+        self.assertAlmostEqual(float(low), min(levels), delta=1e-6)
+        self.assertAlmostEqual(float(high), float(low) + len(levels) * float(step), delta=1e-3)
+        strongest = max(range(len(levels)), key=lambda i: float(lines[-1][6 + i]))
+        self.assertAlmostEqual(float(low) + strongest * float(step), peak["frequency"]["value"], delta=1e-3)
+        self.assertAlmostEqual(float(lines[-1][6 + strongest]), peak["level"]["value"], delta=5e-4)
+        with open(notes, encoding="utf-8") as file:
+            metadata = json.load(file)
+        self.assertEqual((metadata["global"]["core:dataset"], metadata["global"]["core:author"]), ("r.sigmf-data", "me"))
+        found = [(note["core:sample_start"], note["core:sample_count"], note.get("core:label"))
+                 for note in metadata["annotations"]]
+        whole = (7 + 25600, 65536 - 25600)
+        self.assertEqual(found, [(*whole, "peak"), (*whole, "mask failure"), (65000, 3, None)])
+        edges = metadata["annotations"][0]
+        self.assertTrue(edges["core:freq_lower_edge"] < peak["frequency"]["value"] < edges["core:freq_upper_edge"])
+        # What is there stays, unless it is to be replaced; and the new metadata lead to the same samples.
+        for option, path in zip(files[::2], files[1::2]):
+            run = play(*arguments, option, path)
+            self.assertEqual((run.returncode, run.stderr.count(b"\n")), (2, 1), run.stderr)
+            self.assertIn(b"is there already; --overwrite", run.stderr)
+        before = json.dumps(metadata)
+        run, again = report_of(notes, *arguments[1:], *files, "--overwrite")
+        self.assertEqual((run.returncode, again["decks"][0]["peaks"]), (1, deck["peaks"]))
+        with open(notes, encoding="utf-8") as file:
+            self.assertEqual(len(json.load(file)["annotations"]), 5, before)
+        self.assertEqual([name for name in os.listdir(self.folder) if name.endswith(".part")], [])
 
 
 if __name__ == "__main__":

@@ -38,6 +38,7 @@ ExcerptReader::ExcerptReader(std::unique_ptr<SignalReader> source, double seek, 
     : source_(std::move(source)), loop_(loop) {
     facts_ = source_->facts();
     first_ = samplesIn(seek, facts_.sampleRate);
+    facts_.firstIndex += first_;
     points_ = samplesIn(duration, facts_.sampleRate);
     if (const auto length = facts_.length) {
         if (first_ > 0 && first_ >= *length) {

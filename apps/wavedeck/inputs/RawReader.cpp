@@ -11,6 +11,7 @@ RawReader::RawReader(std::unique_ptr<ByteSource> source, SampleFormat format, Si
     : source_(std::move(source)), format_(std::move(format)), runs_(std::move(runs)) {
     facts_ = std::move(facts);
     facts_.centerFrequency = runs_.front().centerFrequency;
+    facts_.datatype = format_.sigmfName();
     facts_.changesCenter = std::any_of(
         runs_.begin(), runs_.end(), [&](const RawRun& run) { return run.centerFrequency != facts_.centerFrequency; });
     bytesPerTime_ = format_.bytes * static_cast<std::size_t>(facts_.rows());

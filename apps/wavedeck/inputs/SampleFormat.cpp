@@ -97,6 +97,14 @@ std::string SampleFormat::meaning() const {
     return text + (isBigEndian ? ", big-endian" : "");
 }
 
+std::string SampleFormat::sigmfName() const {
+    auto number = name.substr(isComplex || name.starts_with('r') ? 1 : 0);
+    number.resize(std::min(number.find('_'), number.size()));
+    std::replace(number.begin(), number.end(), 's', 'i');
+    const std::string order = bytes == 1 ? "" : isBigEndian ? "_be" : "_le";
+    return (isComplex ? 'c' : 'r') + number + order;
+}
+
 std::string SampleFormat::scale() const {
     if (!isInteger) {
         return "values as stored";

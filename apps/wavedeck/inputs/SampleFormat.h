@@ -22,6 +22,8 @@ struct SampleFormat {
     void (*decode)(const unsigned char* stored, std::size_t count, double zero, double factor,
                    double* values) = nullptr;
 
+    /// The name of the format in SigMF's metadata: "ci16_be".
+    std::string sigmfName() const;
     /// What the numbers are, for the report: "complex 16-bit signed".
     std::string meaning() const;
     /// How they become values, for the report: "full scale is 1: number / 32768".

@@ -19,6 +19,8 @@ struct SignalFacts {
     std::optional<std::uint64_t> length;  ///< sample times, when the source knows it
     double centerFrequency = 0.0;         ///< Hz, of the frame read last, before it of the first: added to frequencies
     bool changesCenter = false;           ///< centre frequencies differ from part to part
+    std::string datatype = {};            ///< how its samples are stored, in SigMF's terms; empty: not raw
+    std::uint64_t firstIndex = 0;         ///< index of the first sample in the recording
     std::string recorded = {};            ///< date and time of the first sample, when the source knows it
 
     /// Rows of a frame: one a channel, two a complex channel.

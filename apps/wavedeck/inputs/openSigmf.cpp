@@ -125,6 +125,7 @@ std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOpt
     facts.sampleRate = sampleRate(name, metadata, options.rate);
     facts.channels = metadata.channels;
     facts.isComplex = metadata.format.isComplex;
+    facts.firstIndex = metadata.firstIndex;
     facts.recorded = metadata.recorded;
     if (std::any_of(metadata.runs.begin(), metadata.runs.end(), [](const RawRun& run) { return run.factor != 1.0; })) {
         facts.scale = "acquisition scale factor " +

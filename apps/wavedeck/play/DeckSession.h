@@ -29,7 +29,11 @@ public:
                 const wavedeck::driver::StageLibrary& library);
 
     std::string_view name() const { return deck_.name; }
+    wavedeck::driver::ChainKind kind() const { return deck_.kind; }
     wavedeck::driver::DeckClient& client() { return client_; }
+
+    /// Whether the deck shows spectra, of a stream or of a simulation.
+    bool showsSpectra() const;
 
     /// The settings of the stages as they stand; from any thread.
     DeckSettings settings() const;
@@ -79,7 +83,6 @@ private:
     bool isWhole(const std::vector<std::vector<double>>& frame) const;
     /// Samples of all channels, complex ones counted once, in a step of the simulation.
     std::uint64_t samplesPerStep() const;
-    bool showsSpectra() const;
 
     const Deck& deck_;
     SessionFacts facts_;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "DeckSettings.h"
 #include "Report.h"
+#include "spectrumEstimatorMetaDataStruct.h"
 #include "wavedeck/WaveDeckClientSettings.h"
 
 /// Sections of the report on measurements, made from the records that the stages leave on the client's board. Each
@@ -42,6 +45,10 @@ ReportSection reportMask(const WaveDeckClientSettings& board, const DeckSettings
 
 /// Figures of the spectrum itself: span, resolution, window, averages, noise floor.
 void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings& settings, ReportSection& section);
+
+/// The newest spectrum of a channel: [S] display units; empty where there is none.
+std::span<const double> newestSpectrum(const dspwavedecks::spectrumEstimatorMetaDataStruct& record, std::size_t signal,
+                                       std::size_t channel);
 
 /// Which signal and channel a stage measures, counted from 0 as the options do.
 ReportValue measuredChannel(const DeckSettings& settings, std::string_view stage);

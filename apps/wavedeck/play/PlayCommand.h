@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,16 @@ struct PlayCommand {
     std::string serve;     ///< [HOST:]PORT; empty: no display
     std::string messages;  ///< file or "-"; empty: none
     std::string report = "text";
+    std::vector<std::string> traces;  ///< [DECK=]FILE each
+    std::string sweep;                ///< file or "-"; empty: none
+    std::string annotations;          ///< file; empty: none
+    bool overwrite = false;           ///< replaces files that are there already
+
+    /// Whether messages, traces or sweeps take standard output, so that the report goes elsewhere.
+    bool writesToStandardOutput() const {
+        const auto isDash = [](const std::string& text) { return text == "-" || text.ends_with("=-"); };
+        return messages == "-" || sweep == "-" || std::any_of(traces.begin(), traces.end(), isDash);
+    }
 };
 
 }  // namespace program

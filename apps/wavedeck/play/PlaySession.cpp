@@ -51,6 +51,9 @@ PlaySession::PlaySession(const PlayCommand& command) : speed_(readSpeed(command)
     if (!command.messages.empty()) {
         messages_.emplace(command.messages);
     }
+    if (!command.traces.empty() || !command.sweep.empty() || !command.annotations.empty()) {
+        exports_.emplace(command, decks_, inputs_);
+    }
     if (!command.serve.empty()) {
         live_.emplace(command.serve, decks_);
         std::fprintf(stderr, "serving the display at %s\n", live_->address().c_str());
@@ -198,6 +201,9 @@ void PlaySession::play() {
     if (live_) {
         serveOn();
     }
+    if (exports_) {
+        exports_->finish();
+    }
 }
 
 bool PlaySession::hasToShow() const {
@@ -236,17 +242,19 @@ void PlaySession::serveOn() {
 bool PlaySession::readFrame() {
     const double firstRate = inputs_.front()->facts().sampleRate;
     bool any = false;
+    std::uint64_t samplesOfFirst = 0;
     for (std::size_t i = 0; i < inputs_.size(); ++i) {
         const double rate = inputs_[i]->facts().sampleRate;
         const auto wanted = samplesBefore(frames_ + 1, frameSize_, rate, firstRate) -
                             samplesBefore(frames_, frameSize_, rate, firstRate);
         const auto samples = inputs_[i]->read(wanted, frame_[i]);
         summaries_[i].add(frame_[i], samples);
-        samples_ += i == 0 ? samples : 0;
+        samplesOfFirst += i == 0 ? samples : 0;
         any = any || samples > 0;
     }
     ++frames_;
     followCenterFrequencies();
+    samples_ += samplesOfFirst;
     return any;
 }
 
@@ -283,6 +291,9 @@ void PlaySession::send(DeckSession& deck) {
         return;
     }
     deck.noteUpdate(*update.message);
+    if (exports_ && !exports_->noteUpdate(deck, update.message, samples_)) {
+        readerGone_ = true;
+    }
     if (!messages_ && !live_) {
         return;
     }
@@ -329,6 +340,9 @@ Report PlaySession::report() {
         }
     }
     report.warnings.insert(report.warnings.end(), warnings_.begin(), warnings_.end());
+    if (exports_) {
+        report.warnings.insert(report.warnings.end(), exports_->warnings().begin(), exports_->warnings().end());
+    }
     for (const auto& deck : decks_) {
         report.decks.push_back(deck->report());
     }

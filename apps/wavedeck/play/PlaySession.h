@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DeckSession.h"
+#include "Exports.h"
 #include "InputSummary.h"
 #include "LiveDecks.h"
 #include "MessageFile.h"
@@ -71,6 +72,7 @@ private:
     std::vector<InputSummary> summaries_;
     std::vector<std::unique_ptr<DeckSession>> decks_;
     std::optional<MessageFile> messages_;
+    std::optional<Exports> exports_;
     std::optional<LiveDecks> live_;  ///< behind the decks: its threads tune them
     bool readerGone_ = false;
     std::uint64_t frames_ = 0;

@@ -17,6 +17,18 @@
 #include "spectrumEstimatorMetaDataStruct.h"
 
 namespace program {
+
+std::span<const double> newestSpectrum(const dspwavedecks::spectrumEstimatorMetaDataStruct& record, std::size_t signal,
+                                       std::size_t channel) {
+    const std::size_t block = record.spectrumLength * record.numSpectrumBlocks;
+    if (block == 0 || signal >= record.spectrumData.size() ||
+        (channel + 1) * block > record.spectrumData[signal].size()) {
+        return {};
+    }
+    return std::span(record.spectrumData[signal])
+        .subspan((channel + 1) * block - record.spectrumLength, record.spectrumLength);
+}
+
 namespace {
 
 std::string levelUnit(const DeckSettings& settings) {
@@ -37,13 +49,12 @@ void addNoiseFloors(const dspwavedecks::spectrumEstimatorMetaDataStruct& record,
                     ReportSection& section) {
     ReportTable table{"noiseFloors", {{"signal", "signal"}, {"channel", "channel"}}, {}};
     table.columns.push_back({"level", "noise floor (median)", levelUnit(settings)});
-    const std::size_t length = record.spectrumLength;
-    const std::size_t block = length * record.numSpectrumBlocks;
+    const std::size_t block = record.spectrumLength * record.numSpectrumBlocks;
     for (std::size_t signal = 0; signal < record.spectrumData.size() && block > 0; ++signal) {
         const auto& rows = record.spectrumData[signal];
         for (std::size_t row = 0; (row + 1) * block <= rows.size(); ++row) {
-            const auto end = rows.begin() + static_cast<std::ptrdiff_t>((row + 1) * block);
-            std::vector<double> bins(end - static_cast<std::ptrdiff_t>(length), end);
+            const auto newest = newestSpectrum(record, signal, row);
+            std::vector<double> bins(newest.begin(), newest.end());
             std::erase_if(bins, [](double bin) { return std::isnan(bin); });
             if (bins.empty()) {
                 continue;

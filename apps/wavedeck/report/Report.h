@@ -54,7 +54,7 @@ struct Report {
 std::string reportAsText(const Report& report);
 
 /// For programs: one JSON object. A figure with a unit is {"value": ..., "unit": ...}; numbers that are not finite are
-/// the texts "nan", "inf" and "-inf".
+/// the texts "nan", "inf" and "-inf". "definitions" beside figures tells how they are defined.
 std::string reportAsJson(const Report& report);
 
 }  // namespace program

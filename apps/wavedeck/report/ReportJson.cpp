@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "EngineeringNumber.h"
+#include "FigureDefinitions.h"
 #include "Report.h"
 
 namespace program {
@@ -42,7 +43,27 @@ Json toJson(const ReportTable& table) {
     return rows;
 }
 
-Json toJson(const ReportSection& section) {
+/// What the figures of a section are; a column of a table is TABLE.COLUMN.
+Json definitionsOf(const ReportSection& section, const std::string& key) {
+    Json definitions = Json::object();
+    const auto add = [&](const std::string& figure) {
+        if (const auto text = findFigureDefinition(key, figure); !text.empty()) {
+            definitions[figure] = text;
+        }
+    };
+    for (const auto& value : section.values) {
+        add(value.key);
+    }
+    for (const auto& table : section.tables) {
+        for (const auto& column : table.columns) {
+            add(table.key + '.' + column.key);
+        }
+    }
+    return definitions;
+}
+
+/// key  of the section for the definitions
+Json toJson(const ReportSection& section, const std::string& key) {
     Json json = Json::object();
     for (const auto& value : section.values) {
         json[value.key] = toJson(value);
@@ -51,15 +72,18 @@ Json toJson(const ReportSection& section) {
         json[table.key] = toJson(table);
     }
     for (const auto& part : section.sections) {
-        json[part.key] = toJson(part);
+        json[part.key] = toJson(part, part.key);
+    }
+    if (auto definitions = definitionsOf(section, key); !definitions.empty()) {
+        json["definitions"] = std::move(definitions);
     }
     return json;
 }
 
-Json toJson(const std::vector<ReportSection>& sections) {
+Json toJson(const std::vector<ReportSection>& sections, const std::string& key) {
     Json list = Json::array();
     for (const auto& section : sections) {
-        list.push_back(toJson(section));
+        list.push_back(toJson(section, key));
     }
     return list;
 }
@@ -67,8 +91,8 @@ Json toJson(const std::vector<ReportSection>& sections) {
 }  // namespace
 
 std::string reportAsJson(const Report& report) {
-    const Json json{{"inputs", toJson(report.inputs)},
-                    {"decks", toJson(report.decks)},
+    const Json json{{"inputs", toJson(report.inputs, "input")},
+                    {"decks", toJson(report.decks, "deck")},
                     {"warnings", report.warnings},
                     {"ended", report.ended}};
     // Names of files may hold bytes that are no UTF-8.
