@@ -1,5 +1,7 @@
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <stdexcept>
 #include <string>
 
 #include "CommandLine.h"
@@ -51,8 +53,12 @@ int main(int argc, char** argv) {
     try {
         const auto command = program::parseCommandLine(argc, argv);
         return std::visit([](const auto& chosen) { return execute(chosen); }, command);
+    } catch (const std::bad_alloc&) {
+        std::fputs("wavedeck: what was asked for needs more memory than there is\n", stderr);
+    } catch (const std::length_error&) {
+        std::fputs("wavedeck: what was asked for needs more memory than any machine has\n", stderr);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "wavedeck: %s\n", error.what());
-        return badInput;
     }
+    return badInput;
 }

@@ -48,6 +48,15 @@ DeckClient::DeckClient(ClientFacts facts) : facts_(std::move(facts)), signalsAtF
     }
     displaySpan_ = facts_.displaySpan.value_or(defaultSpanPoints * facts_.signals.front().sampleTime);
     info_ = WaveDeckClientRegistry::sInstance.addClient(facts_.name);
+    try {
+        makeParts();
+    } catch (...) {
+        WaveDeckClientRegistry::sInstance.removeClient(facts_.name);
+        throw;
+    }
+}
+
+void DeckClient::makeParts() {
     publishFacts();
     publishSampleTimes();
     publishAxes();

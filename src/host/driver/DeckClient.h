@@ -49,7 +49,8 @@ struct Update {
 class WAVEDECK_API DeckClient {
 public:
     /// Registers the client. Throws DriverError if the facts cannot be (name too long or taken, no signal, a negative
-    /// count, an odd count of a complex signal, input ports not last).
+    /// count, an odd count of a complex signal, input ports not last). A client that could not be made leaves nothing
+    /// registered.
     explicit DeckClient(ClientFacts facts);
     DeckClient(const DeckClient&) = delete;
     DeckClient& operator=(const DeckClient&) = delete;
@@ -147,6 +148,7 @@ private:
     using Signals = std::span<const std::span<const double>>;
     using Action = std::function<void(WaveDeckTransformImpl&)>;
 
+    void makeParts();
     void publishFacts();
     void publishSampleTimes();
     void publishAxes();

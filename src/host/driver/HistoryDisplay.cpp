@@ -32,6 +32,9 @@ void HistoryDisplay::take(std::size_t signal, const DisplayInput& input) {
         return;
     }
     SampleHistory& history = histories_[signal];
+    if (history.rows() != input.channels + 1) {
+        setForm(signal, input.channels, isMagPhase_[signal]);  // there was no memory when the form changed
+    }
     const std::size_t n = input.buffer.size() / (input.channels + 1);
     if (n == 0) {
         return;

@@ -5,9 +5,10 @@
 namespace wavedeck::driver {
 
 void SampleHistory::configure(std::size_t rows, std::size_t capacity) {
+    const std::size_t points = std::max<std::size_t>(capacity, 1);
+    values_ = std::vector<double>(rows * points, 0.0);  // first: if it fails, all stays as it was
     rows_ = rows;
-    capacity_ = std::max<std::size_t>(capacity, 1);
-    values_.assign(rows_ * capacity_, 0.0);
+    capacity_ = points;
     clear();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "DriverError.h"
 
@@ -85,10 +86,17 @@ void SampleStream::resize(const std::vector<int>& numChannels, const std::vector
         // A head is formed of whole simulation frames, which must all have one size.
         const bool otherFrames = isBlockflow(facts_.kind) && frameSizes_[s] != frameSizes[s];
         const bool changed = otherFrames || numChannels_[s] != numChannels[s];
-        numChannels_[s] = numChannels[s];
-        frameSizes_[s] = frameSizes[s];
-        if (changed) {
+        const int channelsBefore = std::exchange(numChannels_[s], numChannels[s]);
+        const int frameSizeBefore = std::exchange(frameSizes_[s], frameSizes[s]);
+        if (!changed) {
+            continue;
+        }
+        try {
             configureHistory(s);
+        } catch (...) {
+            numChannels_[s] = channelsBefore;  // those for which the history is laid out
+            frameSizes_[s] = frameSizeBefore;
+            throw;
         }
     }
 }

@@ -35,11 +35,16 @@ void SlotDisplay::take(std::size_t signal, const DisplayInput& input) {
     slots.areLines = areLines;
     slots.frameSize = input.frameSize;
     const double* source = input.buffer.data();
-    slots.header.insert(slots.header.end(), source, source + count);
-    source += count;
-    for (std::vector<double>& row : slots.rows) {
-        row.insert(row.end(), source, source + length);
-        source += length;
+    try {
+        slots.header.insert(slots.header.end(), source, source + count);
+        source += count;
+        for (std::vector<double>& row : slots.rows) {
+            row.insert(row.end(), source, source + length);
+            source += length;
+        }
+    } catch (...) {
+        clear(slots);  // rows are as long as each other
+        throw;
     }
 }
 

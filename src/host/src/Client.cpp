@@ -24,8 +24,9 @@ AxesTime AxesTimeTable::operator[](unsigned long axesId) const {
 WaveDeckClientSettings::~WaveDeckClientSettings() = default;
 
 void WaveDeckClientSettings::addCustomSetting(const std::string& key, const boost::any& value) {
+    boost::any copy(value);  // made first: a copy that fails leaves no empty entry, which would count as present
     const std::lock_guard lock(mutex_);
-    values_[key] = value;
+    values_[key].swap(copy);
 }
 
 boost::any* WaveDeckClientSettings::find(const std::string& key) {
@@ -117,12 +118,11 @@ bool WaveDeckClientRegistry::isClientValid(const std::string& clientID) const {
 }
 
 std::shared_ptr<WaveDeckClientInfo> WaveDeckClientRegistry::addClient(const std::string& clientID) {
+    auto client = std::make_shared<WaveDeckClientInfo>();
     const std::lock_guard lock(mutex_);
-    auto& client = clients_[clientID];
-    if (client) {
+    if (!clients_.try_emplace(clientID, client).second) {
         throw numbench::Exception("Client: " + clientID + " exists already");
     }
-    client = std::make_shared<WaveDeckClientInfo>();
     return client;
 }
 

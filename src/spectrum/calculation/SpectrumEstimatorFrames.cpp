@@ -6,6 +6,23 @@
 
 namespace dspwavedecks {
 
+namespace {
+
+/// While it lives, segments are read in the frame; ends that also when a computation fails, for the frame goes away.
+template <class Place>
+class WhileInFrame {
+public:
+    WhileInFrame(Place& place, const Place& inFrame) : place(place) { place = inFrame; }
+    WhileInFrame(const WhileInFrame&) = delete;
+    WhileInFrame& operator=(const WhileInFrame&) = delete;
+    ~WhileInFrame() { place = {}; }
+
+private:
+    Place& place;
+};
+
+}  // namespace
+
 const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const double* data, std::vector<double>& out,
                                                                           const int& signal) {
     if (isFrequencyInputDomain() || !isLaidOutFor(signal)) {
@@ -89,8 +106,10 @@ void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>&
         const std::size_t inFrame = numSegmentsInFrame(first, samples);
         if (inFrame != 0) {
             const std::size_t shared = spectrumBuffer->getNumOverlapSamples();
-            segmentsInFrame = {data, samples, first - shared};
-            compute(inFrame);
+            {
+                const WhileInFrame place(segmentsInFrame, SegmentsInFrame{data, samples, first - shared});
+                compute(inFrame);
+            }
             segmentsInFrame = {};
             first += inFrame * (actualSegmentLength - shared);
             for (std::size_t channel = 0; channel < channels; ++channel) {

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "DeckClient.h"
+#include "FailingAllocation.h"
+#include "MessageText.h"
+#include "StageLibrary.h"
+
+namespace {
+
+using streamplug::interfaces::device::PropertyList;
+using wavedeck::driver::ChainKind;
+using wavedeck::driver::DeckClient;
+
+const wavedeck::driver::StageLibrary& stageLibrary() {
+    static const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
+    return library;
+}
+
+constexpr int frameSize = 32;
+
+/// A deck whose buffers grow while it is played.
+struct Deck {
+    const char* name;
+    ChainKind kind;
+    const char* strategy;
+    std::vector<std::pair<const char*, PropertyList>> stages;
+};
+
+PropertyList enabled(const char* option) {
+    return PropertyList().addLogical(option, true);
+}
+
+/// Spectra of 64 points, several a frame once frames are long.
+PropertyList spectra() {
+    PropertyList options;
+    options.addChar("inputDomain", "time").addDouble("sampleRate", 1000.0).addLogical("autoRBW", false);
+    return options.addDouble("rbw", 25.0).addDouble("overlapPercent", 50.0).addDouble("timeResolution", 0.2);
+}
+
+std::vector<Deck> decks() {
+    return {{"time",
+             ChainKind::Time,
+             "dsp_wavedeck_time_data_strategy",
+             {{"magnitude_phase_filter", {}},
+              {"dsp_wavedeck_measurements_data_cache_filter", {}},
+              {"time_signal_statistics_filter", enabled("signalStatisticsEnabled")},
+              {"time_peak_finder_filter", enabled("peakFinderEnabled")},
+              {"bilevel_measurements_filter", enabled("bilevelMeasurementsEnabled")},
+              {"trigger_filter", enabled("triggerEnabled").addChar("mode", "auto")}}},
+            {"spectrogram",
+             ChainKind::Spectrum,
+             "dsp_wavedeck_frequency_data_strategy",
+             {{"spectrum_estimator_filter",
+               spectra().addLogical("showSpectrogram", true).addLogical("autoTimeResolution", false)},
+              {"frequency_peak_finder_filter", enabled("peakFinderEnabled")}}},
+            {"filter bank",
+             ChainKind::Spectrum,
+             "dsp_wavedeck_frequency_data_strategy",
+             {{"spectrum_estimator_filter", spectra().addChar("method", "filter-bank")},
+              {"distortion_measurements_filter", enabled("distortionMeasurementsEnabled")}}},
+            {"simulation",
+             ChainKind::BlockflowSpectrum,
+             "bf_dsp_wavedeck_frequency_data_strategy",
+             {{"bf_spectrum_estimator_filter", spectra()},
+              {"channel_measurements_filter", enabled("channelMeasurementsEnabled")},
+              {"bf_spectrum_data_aggregator_filter", {}}}}};
+}
+
+class AllocationFailure : public testing::TestWithParam<Deck> {
+protected:
+    static void addStages(DeckClient& client) {
+        for (const auto& [name, options] : GetParam().stages) {
+            client.addStage(name, stageLibrary().makeFilter(name), options);
+        }
+        client.setStrategy(GetParam().strategy, stageLibrary().makeStrategy(GetParam().strategy));
+    }
+
+    static wavedeck::driver::ClientFacts facts() {
+        wavedeck::driver::ClientFacts result;
+        result.name = "failing";
+        result.kind = GetParam().kind;
+        wavedeck::driver::SignalFacts signal;
+        signal.id = "signal";
+        signal.sampleTime = 1e-3;
+        signal.frameSize = frameSize;
+        result.signals.push_back(signal);
+        return result;
+    }
+
+    /// Sets up and plays frames of growing length; returns the message behind them.
+    static std::string play(DeckClient& client) {
+        client.setup();
+        std::size_t sample = 0;
+        for (const std::size_t frames : {1, 3, 8, 12}) {
+            std::vector<double> frame;
+            const bool isSimulation = wavedeck::driver::isBlockflow(GetParam().kind);
+            for (std::size_t i = 0; isSimulation && i < frames; ++i) {
+                frame.push_back(1e-3 * static_cast<double>(sample + i * frameSize));
+            }
+            for (std::size_t i = 0; i < frames * frameSize; ++i, ++sample) {
+                frame.push_back(std::sin(0.7 * static_cast<double>(sample)));
+            }
+            isSimulation ? client.simulationFrame({frame}) : client.frame({frame});
+        }
+        const auto update = client.updateNow();
+        return update.message.isNull() ? "" : wavedeck::driver::MessageText().write(*update.message);
+    }
+};
+
+/// Whichever allocation fails, the failure is reported as such, and the client goes on: set up anew, it gives what one
+/// gives that has never failed.
+TEST_P(AllocationFailure, LeavesAClientThatCanBeSetUpAnew) {
+    const auto untouched = [] {
+        DeckClient client(facts());
+        addStages(client);
+        return play(client);
+    }();
+    ASSERT_GT(untouched.size(), 100U);
+    int failures = 0;
+    bool failed = true;
+    for (long count = 1; failed; count += 1 + count / 16) {
+        const auto countFailure = [&](const auto& action) {
+            fuzz::failAllocationAfter(count);
+            try {
+                action();
+            } catch (const std::bad_alloc&) {
+                ++failures;
+            }
+            failed = fuzz::hasAllocationFailed();
+            fuzz::failAllocationAfter(0);
+        };
+        countFailure([] { const DeckClient made(facts()); });  // leaves no name behind that would then be taken
+        DeckClient client(facts());
+        addStages(client);
+        countFailure([&] { play(client); });
+        ASSERT_TRUE(play(client) == untouched) << "allocation " << count;
+    }
+    EXPECT_GT(failures, 20);
+}
+
+INSTANTIATE_TEST_SUITE_P(Decks, AllocationFailure, testing::ValuesIn(decks()), [](const auto& info) {
+    std::string name = info.param.name;
+    name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
+    return name;
+});
+
+}  // namespace

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace fuzz {
+
+/// While it lives, requests of memory fail that ask for more than an input of a fuzzer has any reason to.
+class AllocationLimit {
+public:
+    AllocationLimit();
+    AllocationLimit(const AllocationLimit&) = delete;
+    AllocationLimit& operator=(const AllocationLimit&) = delete;
+    ~AllocationLimit();
+};
+
+/// Lets the allocation that comes `count` after this one fail, once; 0: none.
+void failAllocationAfter(long count);
+
+/// Whether that allocation was asked for.
+bool hasAllocationFailed();
+
+}  // namespace fuzz
