@@ -2,6 +2,7 @@
 
 option(WAVEDECK_BUILD_TESTS "Build the tests" ON)
 option(WAVEDECK_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+option(WAVEDECK_BUILD_FUZZERS "Build the fuzzers; needs clang and the fuzz preset's sanitizers" OFF)
 set(WAVEDECK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 
 set(CMAKE_CXX_STANDARD 20)

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "DeckClient.h"
+#include "InputBytes.h"
+#include "MessageText.h"
+#include "StageLibrary.h"
+
+namespace fuzz {
+
+/// The measurement library, loaded once.
+const wavedeck::driver::StageLibrary& stageLibrary();
+
+/// A client whose chain and whose calls an input decides. What the library throws is as good as any other answer.
+class RandomClient {
+public:
+    /// Calls that an input may choose among; one that stands there twice is chosen more often.
+    enum class Call {
+        Tune,
+        SendAsIs,
+        Frame,
+        FrameAsIs,
+        Replay,
+        Update,
+        Query,
+        Resize,
+        Rollback,
+        Reset,
+        Setup,
+        Board,
+        Client
+    };
+
+    /// Makes a client and makes calls until the input is used up.
+    static void play(const std::uint8_t* data, std::size_t size, const std::vector<Call>& calls);
+
+private:
+    explicit RandomClient(InputBytes& input);
+    void addStages();
+    void call(Call which);
+    void tune();
+    void sendAsIs();
+    void frame();
+    void frameAsIs();
+    void query();
+    void resize();
+    void rollback();
+    void writeBoard();
+    void changeClient();
+    std::vector<double> samples(std::size_t count);
+    std::string randomStage();
+
+    InputBytes& input_;
+    wavedeck::driver::ClientFacts facts_;
+    std::vector<int> numChannels_;
+    std::vector<int> frameSizes_;
+    std::vector<std::string> stages_;
+    std::unique_ptr<wavedeck::driver::DeckClient> client_;
+    wavedeck::driver::MessageText messageText_;
+};
+
+}  // namespace fuzz
