@@ -21,24 +21,24 @@ void PhaseNoise::setNumSignals(const unsigned long& n) {
     if (n == numSignals) {
         return;
     }
-    numSignals = n;
     results.spotPhaseNoise.resize(n);
     results.frequencyOffset.resize(n);
     results.phaseNoise.resize(n);
     results.numPoints.resize(n);
     numChannels.resize(n);
     frameSize.resize(n);
+    numSignals = n;  // when all that it counts is there
 }
 
 void PhaseNoise::setNumChannels(const unsigned long& signal, const unsigned long& n) {
     if (signal >= numSignals || numChannels[signal] == n) {
         return;
     }
-    numChannels[signal] = n;
     results.spotPhaseNoise[signal].resize(n);
     results.frequencyOffset[signal].resize(n);
     results.phaseNoise[signal].resize(n);
     results.numPoints[signal].resize(n);
+    numChannels[signal] = n;
     results.totalNumChannels = std::accumulate(numChannels.begin(), numChannels.end(), 0ul);
 }
 
