@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -19,21 +20,30 @@ namespace {
 /// A kind of input: the name of its file, and what the command line says of it.
 struct Kind {
     const char* file;
-    const char* format;
-    const char* channels;
+    program::InputOptions options = {};
 };
 
 // One line for each kind.
-constexpr std::array kinds{
-    Kind{"input.wav", "", ""},     Kind{"input.raw", "f32", "1"},  Kind{"input.raw", "cf64", "2"},
-    Kind{"input.raw", "s16", "3"}, Kind{"input.raw", "cs8", "1"},  Kind{"input.raw", "cu8", "2"},
-    Kind{"input.raw", "u8", "1"},  Kind{"input.raw", "cs16", "1"}, Kind{"input.raw", "f64", "1024"},
+const std::array kinds{
+    Kind{"input.wav"},
+    Kind{"input.raw", {.format = "f32", .rate = "48k"}},
+    Kind{"input.raw", {.format = "cf64", .rate = "48k", .channels = "2"}},
+    Kind{"input.raw", {.format = "s16", .rate = "48k", .channels = "3", .seek = "0.0001", .loop = true}},
+    Kind{"input.raw", {.format = "cs8", .rate = "48k", .duration = "0.0005"}},
+    Kind{"input.raw", {.format = "f64", .rate = "1", .channels = "1024"}},
+    Kind{"input.cu8", {.rate = "2.4M", .center = "100M"}},
+    Kind{"input.sigmf"},
+    Kind{"input.sigmf-meta"},
+    Kind{"input.csv"},
+    Kind{"input.csv", {.rate = "1k", .isIq = true, .seek = "0.002"}},
+    Kind{"input.wav", {.isIq = true, .loop = true}},
 };
 
 const std::filesystem::path& folder() {
     static const std::filesystem::path made = [] {
         const auto path = std::filesystem::temp_directory_path() / ("wavedeck_fuzz_" + std::to_string(getpid()));
         std::filesystem::create_directories(path);
+        std::ofstream(path / "input.sigmf-data") << std::string(96, 'x');
         std::atexit([] { std::filesystem::remove_all(folder()); });
         return path;
     }();
@@ -67,11 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             readAll(reader);
             return 0;
         }
-        program::InputOptions options;
-        options.format = kinds[which].format;
-        options.channels = kinds[which].channels;
-        options.rate = options.format.empty() ? "" : "48k";
-        readAll(*program::openInput(path, options));
+        readAll(*program::openInput(path, kinds[which].options));
     } catch (const program::UsageError&) {
     }
     return 0;

@@ -33,6 +33,7 @@ program::SessionFacts sessionFacts() {
     signal.sampleTime = 1e-3;
     signal.frameSize = frameSize;
     facts.signals.push_back(signal);
+    facts.centerFrequencies.push_back(0.0);
     return facts;
 }
 
