@@ -182,6 +182,11 @@ test('phase noise on a logarithmic axis, with the spots of the report; picture a
       return [1000, 10000].map((v) => chart.valToPos(v, 'x')).concat([2000, 20000].map((v) => chart.valToPos(v, 'x')));
     });
     near(decades[1] - decades[0], decades[3] - decades[2], 1, 'a decade is as wide anywhere');
+    const ticks = await page.evaluate(() => {
+      const { chart } = wavedeck.state.view.panes.phaseNoise;
+      return chart.axes[0].values(chart, [500, 600, 1000, 2000, 3000, 10000]);
+    });
+    assert.deepEqual(ticks, ['500', '', '1k', '2k', '', '10k']);
 
     const save = async (id) => {
       const [download] = await Promise.all([page.waitForEvent('download'), page.click(id)]);

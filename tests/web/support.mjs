@@ -131,7 +131,7 @@ export async function set(page, option, value) {
 
 /** A number with its SI prefix, such as "12.5 kHz", as a number. */
 export function quantity(text) {
-  const [, number, prefix] = /^(-?[\d.e+-]+)\s*([TGMkmµnp]?)(?=[A-Za-z]|$)/.exec(text);
+  const [, number, prefix] = /^(-?[\d.e+-]+)\s*([TGMkmµnp]?)(?=[A-Za-z/]|$)/.exec(text);
   const scale = { T: 1e12, G: 1e9, M: 1e6, k: 1e3, m: 1e-3, 'µ': 1e-6, n: 1e-9, p: 1e-12 };
   return Number(number) * (scale[prefix] ?? 1);
 }

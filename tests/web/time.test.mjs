@@ -26,13 +26,15 @@ test('pulses and statistics are those of the report, a triggered picture has its
   await onPage(browser, args, async (page) => {
     await ended(page);
     const report = reportOf(args);
-    const figuresOf = async (title) => Object.fromEntries(await tableRows(page, title));
-    const pulse = await figuresOf('Pulses');
-    for (const [name, key] of [['Rise time', 'riseTime'], ['Fall time', 'fallTime'], ['Period', 'period'], ['Positive width', 'posWidth']]) {
-      near(quantity(pulse[name]), report.bilevel[key].value, 1e-4 * report.bilevel[key].value, name);
+    const figuresOf = async (title) => Object.fromEntries((await tableRows(page, title)).map(([name, ...cells]) => [name, cells]));
+    const pulse = { ...await figuresOf('Levels'), ...await figuresOf('Pulses') };
+    for (const [name, cell, key] of [['Rise, fall time', 0, 'riseTime'], ['Rise, fall time', 1, 'fallTime'], ['Period', 0, 'period'],
+      ['Width', 0, 'posWidth'], ['Width', 1, 'negWidth'], ['Slew rate', 1, 'negSlewRate']]) {
+      const { value } = report.bilevel[key];
+      near(quantity(pulse[name][cell]), value, 1e-3 * Math.abs(value), key);
     }
-    assert.equal(parseFloat(pulse['Duty cycle']).toFixed(2), report.bilevel.posDutyCycle.value.toFixed(2));
-    near(parseFloat((await figuresOf('Statistics')).RMS), report.stats.rms, 1e-4, 'RMS');
+    assert.equal(parseFloat(pulse['Duty cycle'][0]).toFixed(2), report.bilevel.posDutyCycle.value.toFixed(2));
+    near(parseFloat((await figuresOf('Statistics')).RMS[0]), report.stats.rms, 1e-4, 'RMS');
     assert.equal((await status(page)).Trigger, 'triggered');
     // The edge rises from 0 to 1 in 1 ms, one sample 1/48: the trigger's level is reached where the axis says zero.
     const edge = await page.evaluate(() => {

@@ -15,7 +15,7 @@ url.protocol = url.protocol === 'https:' ? 'wss:' : 'ws:';
 const state = {
   clients: new Map(), current: null, view: null, running: true, wanted: null, latest: new Map(), missed: 0, updates: 0, interval: 50,
   connected: false, ended: false, dirty: false, skipped: false, pending: null, fresh: true,
-  /** Milliseconds that the last updates took: to parse, to take in, to draw, and from their sending to the end of the drawing. */
+  /** Milliseconds that each step of the last updates took, and from their sending to the end of the drawing. */
   timings: [],
 };
 const keptTimings = 1000;
@@ -90,14 +90,15 @@ function hello(message) {
 }
 
 /** Draws the newest update; what came in between is in the spectrogram and nowhere else. */
-function draw({ sequence, sent, timing }) {
+function draw({ sequence, sent, arrived, timing }) {
   const begin = performance.now();
   state.view.draw();
   // The chart paints in a microtask of its own, which comes before this one.
   queueMicrotask(() => {
     state.drawn = sequence;
     if (!timing) return;
-    state.timings.push({ ...timing, draw: performance.now() - begin, delay: Date.now() - sent });
+    const end = performance.now();
+    state.timings.push({ ...timing, wait: begin - arrived, draw: end - begin, delay: performance.timeOrigin + end - sent });
     if (state.timings.length > keptTimings) state.timings.shift();
   });
 }
@@ -106,6 +107,7 @@ function update(message, parse) {
   const lost = message.missed !== state.missed;
   state.missed = message.missed;
   state.received = message.sequence;
+  state.clients.get(message.client)?.notice(message.message);
   const now = performance.now();
   if (message.client === state.current) {
     if (state.lastArrival) state.interval += 0.1 * (now - state.lastArrival - state.interval);
@@ -121,7 +123,11 @@ function update(message, parse) {
   const begin = performance.now();
   state.view.update(message.message, lost || state.skipped);
   state.skipped = false;
-  state.pending = { ...message, timing: { parse, take: performance.now() - begin } };
+  const arrived = performance.now();
+  state.pending = {
+    sequence: message.sequence, sent: message.sent, arrived,
+    timing: { building: message.building, writing: message.writing, parse, take: arrived - begin },
+  };
   if (state.wanted === 'step' || (state.wanted === 'single' && state.view.complete())) setRunning(false);
 }
 

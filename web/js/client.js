@@ -6,6 +6,7 @@ export class Client {
     this.name = description.name;
     this.deck = description.deck;
     this.connection = connection;
+    this.waiting = [];
     this.describe(description);
   }
 
@@ -20,6 +21,27 @@ export class Client {
   option(stage, name) { return this.stage(stage)?.options.find((option) => option.name === name); }
 
   value(stage, name, fallback) { return this.option(stage, name)?.value ?? fallback; }
+
+  /** Told of every update, drawn or not. */
+  notice(message) {
+    this.waiting = this.waiting.filter(({ condition, resolve }) => {
+      if (!condition(message)) return true;
+      resolve();
+      return false;
+    });
+  }
+
+  /** Resolves with the first update of which `condition` holds; without one after 5 s. */
+  until(condition) {
+    return new Promise((resolve) => {
+      const entry = { condition, resolve };
+      this.waiting.push(entry);
+      setTimeout(() => {
+        this.waiting = this.waiting.filter((other) => other !== entry);
+        resolve();
+      }, 5000);
+    });
+  }
 
   /** Sends options to a stage and keeps their new values; rejects with the option's own error text. */
   async tune(stage, options) {

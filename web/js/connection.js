@@ -7,6 +7,7 @@ export class Connection {
     this.handlers = handlers;
     this.waiting = new Map();
     this.nextRequest = 1;
+    this.bytes = 0;
     this.delay = 250;
     this.open();
   }
@@ -20,6 +21,7 @@ export class Connection {
     };
     socket.onmessage = (event) => {
       const begin = performance.now();
+      this.bytes += event.data.length;
       const message = JSON.parse(event.data);
       this.receive(message, performance.now() - begin);
     };

@@ -177,11 +177,13 @@ function addSpectrumExtras(host, client, onError, display) {
   host.append(reset, heading, labelled('Map', map, 'map'), labelled('Level from', low, 'level-low'), labelled('Level to', high, 'level-high'));
 }
 
-/** Hold traces start anew when they are switched off and on again. */
+/** Hold traces start anew when they are switched off and on again, and a spectrum is made in between. */
 export async function resetHold(client) {
   const stage = 'spectrum_estimator_filter';
   const held = ['plotMaxHoldTrace', 'plotMinHoldTrace'].filter((name) => client.value(stage, name, false));
   if (!held.length) return;
+  const gone = client.until(({ spectrum }) => held.every((name) => !spectrum[name]));
   await client.tune(stage, Object.fromEntries(held.map((name) => [name, false])));
+  await gone;
   await client.tune(stage, Object.fromEntries(held.map((name) => [name, true])));
 }

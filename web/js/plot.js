@@ -14,6 +14,18 @@ function scaledTicks(scale, splits) {
   return splits.map((v) => (v === null ? '' : String(Number((v / scale).toPrecision(6)))));
 }
 
+/** 1, 2, ... 9 times each power of ten between two limits above 0. */
+function decadeTicks(low, high) {
+  const ticks = [];
+  for (let decade = 10 ** Math.floor(Math.log10(low)); decade <= high; decade *= 10) {
+    for (let i = 1; i < 10; ++i) {
+      const tick = Number((i * decade).toPrecision(6));
+      if (tick >= low && tick <= high) ticks.push(tick);
+    }
+  }
+  return ticks;
+}
+
 export class Plot {
   /**
    * host     element that the pane fills
@@ -35,7 +47,7 @@ export class Plot {
     host.addEventListener('wheel', (event) => this.wheel(event), { passive: false });
   }
 
-  /** x rising; traces: [{name, values (NaN in gaps), colour?, dash?, width?}]. */
+  /** x rising; traces: [{name, values (NaN in gaps), colour?, dash?}]. */
   setTraces(x, traces, unit) {
     const rebuild = !this.chart || traces.length !== this.traces.length || unit !== this.unit ||
       traces.some((trace, i) => trace.name !== this.traces[i].name);
@@ -143,12 +155,13 @@ export class Plot {
     const xAxis = axis(this.options.xLabel, () => this.options.xUnit, () => this.rangeX(), 24);
     if (this.options.logX) {
       xAxis.label = `${this.options.xLabel} / ${this.options.xUnit}`;
-      const decades = Math.log10(this.rangeX()[1] / this.rangeX()[0]);
-      const labelled = decades > 4 ? [1] : decades > 2 ? [1, 3] : [1, 2, 5];
-      xAxis.values = (chart, splits) => splits.map((v) => {
-        const mantissa = v / 10 ** Math.floor(Math.log10(v) + 1e-9);
-        return labelled.includes(Math.round(mantissa * 1e6) / 1e6) ? engineering(v, ' ').replace(/ /g, '') : '';
-      });
+      xAxis.splits = (chart, axis_, low, high) => decadeTicks(low, high);
+      xAxis.filter = (chart, splits) => splits;
+      xAxis.values = (chart, splits) => {
+        const decades = Math.log10(splits[splits.length - 1] / splits[0]);
+        const labelled = decades > 4 ? [1] : decades > 2 ? [1, 3] : [1, 2, 5];
+        return splits.map((v) => (labelled.includes(Number(v.toExponential()[0])) ? engineering(v, ' ').replace(/ /g, '') : ''));
+      };
     }
     const yAxis = axis(this.options.yLabel, () => this.unit, () => this.rangeY(), 52);
     if (this.unit === '°') yAxis.incrs = [1, 2, 5, 10, 15, 30, 45, 90, 180];
@@ -169,7 +182,7 @@ export class Plot {
       series: [{}, ...this.traces.map((trace, i) => ({
         label: trace.name,
         stroke: trace.colour ?? traceColour(i),
-        width: trace.width ?? 1.2,
+        width: 1,  // a wider line of noise takes many times as long to fill without a graphics processor
         dash: trace.dash,
         points: { show: false },
       }))],
@@ -223,7 +236,7 @@ export class Plot {
     const lowest = bbox.top + bbox.height - 4 * ratio;
     let top = Math.min(Math.max(y, bbox.top + 12 * ratio), lowest);
     const covers = (other) => Math.abs(other.top - top) < step && other.left < left + width + 4 * ratio && left < other.right + 4 * ratio;
-    const direction = top - 3 * step > bbox.top ? -1 : 1;
+    const direction = top - 2 * step > bbox.top ? -1 : 1;
     for (let i = 0; i < 8 && this.labels.some(covers); ++i) top += direction * step;
     this.labels.push({ text, left, right: left + width, top });
     context.fillStyle = theme() === 'light' ? 'rgb(255 255 255 / 75%)' : 'rgb(20 23 28 / 75%)';

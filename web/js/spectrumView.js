@@ -127,7 +127,7 @@ export class SpectrumView {
         const data = channel.hold?.[`${kind}Hold`]?.[channel.index];
         if (data) {
           traces.push({
-            x: channel.x, name: channels.length > 1 ? `${kind} ${channel.name}` : `${kind} hold`, width: 1, hold: true,
+            x: channel.x, name: channels.length > 1 ? `${kind} ${channel.name}` : `${kind} hold`,
             ...(channels.length > 1 ? { colour: traceColour(i), dash } : { colour: variable(only) }),
             values: samples({ data, NaNIdx: channel.hold[`${kind}HoldNaNIdx`][channel.index] }),
           });

@@ -49,21 +49,19 @@ export function statisticsTable(stats, unit) {
   ]);
 }
 
-export function pulseTable(bilevel, unit) {
-  const rows = [
-    ['High level', 'highStateLevel', unit], ['Low level', 'lowStateLevel', unit], ['Amplitude', 'amplitude', unit],
-    ['Rising edges', 'posEdges', ''], ['Rise time', 'riseTime', 's'], ['Rising slew rate', 'posSlewRate', '/s'],
-    ['Falling edges', 'negEdges', ''], ['Fall time', 'fallTime', 's'], ['Falling slew rate', 'negSlewRate', '/s'],
-    ['Overshoot, rising', 'posOvershoot', '%'], ['Preshoot, rising', 'posPreshoot', '%'], ['Undershoot, rising', 'posUndershoot', '%'],
-    ['Settling, rising', 'posSettlingTime', 's'], ['Overshoot, falling', 'negOvershoot', '%'],
-    ['Preshoot, falling', 'negPreshoot', '%'], ['Undershoot, falling', 'negUndershoot', '%'],
-    ['Settling, falling', 'negSettlingTime', 's'], ['Period', 'period', 's'], ['Frequency', 'frequency', 'Hz'],
-    ['Positive pulses', 'posPulses', ''], ['Positive width', 'posWidth', 's'], ['Duty cycle', 'posDutyCycle', '%'],
-    ['Negative pulses', 'negPulses', ''], ['Negative width', 'negWidth', 's'], ['Negative duty cycle', 'negDutyCycle', '%'],
-  ];
-  const text = (value, u) => (u === '%' ? (Number.isFinite(value) ? `${value.toFixed(2)} %` : '–') : engineering(value, u));
-  return table('Pulses', rows.filter(([, name]) => !Number.isNaN(figure(bilevel[name])))
-    .map(([label, name, u]) => [label, text(figure(bilevel[name]), u)]));
+/** Tables of levels and period, and of what rising and falling edges, positive and negative pulses have in common. */
+export function pulseTables(bilevel, unit) {
+  const text = (name, u) => {
+    const value = figure(bilevel[name]);
+    return u === '%' && Number.isFinite(value) ? `${value.toFixed(2)} %` : engineering(value, u, 4);
+  };
+  const single = [['High level', 'highStateLevel', unit], ['Low level', 'lowStateLevel', unit], ['Amplitude', 'amplitude', unit],
+    ['Period', 'period', 's'], ['Frequency', 'frequency', 'Hz']].map(([label, name, u]) => [label, text(name, u)]);
+  const pairs = [['Edges', 'posEdges', 'negEdges', ''], ['Rise, fall time', 'riseTime', 'fallTime', 's'],
+    ['Slew rate', 'posSlewRate', 'negSlewRate', '/s'], ...['Preshoot', 'Overshoot', 'Undershoot'].map((what) => [what, `pos${what}`, `neg${what}`, '%']),
+    ['Settling time', 'posSettlingTime', 'negSettlingTime', 's'], ['Pulses', 'posPulses', 'negPulses', ''], ['Width', 'posWidth', 'negWidth', 's'],
+    ['Duty cycle', 'posDutyCycle', 'negDutyCycle', '%']].map(([label, positive, negative, u]) => [label, text(positive, u), text(negative, u)]);
+  return [table('Levels', single), table('Pulses', pairs, ['', 'Positive', 'Negative'])];
 }
 
 export function channelTable(channel, unit, type) {

@@ -4,7 +4,7 @@ import { engineering, figure, figures, level } from './format.js';
 import { variable } from './palette.js';
 import { Plot } from './plot.js';
 import { tag } from './spectrumOverlay.js';
-import { markerTable, peakTable, pulseTable, statisticsTable, triggerTable } from './tables.js';
+import { markerTable, peakTable, pulseTables, statisticsTable, triggerTable } from './tables.js';
 import { align, positions, samples, traceName } from './trace.js';
 
 const triggerStage = 'trigger_filter';
@@ -181,7 +181,7 @@ export class TraceView {
     if (measurements.trigger) out.push(triggerTable(measurements.trigger));
     if (measurements.stats) out.push(statisticsTable(measurements.stats, ''));
     if (this.peaks) out.push(peakTable(this.peaks, this.unit(0), this.axis.unit));
-    if (measurements.bilevel) out.push(pulseTable(measurements.bilevel, ''));
+    if (measurements.bilevel) out.push(...pulseTables(measurements.bilevel, ''));
     return out;
   }
 

@@ -69,8 +69,9 @@ LiveDecks::LiveDecks(const std::string& address, const std::vector<std::unique_p
                                         [this](const TuneRequest& request) { return tune(request); }});
 }
 
-void LiveDecks::publish(const DeckSession& deck, const std::string& event, const std::string& message) {
-    server_->publish(std::string(deck.name()), event, message);
+void LiveDecks::publish(const DeckSession& deck, const std::string& event, const std::string& message,
+                        const UpdateCost& cost) {
+    server_->publish(std::string(deck.name()), event, message, cost);
 }
 
 void LiveDecks::endInput() {

@@ -17,7 +17,7 @@ public:
     LiveDecks(const std::string& address, const std::vector<std::unique_ptr<DeckSession>>& decks);
 
     /// Hands a deck's message to the browsers.
-    void publish(const DeckSession& deck, const std::string& event, const std::string& message);
+    void publish(const DeckSession& deck, const std::string& event, const std::string& message, const UpdateCost& cost);
 
     /// From now on a tune is followed by a replay of what the deck holds, so that its effect shows.
     void endInput();

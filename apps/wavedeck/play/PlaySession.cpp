@@ -286,6 +286,7 @@ void PlaySession::sendIfDue(DeckSession& deck) {
 }
 
 void PlaySession::send(DeckSession& deck) {
+    const auto begin = Clock::now();
     const auto update = deck.client().update();
     if (update.message.isNull()) {
         return;
@@ -297,12 +298,17 @@ void PlaySession::send(DeckSession& deck) {
     if (!messages_ && !live_) {
         return;
     }
+    const auto built = Clock::now();
     const std::string& text = messageText_.write(*update.message);
+    const auto written = Clock::now();
     if (messages_ && !readerGone_) {
         readerGone_ = !messages_->write(deck.name(), update.event, text);
     }
     if (live_) {
-        live_->publish(deck, update.event, text);
+        const auto milliseconds = [](auto from, auto to) {
+            return std::chrono::duration<double, std::milli>(to - from).count();
+        };
+        live_->publish(deck, update.event, text, {milliseconds(begin, built), milliseconds(built, written)});
     }
 }
 

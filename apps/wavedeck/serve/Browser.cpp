@@ -91,8 +91,9 @@ void Browser::sendText(const std::string& text) {
 std::string Browser::envelope(const LiveMessage& message) const {
     std::string text = R"({"type":"update","client":")" + message.client + R"(","event":")" + message.event +
                        R"(","sequence":)" + std::to_string(message.sequence) + R"(,"missed":)" +
-                       std::to_string(missed_.load()) + R"(,"sent":)" + std::to_string(millisecondsSinceEpoch()) +
-                       R"(,"message":)";
+                       std::to_string(missed_.load()) + R"(,"building":)" + std::to_string(message.cost.building) +
+                       R"(,"writing":)" + std::to_string(message.cost.writing) + R"(,"sent":)" +
+                       std::to_string(millisecondsSinceEpoch()) + R"(,"message":)";
     text += message.text;
     text += '}';
     return text;

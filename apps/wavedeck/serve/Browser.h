@@ -14,12 +14,19 @@
 
 namespace program {
 
+/// What an update took before it was sent, ms.
+struct UpdateCost {
+    double building = 0.0;  ///< making the message
+    double writing = 0.0;   ///< its text
+};
+
 /// One update on its way to the browsers; shared by all of them.
 struct LiveMessage {
     std::string client;
     std::string event;
     std::string text;            ///< JSON
     std::uint64_t sequence = 0;  ///< counts the messages of all clients
+    UpdateCost cost;
 };
 
 /// One live connection: a writer thread that sends replies and the newest messages, and the caller's thread that reads.

@@ -195,10 +195,12 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
     left.notify_all();
 }
 
-void LiveServer::publish(const std::string& client, const std::string& event, const std::string& message) {
+void LiveServer::publish(const std::string& client, const std::string& event, const std::string& message,
+                         const UpdateCost& cost) {
     const std::lock_guard lock(state_->mutex);
     ++state_->sequence;
-    const auto shared = std::make_shared<const LiveMessage>(LiveMessage{client, event, message, state_->sequence});
+    const auto shared =
+        std::make_shared<const LiveMessage>(LiveMessage{client, event, message, state_->sequence, cost});
     state_->newest[client] = shared;
     for (const auto& browser : state_->browsers) {
         browser->offer(shared);

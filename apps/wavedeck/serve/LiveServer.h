@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "Browser.h"
+
 namespace program {
 
 /// What a browser asks a stage to change.
@@ -57,7 +59,9 @@ public:
     /// Hands every browser a client's newest message. Returns at once.
     /// event    name under which the message goes out
     /// message  JSON text
-    void publish(const std::string& client, const std::string& event, const std::string& message);
+    /// cost     what it took to make; goes along
+    void publish(const std::string& client, const std::string& event, const std::string& message,
+                 const UpdateCost& cost = {});
 
     /// Hands every browser a fresh description of the clients; a tune that was taken does so by itself.
     void describeAnew();
