@@ -13,7 +13,8 @@ namespace program {
 /// ahead, so that it knows its last one; what it has stepped waits until the client is shown it.
 class DeckSimulation final : private wavedeck::driver::SimulationInput {
 public:
-    explicit DeckSimulation(wavedeck::driver::DeckClient& client) : simulation_(client, *this) {}
+    /// A session goes forward only: the simulation keeps no steps to go back to.
+    explicit DeckSimulation(wavedeck::driver::DeckClient& client) : simulation_(client, *this, 1) {}
 
     /// Adds a frame of all signals and simulates what has become known, unless the pacer holds the simulation.
     void push(const std::vector<std::vector<double>>& frame);
@@ -38,7 +39,6 @@ public:
 
 private:
     bool read(std::size_t signal, std::size_t frameSize, std::vector<double>& frame) override;
-    /// A session goes forward only.
     void restart() override {}
     void advance();
 
