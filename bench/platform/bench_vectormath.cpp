@@ -8,6 +8,7 @@
 #include <cmath>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -104,6 +105,22 @@ void average(benchmark::State& state, InstructionSet set) {
     benchmark::DoNotOptimize(found);
 }
 
+void averagePower(benchmark::State& state, InstructionSet set) {
+    const VectorKernels& kernels = kernelsFor(set);
+    const AlignedVector<double> spectrum = noise(2 * hot);
+    AlignedVector<double> mean = noise(hot);
+    bool found = false;
+    compare(
+        state, hot, [&] { found |= kernels.averagePower(spectrum.data(), 0.5, mean.data(), hot, 0.25, false); },
+        [&] {
+            for (std::size_t i = 0; i < hot; ++i) {
+                double row = scalar_formulas::scaledPower(spectrum.data(), 0.5, i);
+                found |= scalar_formulas::averageExponentially(row, mean[i], 0.25, false);
+            }
+        });
+    benchmark::DoNotOptimize(found);
+}
+
 void hold(benchmark::State& state, InstructionSet set) {
     const VectorKernels& kernels = kernelsFor(set);
     const AlignedVector<double> row = noise(hot);
@@ -123,16 +140,18 @@ struct Subject {
     benchmark::IterationCount rounds;
 };
 
-constexpr Subject subjects[] = {{"decibels", decibels, 60},           {"powers_of_ten", powersOfTen, 60},
-                                {"window_real", windowOfReal, 20000}, {"power", powerOfBins, 20000},
-                                {"average", average, 20000},          {"hold", hold, 20000}};
+constexpr Subject subjects[] = {
+    {"decibels", decibels, 60},    {"powers_of_ten", powersOfTen, 60}, {"window_real", windowOfReal, 20000},
+    {"power", powerOfBins, 20000}, {"average", average, 20000},        {"average_power", averagePower, 20000},
+    {"hold", hold, 20000}};
 
 const bool registered = [] {
-    for (const InstructionSet set : {InstructionSet::portable, InstructionSet::avx2}) {
+    for (const auto& [set, name] : {std::pair{InstructionSet::portable, "/portable"},
+                                    {InstructionSet::avx2, "/avx2"},
+                                    {InstructionSet::avx512, "/avx512"}}) {
         for (const Subject& subject : subjects) {
             if (isSupported(set)) {
-                const std::string suffix = set == InstructionSet::avx2 ? "/avx2" : "/portable";
-                benchmark::RegisterBenchmark((subject.name + suffix).c_str(), subject.run, set)
+                benchmark::RegisterBenchmark((std::string(subject.name) + name).c_str(), subject.run, set)
                     ->Iterations(subject.rounds)
                     ->UseManualTime();
             }

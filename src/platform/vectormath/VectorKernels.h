@@ -28,6 +28,7 @@ const VectorKernels& kernelsFor(InstructionSet set);
 extern const VectorKernels portableKernels;
 #if defined(__x86_64__)
 extern const VectorKernels avx2Kernels;
+extern const VectorKernels avx512Kernels;
 #endif
 
 }  // namespace dspwavedecks::vectormath

@@ -10,19 +10,76 @@ constexpr std::int64_t exponentAsDouble = 0x4330000000000000;  // bits of 2^52, 
 constexpr double infinity = __builtin_inf();
 constexpr double smallestNormal = 0x1p-1022;
 
+// 10 * log10(2), split into a part with 42 bits, whose product with an exponent is exact, and the rest.
+constexpr double decibelsOfTwoHigh = 0x1.8151824c75800p+1;
+constexpr double decibelsOfTwoLow = 0x1.fabf59b5d80b8p-45;
+
+#if VECTOR_LANES == 8
+constexpr unsigned char allLanes = 0xff;  // the forms without a mask make GCC 12 warn of a variable in its own header
+#endif
+
 VECTOR_INLINE Doubles squareRoot(Doubles x) {
 #if VECTOR_LANES == 2
     return Doubles{__builtin_sqrt(x[0]), __builtin_sqrt(x[1])};
+#elif VECTOR_LANES == 8
+    return (Doubles)_mm512_maskz_sqrt_pd(allLanes, (__m512d)x);
 #else
     return (Doubles)_mm256_sqrt_pd((__m256d)x);
 #endif
 }
 
+#if VECTOR_LANES == 8
+
+/// 10 * log10(x * 2^-shift) for x finite, positive and normal.
+/// Division is the slowest instruction of the usual way, which is the one below; a register holds a table here.
+/// x = 2^e * m with m in 1 .. 2. The first four bits of m choose c, a short number near 1 / m, and -10 * log10(c); with
+/// r = m * c - 1, in -0.029 .. 0.063, 10 * log10(1 + r) = r * P(r). The P below departs from that by 9e-17 dB
+/// at most (Chebyshev interpolation). The first c is 1, so that powers of two have no part of the table's rounding.
+VECTOR_INLINE Doubles decibelsOfNormal(Doubles x, Doubles shift) {
+    const Doubles e = (Doubles)_mm512_maskz_getexp_pd(allLanes, (__m512d)x) - shift;
+    const Doubles m = (Doubles)_mm512_maskz_getmant_pd(allLanes, (__m512d)x, _MM_MANT_NORM_1_2, _MM_MANT_SIGN_zero);
+    const __m512i place = (__m512i)((Naturals)m >> 48);  // the four lowest bits count
+    const Doubles c = (Doubles)_mm512_permutex2var_pd(
+        (__m512d)Doubles{0x1.0000000000000p+0, 0x1.d420000000000p-1, 0x1.bac0000000000p-1, 0x1.a420000000000p-1,
+                         0x1.8fa0000000000p-1, 0x1.7d00000000000p-1, 0x1.6c20000000000p-1, 0x1.5ca0000000000p-1},
+        place,
+        (__m512d)Doubles{0x1.4e60000000000p-1, 0x1.4140000000000p-1, 0x1.3520000000000p-1, 0x1.29e0000000000p-1,
+                         0x1.1f80000000000p-1, 0x1.15c0000000000p-1, 0x1.0ca0000000000p-1, 0x1.0420000000000p-1});
+    const Doubles ofC = (Doubles)_mm512_permutex2var_pd(
+        (__m512d)Doubles{0.0, 0x1.8e6b51511cfd7p-2, 0x1.43215cd0c50bcp-1, 0x1.b7c39f516efeap-1, 0x1.138014d62e694p+0,
+                         0x1.48902b68b3391p+0, 0x1.7aee09162c1c5p+0, 0x1.ab4b13c2c6170p+0},
+        place,
+        (__m512d)Doubles{0x1.d9b14c82f222fp+0, 0x1.031b38ce3bea0p+1, 0x1.187e6de6a86cdp+1, 0x1.2d1a19ff71492p+1,
+                         0x1.40cf2164c4674p+1, 0x1.53fd0414753bcp+1, 0x1.668ee10e2111dp+1, 0x1.786eb666d0ac6p+1});
+    const Doubles zero{};
+    const Doubles r = multiplyAdd(m, c, zero - 1.0);
+    Doubles p = zero + 0x1.b0bd3ca486390p-2;
+    p = multiplyAdd(p, r, zero - 0x1.14dd6602cf57bp-1);
+    p = multiplyAdd(p, r, zero + 0x1.3daf6292de29bp-1);
+    p = multiplyAdd(p, r, zero - 0x1.729999b2a29f5p-1);
+    p = multiplyAdd(p, r, zero + 0x1.bcb7b1552e0e9p-1);
+    p = multiplyAdd(p, r, zero - 0x1.15f2cecb0e613p+0);
+    p = multiplyAdd(p, r, zero + 0x1.729913c4a9bafp+0);
+    p = multiplyAdd(p, r, zero - 0x1.15f2ced385165p+1);
+    p = multiplyAdd(p, r, zero + 0x1.15f2ced384f29p+2);
+    const Doubles low = multiplyAdd(e, zero + decibelsOfTwoLow, multiplyAdd(p, r, ofC));
+    return multiplyAdd(e, zero + decibelsOfTwoHigh, low);
+}
+
+VECTOR_INLINE bool allNormal(Doubles x) {
+    // Of positive numbers the bits stand in the order of the numbers; negative ones and NaN lie above as unsigned ones.
+    constexpr std::int64_t smallestBits = 0x0010000000000000;
+    constexpr std::int64_t infinityBits = 0x7ff0000000000000;
+    return _mm512_cmplt_epu64_mask((__m512i)((Integers)x - smallestBits),
+                                   _mm512_set1_epi64(infinityBits - smallestBits)) == allLanes;
+}
+
+#else
+
 /// 10 * log10(x * 2^-shift) for x finite, positive and normal.
 /// x = 2^e * m with m in sqrt(1/2) .. sqrt(2), so that e is 0 about x = 1 and nothing cancels there. With
 /// s = (m - 1) / (m + 1), 10 * log10(m) = 20 / ln(10) * atanh(s) = s * P(s^2); the P below departs from that by
-/// 1.6e-15 at most over |s| <= 0.1716 (Chebyshev interpolation), which is 2.7e-16 dB. e * (10 * log10(2)) is split into
-/// a part with 42 bits, whose product with e is exact, and the rest.
+/// 1.6e-15 at most over |s| <= 0.1716 (Chebyshev interpolation), which is 2.7e-16 dB.
 VECTOR_INLINE Doubles decibelsOfNormal(Doubles x, Doubles shift) {
     const Integers raised = (Integers)x + (oneBits - rootHalfBits);
     const Integers biased = (Integers)((Naturals)raised >> 52) | exponentAsDouble;
@@ -38,9 +95,15 @@ VECTOR_INLINE Doubles decibelsOfNormal(Doubles x, Doubles shift) {
     p = multiplyAdd(p, z, zero + 0x1.bcb7b15df40d7p+0);
     p = multiplyAdd(p, z, zero + 0x1.729913c4ae8bcp+1);
     p = multiplyAdd(p, z, zero + 0x1.15f2ced384f2ap+3);
-    const Doubles low = multiplyAdd(e, zero + 0x1.fabf59b5d80b8p-45, s * p);
-    return multiplyAdd(e, zero + 0x1.8151824c75800p+1, low);
+    const Doubles low = multiplyAdd(e, zero + decibelsOfTwoLow, s * p);
+    return multiplyAdd(e, zero + decibelsOfTwoHigh, low);
 }
+
+VECTOR_INLINE bool allNormal(Doubles x) {
+    return !any(~((x >= smallestNormal) & (x < infinity)));
+}
+
+#endif
 
 /// 10 * log10(x) where a lane is zero, denormal, negative, infinite or NaN.
 VECTOR_INLINE Doubles decibelsOfAny(Doubles x) {
@@ -55,8 +118,7 @@ VECTOR_INLINE Doubles decibelsOfAny(Doubles x) {
 }
 
 VECTOR_INLINE Doubles decibelsOf(Doubles x) {
-    const Integers regular = (x >= smallestNormal) & (x < infinity);
-    if (__builtin_expect(any(~regular), 0)) {
+    if (__builtin_expect(!allNormal(x), 0)) {
         return decibelsOfAny(x);
     }
     return decibelsOfNormal(x, Doubles{});
@@ -164,15 +226,23 @@ VECTOR_TARGET void squareRoots(const double* power, double* roots, std::size_t n
     forEach(power, roots, n, SquareRoot{});
 }
 
-// The compilers vectorise the next four loops as well as anything written out: the comparisons become one maximum or
-// minimum instruction, which treats NaN in just this way.
-
 VECTOR_TARGET void windowReal(const double* samples, const double* window, double* __restrict spectrum, std::size_t n) {
-    for (std::size_t i = 0; i < n; ++i) {
+    std::size_t i = 0;
+    for (; lanes > 2 && i + lanes <= n; i += lanes) {  // of vectors of two, the plain loop is the faster one
+        Doubles low;
+        Doubles high;
+        interleave(load(samples + i) * load(window + i), Doubles{}, low, high);
+        store(spectrum + 2 * i, low);
+        store(spectrum + 2 * i + lanes, high);
+    }
+    for (; i < n; ++i) {
         spectrum[2 * i] = samples[i] * window[i];
         spectrum[2 * i + 1] = 0;
     }
 }
+
+// The compilers vectorise the next three loops as well as anything written out: the comparisons become one maximum or
+// minimum instruction, which treats NaN in just this way.
 
 VECTOR_TARGET void scaledPower(const double* spectrum, double scale, double* __restrict power, std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) {
@@ -241,6 +311,11 @@ VECTOR_INLINE Doubles magnitudesSquared(const double* spectrum) {
     const Doubles high = load(spectrum + lanes) * load(spectrum + lanes);
 #if VECTOR_LANES == 2
     return __builtin_shufflevector(low, high, 0, 2) + __builtin_shufflevector(low, high, 1, 3);
+#elif VECTOR_LANES == 8
+    Doubles real;
+    Doubles imaginary;
+    separate(low, high, real, imaginary);
+    return real + imaginary;
 #else
     // Pairs are parted within each half of a vector, and the sums put in order once.
     const Doubles sums =
@@ -255,16 +330,15 @@ VECTOR_TARGET bool averagePower(const double* spectrum, double scale, double* av
     const double rest = 1 - weight;
     Integers notFinite{};
     std::size_t i = 0;
-    // Four vectors at a time are looked at as one: a product with 0 is 0 unless its factor is infinite or NaN. Choosing
-    // in each lane, which only the others need, takes half of the time.
+    // Four vectors at a time are looked at as one: their sum is infinite or NaN if one is, and its product with 0 is no
+    // 0 then. (A sum of finite ones that overflows takes the longer way for nothing.) Choosing in each lane, which only
+    // the others need, takes half of the time.
     for (; i + 4 * lanes <= n; i += 4 * lanes) {
         Doubles y[4];
-        Doubles zero{};
         for (std::size_t part = 0; part < 4; ++part) {
             y[part] = scale * magnitudesSquared(spectrum + 2 * (i + part * lanes));
-            zero += y[part] * 0.0;
         }
-        const bool allFinite = !any(zero != 0.0);
+        const bool allFinite = !any(((y[0] + y[1]) + (y[2] + y[3])) * 0.0 != 0.0);
         for (std::size_t part = 0; part < 4; ++part) {
             const Doubles m = load(average + i + part * lanes);
             if (allFinite) {

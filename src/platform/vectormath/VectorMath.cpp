@@ -8,8 +8,9 @@ namespace dspwavedecks::vectormath {
 namespace {
 
 const VectorKernels& kernels() {
-    static const VectorKernels& best =
-        kernelsFor(isSupported(InstructionSet::avx2) ? InstructionSet::avx2 : InstructionSet::portable);
+    static const VectorKernels& best = kernelsFor(isSupported(InstructionSet::avx512) ? InstructionSet::avx512
+                                                  : isSupported(InstructionSet::avx2) ? InstructionSet::avx2
+                                                                                      : InstructionSet::portable);
     return best;
 }
 
@@ -17,7 +18,10 @@ const VectorKernels& kernels() {
 
 const VectorKernels& kernelsFor(InstructionSet set) {
 #if defined(__x86_64__)
-    if (set != InstructionSet::portable) {  // wider vectors gain nothing here: divisions and stores are the limit
+    if (set == InstructionSet::avx512) {
+        return avx512Kernels;
+    }
+    if (set == InstructionSet::avx2) {
         return avx2Kernels;
     }
 #endif

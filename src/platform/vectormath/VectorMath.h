@@ -9,7 +9,7 @@
 /// same length, and must not overlap another array otherwise. Where a formula is made of sums, products, quotients and
 /// roots, the result is that of the plain double formula in the order written, bit for bit, on every machine.
 /// Logarithms and powers of ten stay within the error that is stated, and differ in the last place between machines
-/// with and without fused multiply-add.
+/// of different instruction sets.
 namespace dspwavedecks::vectormath {
 
 /// Added to a power or an amplitude before its logarithm is taken, so that zero gives a very low level that is finite.

@@ -1,4 +1,4 @@
-// Choices between lanes and parts of vectors, for 2 and 4 lanes. Included behind VectorType.inl.
+// Choices between lanes and parts of vectors, for any number of lanes. Included behind VectorType.inl.
 
 /// The first `n` doubles of a vector, the others `filler`.
 VECTOR_INLINE Doubles loadSome(const double* source, std::size_t n, double filler) {
@@ -16,7 +16,9 @@ VECTOR_INLINE Doubles select(Integers mask, Doubles yes, Doubles no) {
 }
 
 VECTOR_INLINE bool any(Integers mask) {
-#if VECTOR_LANES == 4
+#if VECTOR_LANES == 8
+    return _mm512_test_epi64_mask((__m512i)mask, (__m512i)mask) != 0;
+#elif VECTOR_LANES == 4
     return _mm256_movemask_pd((__m256d)mask) != 0;
 #elif defined(__SSE2__)
     return _mm_movemask_pd((__m128d)mask) != 0;

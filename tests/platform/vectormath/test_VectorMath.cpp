@@ -236,9 +236,9 @@ TEST_P(EveryLengthAndAddress, EqualsThePlainFormula) {
     }
 }
 
-constexpr InstructionSet allSets[] = {InstructionSet::portable, InstructionSet::avx2};
+constexpr InstructionSet allSets[] = {InstructionSet::portable, InstructionSet::avx2, InstructionSet::avx512};
 const auto nameOfSet = [](const testing::TestParamInfo<InstructionSet>& info) {
-    return info.param == InstructionSet::avx2 ? "Avx2" : "Portable";
+    return info.param == InstructionSet::avx512 ? "Avx512" : info.param == InstructionSet::avx2 ? "Avx2" : "Portable";
 };
 INSTANTIATE_TEST_SUITE_P(Sets, Kernels, testing::ValuesIn(allSets), nameOfSet);
 INSTANTIATE_TEST_SUITE_P(Sets, EveryLengthAndAddress, testing::ValuesIn(allSets), nameOfSet);
