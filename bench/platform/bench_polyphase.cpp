@@ -21,7 +21,7 @@ using Complex = std::complex<double>;
 
 constexpr std::size_t numBands = 1024;
 constexpr std::size_t numTaps = 12;
-constexpr std::size_t rowStride = 2 * numBands;
+constexpr std::size_t rowStride = 2 * numBands + 136;  // no power of two, as the estimator has it
 
 AlignedVector<double> noise(std::size_t n) {
     std::mt19937 random(1);

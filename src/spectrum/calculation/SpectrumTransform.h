@@ -28,8 +28,9 @@ public:
     double* input(std::size_t channel, std::size_t segment = 0) {
         return in.get() + segmentStride() * segment + 2 * points * channel;
     }
-    /// Doubles from a segment to the next, whole cache lines.
-    std::size_t segmentStride() const { return (2 * numChannels * points + 7) / 8 * 8; }
+    /// Doubles from a segment to the next, whole cache lines, and never a power of two: a bank that writes segments
+    /// side by side would have them all in the same few sets of the first cache.
+    std::size_t segmentStride() const { return (2 * numChannels * points + 7) / 8 * 8 + 136; }
     const double* output(std::size_t channel) const { return out.get() + 2 * points * channel; }
 
 private:
