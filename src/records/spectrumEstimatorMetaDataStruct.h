@@ -42,8 +42,6 @@ struct spectrumEstimatorFigures {
     bool resetSignalBuffers = false;              ///< what a consumer holds of earlier updates no longer fits
     bool dataHasNaNs = false;                     ///< a NaN or an infinity came in since the last reset
     bool useNaNsInCalculatingAverages = false;
-
-    bool operator==(const spectrumEstimatorFigures&) const = default;
 };
 
 /// What a spectrum estimator works with and what its last update gave, as it stands on the settings board.

@@ -43,6 +43,11 @@ void reserveForAppending(SampleVector<Sample>& run, std::size_t needed) {
     }
 }
 
+/// Samples in the open segment, 0 without segments. Mostly there is no whole one before it, and no need to divide.
+std::size_t openSamples(std::size_t held, std::size_t segmentLength) {
+    return held < segmentLength ? held : segmentLength == 0 ? 0 : held % segmentLength;
+}
+
 template <class Sample, class Source>
 void appendSamples(SampleVector<Sample>& run, const Source& source, std::size_t first, std::size_t count) {
     const std::size_t held = run.size();
@@ -149,10 +154,10 @@ template <class Sample, class Source>
 void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const {
     const std::size_t L = segmentLength;
     const std::size_t hop = L > numOverlapSamples ? L - numOverlapSamples : 1;
-    reserveForAppending(run, run.size() + numSamples + (numSamples / hop + 2) * numOverlapSamples);
-
     std::size_t position = 0;
-    const std::size_t partial = L == 0 ? 0 : run.size() % L;
+    const std::size_t partial = openSamples(run.size(), L);
+    const std::size_t openings = numSamples < hop ? 2 : numSamples / hop + 2;
+    reserveForAppending(run, run.size() + numSamples + openings * numOverlapSamples);
     if (partial != 0 || (run.empty() && !zerosInFirstSegment)) {
         position = std::min(numSamples, L - partial);
         appendSamples(run, source, 0, position);
@@ -162,7 +167,7 @@ void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std
         appendSamples(run, source, position, hop);
     }
     // The overlap of the next segment goes in at once, so that the run ends in an open segment unless there is none.
-    if (run.empty() || (L != 0 && run.size() % L == 0)) {
+    if (run.empty() || (L != 0 && openSamples(run.size(), L) == 0)) {
         openSegment(run);
     }
     appendSamples(run, source, position, numSamples - position);
@@ -178,7 +183,8 @@ std::size_t SpectrumBuffer::size(const std::size_t& channel) const {
 }
 
 std::size_t SpectrumBuffer::getNumSegments(const std::size_t& channel) const {
-    return segmentLength == 0 ? 0 : size(channel) / segmentLength;
+    const std::size_t held = size(channel);
+    return held < segmentLength || segmentLength == 0 ? 0 : held / segmentLength;
 }
 
 bool SpectrumBuffer::isReady() const {

@@ -4,6 +4,7 @@
 #include <array>
 #include <complex>
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -165,6 +166,8 @@ public:
                                                            const int& signal);
 
     const spectrumEstimatorMetaDataStruct& getSpectrumMetaData() const { return metaData; }
+    /// Rises when anything in the record may have changed: a frame without an update leaves both as they are.
+    std::uint64_t getRecordVersion() const { return recordVersion; }
     /// For the publisher of the record, which hands the flag resetCachedNumSamplesProcessed on once.
     void clearResetCachedNumSamplesProcessed() { metaData.resetCachedNumSamplesProcessed = false; }
 
@@ -684,6 +687,7 @@ private:
     std::size_t totalNumSamplesProcessed = 0;
     std::optional<SpectrumBuffer> spectrumBuffer;
     spectrumEstimatorMetaDataStruct metaData;
+    std::uint64_t recordVersion = 0;
     AlignedVector<double> averagedSpectrum;
     std::vector<double> averagingWeights;
     std::vector<double> maxHoldPSD;

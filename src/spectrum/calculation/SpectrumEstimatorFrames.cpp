@@ -45,6 +45,7 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const 
         spectrumBuffer->setZerosInFirstSegment(true);
         return metaData;
     }
+    ++recordVersion;
     metaData.isNewDataReady = false;
     // The signal's number stands for a channel of the buffer here. The two differ once a signal has several channels;
     // that is meant.
@@ -81,6 +82,7 @@ void SpectrumEstimator::repeatCachedSpectrum(std::vector<double>& out, const int
     const std::size_t place = std::min(numSpectrumBlocks * spectrumLength, out.size());
     std::copy_n(cached.begin(), std::min(cached.size(), out.size() - place),
                 out.begin() + static_cast<std::ptrdiff_t>(place));
+    ++recordVersion;
     metaData.resetSignalBuffers = resetSignalBuffers;
 }
 
@@ -129,6 +131,7 @@ void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>&
         spectrumBuffer->setZerosInFirstSegment(true);
         return;
     }
+    ++recordVersion;
     metaData.isNewDataReady = false;
     numSegments = newSegments;
     finishOutput(out, signal, channels);
@@ -153,7 +156,8 @@ std::size_t SpectrumEstimator::sliceLength() const {
     const std::size_t L = spectrumBuffer->getSegmentLength();
     const std::size_t hop = L - spectrumBuffer->getNumOverlapSamples();
     if (!spectrumBuffer->holdsComplexSamples()) {
-        const std::size_t open = spectrumBuffer->size(0) % L;
+        const std::size_t held = spectrumBuffer->size(0);
+        const std::size_t open = held < L ? held : held % L;
         return open == 0 ? hop : L - open;
     }
     constexpr std::size_t leastSamples = 1024;  // below, calls cost more than the cache gains
@@ -290,6 +294,7 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::processSpectrum(const 
     if (!isLaidOutFor(signal)) {
         return metaData;
     }
+    ++recordVersion;
     metaData.isNewDataReady = false;
     numSegments = 1;
     const std::size_t channels = getNumChannels(signal);

@@ -67,6 +67,7 @@ void SpectrumEstimator::release(const bool& fullReset) {
     numSamplesProcessed = 0;
     numUpdatesProcessed = 0;
     totalNumSamplesProcessed = 0;
+    ++recordVersion;
     metaData.resetCachedNumSamplesProcessed = true;
     dataHasNaNs = false;
     if (!fullReset) {
@@ -141,6 +142,7 @@ bool SpectrumEstimator::isDesiredSegmentLengthMet(const bool& flag) const {
 // All but what an update writes: the number of segments and blocks, the RBW of the update, and that it is there.
 void SpectrumEstimator::updateSpectrumMetaData() {
     const auto signals = static_cast<std::size_t>(std::max(numSignals, 0));
+    ++recordVersion;
     metaData.segmentLength = actualSegmentLength;
     metaData.fftLength = actualFFTLength;
     metaData.spectrumLength = spectrumLength;

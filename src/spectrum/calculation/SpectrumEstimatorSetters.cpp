@@ -217,11 +217,19 @@ void SpectrumEstimator::setFrequencyOffset(const std::vector<double>& value) {
     assign(frequencyOffset, value, changed | signalBuffers);
 }
 
+// Called with every frame: only a size that changes takes the lock.
+
 void SpectrumEstimator::setFrameSize(const std::vector<int>& value) {
+    if (value == frameSize) {
+        return;
+    }
     const std::lock_guard lock(mutex);
     frameSize = value;
 }
 void SpectrumEstimator::setUnbufferedFrameSize(const std::vector<int>& value) {
+    if (value == unbufferedFrameSize) {
+        return;
+    }
     const std::lock_guard lock(mutex);
     unbufferedFrameSize = value;
 }

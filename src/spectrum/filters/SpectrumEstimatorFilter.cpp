@@ -32,9 +32,18 @@ void SpectrumEstimatorFilter::filterImpl(const double* data, std::vector<double>
     publish(signal, !out.empty());
 }
 
+void SpectrumEstimatorFilter::rememberClient() {
+    const auto found = findClient(clientID);
+    clientAtSetup = found;
+    client = found.get();
+}
+
 void SpectrumEstimatorFilter::estimate(const double* data, std::vector<double>& out, int signal, int signals,
                                        const std::vector<int>& points) {
-    const auto client = findClient(clientID);
+    // The client owns its stages and outlives their frames; looking it up by name would cost more than a short frame.
+    if (clientAtSetup.expired()) {
+        rememberClient();
+    }
     const bool isReplay = client->isDataSourceRepository();
     out.clear();  // what stands there is from an earlier frame: only an update gives something
     prepareEstimator(signals, points, isReplay);
@@ -77,7 +86,7 @@ void SpectrumEstimatorFilter::setPropertiesOnSetup(const PropertyList& list) {
                 required<options::numChannels>(numChannels),  //
                 required<options::frameSize>(frameSize),      //
                 required<options::numSignals>(numSignals));
-    const auto client = findClient(clientID);
+    rememberClient();
     isComplex.clear();
     std::vector<double> factors;
     for (const int flag : client->isComplex()) {

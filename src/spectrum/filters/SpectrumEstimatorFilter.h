@@ -3,6 +3,7 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/SharedPtr.h>
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -12,6 +13,7 @@
 #include "JsonArrays.h"
 #include "SpectrumEstimator.h"
 #include "spectrumEstimatorMetaDataStruct.h"
+#include "wavedeck/WaveDeckClientInfo.h"
 
 namespace dspwavedecks {
 
@@ -77,15 +79,18 @@ protected:
     std::unique_ptr<SpectrumEstimator> estimator;
 
 private:
+    void rememberClient();
     void prepareEstimator(int signals, const std::vector<int>& points, bool isReplay);
     bool isInputChanged(int signals) const;
 
     // State.
-    int signalsAtSetup = 0;                     ///< what the estimator was last set up with
-    std::vector<int> channelsAtSetup;           ///< the same
-    std::vector<int> complexAtSetup;            ///< the same
-    bool isRecordDue = true;                    ///< the board lacks the whole record
-    spectrumEstimatorFigures publishedFigures;  ///< what the board holds otherwise
+    int signalsAtSetup = 0;              ///< what the estimator was last set up with
+    std::vector<int> channelsAtSetup;    ///< the same
+    std::vector<int> complexAtSetup;     ///< the same
+    bool isRecordDue = true;             ///< the board lacks the whole record
+    std::uint64_t publishedVersion = 0;  ///< of the estimator's record that the board holds
+    std::weak_ptr<wavedeck::WaveDeckClientInfo> clientAtSetup;
+    wavedeck::WaveDeckClientInfo* client = nullptr;  ///< the same, valid as long as that has not expired
 };
 
 }  // namespace dspwavedecks

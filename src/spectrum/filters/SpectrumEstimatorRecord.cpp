@@ -80,10 +80,10 @@ void SpectrumEstimatorFilter::setSpectrumEstimatorMetaData(const std::string& cl
 void SpectrumEstimatorFilter::publish(int signal, bool hasUpdate) {
     const Record& record = estimator->getSpectrumMetaData();
     // A frame without an update would write what is there already.
-    if (!isRecordDue && !hasUpdate && record == publishedFigures) {
+    if (!isRecordDue && !hasUpdate && estimator->getRecordVersion() == publishedVersion) {
         return;
     }
-    publishedFigures = record;
+    publishedVersion = estimator->getRecordVersion();
     if (isRecordDue) {
         setSpectrumEstimatorMetaData(clientID, record);
     } else {
@@ -97,7 +97,6 @@ void SpectrumEstimatorFilter::publish(int signal, bool hasUpdate) {
     }
     isRecordDue = false;
     estimator->clearResetCachedNumSamplesProcessed();
-    publishedFigures.resetCachedNumSamplesProcessed = false;
 }
 
 bool SpectrumEstimatorFilter::hasSpectrumEstimatorMetaData(const std::string& clientID) {
