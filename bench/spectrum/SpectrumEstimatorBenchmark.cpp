@@ -3,6 +3,7 @@
 
 #include <fftw3.h>
 
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <memory>
@@ -163,23 +164,60 @@ void fromMemory(benchmark::State& state) {
 }
 BENCHMARK(fromMemory)->UseManualTime()->MinTime(1.0);
 
-/// Argument: length. From a change of the window's length to the first spectrum, the frame of one segment included; the
-/// yardstick is the bare transform. Plans are the quick ones of a length that was never used.
+/// A program that improves its plans, far busier than any: lengths never used before get a quick plan and are measured
+/// one after the other, with a step every two milliseconds.
+class PlansInTheMaking {
+public:
+    PlansInTheMaking() : thread_([this] { run(); }) {}
+    ~PlansInTheMaking() {
+        stop_ = true;
+        thread_.join();
+    }
+    PlansInTheMaking(const PlansInTheMaking&) = delete;
+    PlansInTheMaking& operator=(const PlansInTheMaking&) = delete;
+    /// Seconds that the longest step took.
+    double longestStep() const { return longestStep_; }
+
+private:
+    void run() {
+        fftbridge::FftPlanCache plans;
+        for (std::size_t length = 4096; !stop_; length += 512) {
+            const AlignedVector<double> in(2 * length);
+            AlignedVector<double> out(2 * length);
+            fftbridge::interleavedFFT1D<double, 2>({}, plans, in.data(), out.data(), length, 1, -1, false);
+            bool more = true;
+            while (more && !stop_) {
+                const double seconds =
+                    bench::secondsOf([&] { more = fftbridge::fftwApi::getInstance().improvePlans(); });
+                longestStep_ = std::max(longestStep_.load(), seconds);
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+        }
+    }
+
+    std::atomic<bool> stop_{false};
+    std::atomic<double> longestStep_{0.0};
+    std::thread thread_;
+};
+
+/// Arguments: length, whether better plans are being made meanwhile. From a change of the window's length to the first
+/// spectrum, the frame of one segment included; the yardstick is the bare transform. Each time the length is another
+/// one, of 32 near the one told, so that its quick plan has to be made first.
 void firstSpectrum(benchmark::State& state) {
     const auto length = static_cast<std::size_t>(state.range(0));
-    const Values samples = noise(length + 64);
+    const Values samples = noise(length);
     const BareTransforms rival(length);
     std::vector<double> times;
-    std::size_t points = length;
     SpectrumEstimator estimator;
     estimator.setFrequencyResolutionMethod(SpectrumEstimator::FrequencyResolutionMethod::windowLength);
     estimator.setAutoFFTLength(false);
+    std::unique_ptr<PlansInTheMaking> plans(state.range(1) != 0 ? new PlansInTheMaking : nullptr);
     Values out;
     for (auto _ : state) {
         times.push_back(bench::secondsOf([&] {
-            points = points == length + 64 ? length : points + 2;
+            const std::size_t points = length - length / 64 * (times.size() % 32);
             estimator.setWindowLength(points);
-            estimator.setFFTLength(length);
+            estimator.setFFTLength(points);
             estimator.release(true);
             const auto frame = static_cast<int>(points);
             estimator.setup(1, {frame}, {frame}, {1}, {0}, true);
@@ -187,12 +225,24 @@ void firstSpectrum(benchmark::State& state) {
         }));
         state.SetIterationTime(times.back());
     }
+    const double longestStep = plans != nullptr ? plans->longestStep() : 0.0;
+    plans.reset();
     const double transform = bench::secondsOf([&] { rival.run(10); }) / 10;
     state.counters["ms"] = bench::quantile(times, 0.5) * 1e3;
+    state.counters["p95_ms"] = bench::quantile(times, 0.95) * 1e3;
     state.counters["slowest_ms"] = bench::quantile(times, 1.0) * 1e3;
     state.counters["transforms"] = bench::quantile(times, 0.5) / transform;
+    state.counters["longest_step_ms"] = longestStep * 1e3;
 }
-BENCHMARK(firstSpectrum)->ArgName("N")->Arg(1024)->Arg(65536)->Arg(1000000)->UseManualTime()->MinTime(0.5);
+BENCHMARK(firstSpectrum)
+    ->ArgNames({"N", "improving"})
+    ->Args({1024, 0})
+    ->Args({65536, 0})
+    ->Args({1000000, 0})
+    ->Args({1024, 1})
+    ->Args({65536, 1})
+    ->UseManualTime()
+    ->MinTime(0.5);
 
 /// Arguments: segments a frame, whether the samples are complex. A bank of 1024 bands and 12 taps against its
 /// transforms.
