@@ -33,10 +33,10 @@ public:
     /// One step of replacing the quick plans in use by measured ones; never waits, so that a program calls it over and
     /// over, a few times a second, when settings rest. A step starts a child process that measures one plan, the
     /// shortest first, or looks whether that has ended; then what it found out is taken over and the next transform
-    /// of that length runs on the better plan. A step that forks or takes over costs one to three milliseconds, more for
-    /// a process of gigabytes. A plan whose measurement failed twice stays as it is.
-    /// Returns whether there is more to do, that is, whether another call is of use.
-    /// The child is a fork: it closes all files, stands back behind other work, and ends after a minute at the latest.
+    /// of that length runs on the better plan. A step that forks or takes over costs one to three milliseconds, more
+    /// for a process of gigabytes. A plan whose measurement failed twice stays as it is. Returns whether there is more
+    /// to do, that is, whether another call is of use. The child is a fork: it closes all files, stands back behind
+    /// other work, and ends after a minute at the latest.
     bool improvePlans();
 
     /// The number of plans in use that have not been measured.
