@@ -24,7 +24,6 @@ double read(double distance, Configure configure) {
     SpectrumEstimator estimator;
     estimator.setAutoFFTLength(false);
     estimator.setFFTLength(bands);
-    estimator.setWindowLength(bands);
     estimator.setForgettingFactor(0.0);
     estimator.setSpectrumUnits(SpectrumEstimator::SpectrumUnits::watts);
     configure(estimator);
@@ -44,6 +43,7 @@ double read(double distance, Configure configure) {
 double readWindow(double distance, SpectrumEstimator::Window window) {
     return read(distance, [&](SpectrumEstimator& estimator) {
         estimator.setFrequencyResolutionMethod(SpectrumEstimator::FrequencyResolutionMethod::windowLength);
+        estimator.setWindowLength(bands);
         estimator.setWindow(window);
     });
 }

@@ -22,8 +22,8 @@ TEST(SpectrumEstimatorFilter, allocatesNothingInTheSteadyState) {
         {"zoom",
          [](PropertyList list) {
              return list.addChar("frequencySpan", "start-and-stop-frequencies")
-                 .addDouble("startFrequency", 1000)
-                 .addDouble("stopFrequency", 1100)
+                 .addDouble("startFrequency", 100)
+                 .addDouble("stopFrequency", 200)
                  .addLogical("autoRBW", false)
                  .addDouble("rbw", 2);
          },
