@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,6 +33,11 @@ struct Deck {
     const char* strategy;
     std::vector<std::pair<const char*, PropertyList>> stages;
 };
+
+/// How a failing test shows the deck.
+void PrintTo(const Deck& deck, std::ostream* out) {
+    *out << deck.name;
+}
 
 PropertyList enabled(const char* option) {
     return PropertyList().addLogical(option, true);
