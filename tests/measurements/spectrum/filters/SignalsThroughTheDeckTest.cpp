@@ -29,8 +29,7 @@ using testsupport::text;
 using Values = std::vector<double>;
 
 constexpr double sampleRate = 10240;
-constexpr int windowLength = 1024;                       // bins of 10 Hz
-constexpr double rbw = 1.5 * sampleRate / windowLength;  // hann
+constexpr int windowLength = 1024;  // bins of 10 Hz
 constexpr int numAverages = 64;
 
 double dBm(double watts) {
