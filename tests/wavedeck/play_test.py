@@ -462,6 +462,8 @@ class ExportedFiles(Folder):
         self.assertEqual((run.returncode, again["decks"][0]["peaks"]), (1, deck["peaks"]))
         with open(notes, encoding="utf-8") as file:
             self.assertEqual(len(json.load(file)["annotations"]), 5, before)
+        run = play(*arguments, "--traces", "/dev/stdout", "--overwrite")
+        self.assertTrue(run.stdout.startswith(b"# input: "), run.stderr)
         self.assertEqual([name for name in os.listdir(self.folder) if name.endswith(".part")], [])
 
 

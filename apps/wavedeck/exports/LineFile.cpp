@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "UsageError.h"
 
@@ -17,6 +19,17 @@ namespace {
     throw UsageError(path + ": is there already; --overwrite replaces it");
 }
 
+/// What stands at a path: pipes and devices are written to, whatever becomes of files.
+enum class Standing { Nothing, File, Device };
+
+Standing findStanding(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return Standing::Nothing;
+    }
+    return S_ISREG(status.st_mode) ? Standing::File : Standing::Device;
+}
+
 }  // namespace
 
 LineFile::LineFile(const std::string& path, Existing existing) : name_(path == "-" ? "standard output" : path) {
@@ -25,11 +38,10 @@ LineFile::LineFile(const std::string& path, Existing existing) : name_(path == "
     descriptor_ =
         path == "-" ? dup(STDOUT_FILENO) : open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | mode, permissions);
     if (descriptor_ < 0 && errno == EEXIST) {
-        struct stat status {};
-        if (stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) {
+        if (findStanding(path) != Standing::Device) {
             failExisting(path);
         }
-        descriptor_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);  // a pipe or a device
+        descriptor_ = open(path.c_str(), O_WRONLY | O_CLOEXEC);
     }
     if (descriptor_ < 0) {
         throw UsageError(name_ + ": " + std::strerror(errno));
@@ -62,20 +74,33 @@ bool LineFile::write(std::string_view lines) {
 }
 
 void checkNewFile(const std::string& path, Existing existing) {
-    if (existing == Existing::Refused && access(path.c_str(), F_OK) == 0) {
+    const auto standing = findStanding(path);
+    if (existing == Existing::Refused && standing == Standing::File) {
         failExisting(path);
+    }
+    const auto folder = path.substr(0, path.rfind('/') + 1);
+    if (path != "-" && standing != Standing::Device && access(folder.empty() ? "." : folder.c_str(), W_OK) != 0) {
+        throw UsageError(path + ": " + std::strerror(errno));
     }
 }
 
 void writeWholeFile(const std::string& path, std::string_view text, Existing existing) {
-    const auto beside = path + ".part";
+    if (findStanding(path) == Standing::Device) {
+        LineFile(path, Existing::Replaced).write(text);
+        return;
+    }
+    // Links stay, and so does the one by which a system names its standard output.
+    std::error_code error;
+    const auto resolved = std::filesystem::weakly_canonical(path, error);
+    const auto target = error ? path : resolved.string();
+    const auto beside = target + '.' + std::to_string(getpid()) + ".part";
     try {
-        LineFile(beside, Existing::Replaced).write(text);
+        LineFile(beside, Existing::Refused).write(text);
         // A link fails where a file stands; a rename replaces it.
-        if (existing == Existing::Refused && link(beside.c_str(), path.c_str()) != 0) {
+        if (existing == Existing::Refused && link(beside.c_str(), target.c_str()) != 0) {
             errno == EEXIST ? failExisting(path) : throw UsageError(path + ": " + std::strerror(errno));
         }
-        if (existing == Existing::Replaced && std::rename(beside.c_str(), path.c_str()) != 0) {
+        if (existing == Existing::Replaced && std::rename(beside.c_str(), target.c_str()) != 0) {
             throw UsageError(path + ": " + std::strerror(errno));
         }
     } catch (const UsageError&) {

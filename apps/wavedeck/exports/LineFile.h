@@ -29,11 +29,12 @@ private:
     std::int64_t wholeLines_ = 0;  ///< bytes of the lines written so far
 };
 
-/// Refuses a path at which a file stands already, unless it is to be replaced. Throws UsageError.
+/// Refuses a path at which a file stands already, unless it is to be replaced, and a folder that takes no files. Throws
+/// UsageError.
 void checkNewFile(const std::string& path, Existing existing);
 
 /// Writes a whole file beside the path and moves it there, so that no half of it is ever seen. Throws UsageError when
-/// that fails, or when a file has come there that is not to be replaced.
+/// that fails, or when a file has come there that is not to be replaced. A pipe or a device is written to as it is.
 void writeWholeFile(const std::string& path, std::string_view text, Existing existing);
 
 }  // namespace program

@@ -32,8 +32,9 @@ TableReader::TableReader(const std::string& path, const Options& options) : opti
                                   : "has more than 1024 columns");
     }
     if (options.isIq && channels % 2 != 0) {
-        throw UsageError("--iq: " + lines_.name() + " has " + std::to_string(channels) +
-                         " columns of values, which make no pairs");
+        throw UsageError(
+            "--iq: " + lines_.name() + " has " + std::to_string(channels) +
+            (channels == 1 ? " column of values, which makes no pair" : " columns of values, which make no pairs"));
     }
     facts_.name = lines_.name();
     facts_.format = "table, " + std::to_string(channels) + (channels == 1 ? " column" : " columns");
