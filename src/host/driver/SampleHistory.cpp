@@ -50,8 +50,8 @@ void SampleHistory::append(const double* block, std::size_t n) {
 }
 
 void SampleHistory::appendTimed(const double* block, std::size_t n) {
-    while (n > 0 && size_ > 0 && at(0, size_ - 1) >= block[0]) {
-        --size_;
+    if (n > 0) {
+        dropFrom(block[0]);
     }
     append(block, n);
 }
@@ -60,10 +60,20 @@ void SampleHistory::dropNewest(std::size_t n) {
     size_ -= std::min(n, size_);
 }
 
-void SampleHistory::dropNewerThan(double time) {
+std::size_t SampleHistory::dropNewerThan(double time) {
+    const std::size_t before = size_;
     while (size_ > 0 && at(0, size_ - 1) > time) {
         --size_;
     }
+    return before - size_;
+}
+
+std::size_t SampleHistory::dropFrom(double time) {
+    const std::size_t before = size_;
+    while (size_ > 0 && at(0, size_ - 1) >= time) {
+        --size_;
+    }
+    return before - size_;
 }
 
 void SampleHistory::layOut(std::vector<double>& blocks) const {

@@ -23,8 +23,10 @@ public:
     void appendTimed(const double* block, std::size_t n);
     /// Forgets the newest n points.
     void dropNewest(std::size_t n);
-    /// Forgets the points whose time, row 0, is above `time`. Times rise.
-    void dropNewerThan(double time);
+    /// Forgets the points whose time, row 0, is above `time`, and tells how many. Times rise.
+    std::size_t dropNewerThan(double time);
+    /// The same, and a point at that time.
+    std::size_t dropFrom(double time);
 
     /// Writes the points as blocks, row after row, oldest first: [rows][size()].
     void layOut(std::vector<double>& blocks) const;

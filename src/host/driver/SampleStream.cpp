@@ -34,7 +34,8 @@ SampleStream::SampleStream(const ClientFacts& facts, const WaveDeckClientInfo& i
     : facts_(facts),
       info_(info),
       historySpan_(historySpan),
-      storesTimes_(hasLeadingBlock(facts.kind) || isBlockflow(facts.kind)) {
+      storesTimes_(hasLeadingBlock(facts.kind)),
+      storesFrameTimes_(isBlockflow(facts.kind) && !storesTimes_) {
     for (const SignalFacts& signal : facts.signals) {
         numChannels_.push_back(signal.numChannels);
         frameSizes_.push_back(signal.frameSize);
@@ -42,6 +43,7 @@ SampleStream::SampleStream(const ClientFacts& facts, const WaveDeckClientInfo& i
     const std::size_t count = facts.signals.size();
     signals_.resize(count);
     history_.resize(count);
+    frameTimes_.resize(count);
     heads_.resize(count);
     restart();
 }
@@ -72,6 +74,11 @@ void SampleStream::configureHistory(std::size_t signal) {
     } else {
         history_[signal].configure(rowsStored(signal), points);
     }
+    frameTimes_[signal].configure(1, storesFrameTimes_ ? framesStored(signal) : 1);
+}
+
+std::size_t SampleStream::framesStored(std::size_t signal) const {
+    return history_[signal].capacity() / std::max<std::size_t>(countOf(frameSizes_[signal]), 1) + 1;
 }
 
 void SampleStream::setHistorySpan(double seconds) {
@@ -122,6 +129,8 @@ void SampleStream::rewind(double time) {
             history_[s].clear();  // its times are a frame's own
         } else if (storesTimes_) {
             history_[s].dropNewerThan(time);
+        } else if (storesFrameTimes_) {
+            history_[s].dropNewest(frameTimes_[s].dropNewerThan(time) * countOf(frameSizes_[s]));
         } else {
             history_[s].dropNewest(static_cast<std::size_t>(reached - index));
         }
@@ -209,19 +218,34 @@ void SampleStream::checkHead(std::size_t signal, std::span<const double> head) c
 
 void SampleStream::takeHead(std::size_t signal, std::span<const double> head, FrameSource source) {
     begin(signal, head);
-    expandHead(signal, head);
     SignalFrame& frame = signals_[signal];
-    if (facts_.kind == ChainKind::BlockflowTime) {
+    if (!storesFrameTimes_) {
+        expandHead(signal, head);
         frame.current = &frame.blocks;
     }
-    const std::size_t n = head.size() / valuesPerTime(signal) * countOf(frameSizes_[signal]);
+    const std::size_t frames = head.size() / valuesPerTime(signal);
+    const std::size_t n = frames * countOf(frameSizes_[signal]);
     if (source == FrameSource::Stream && n > 0) {
-        store(signal, frame.blocks.data(), n);
+        if (storesFrameTimes_) {
+            storeHead(signal, head, frames);
+        } else {
+            store(signal, frame.blocks.data(), n);
+        }
         nextIndex_[signal] += n;
         if (!facts_.signals[signal].isInputPort) {
-            time_ = frame.blocks[n - 1] + info_.getSampleTime(static_cast<int>(signal));
+            const double sampleTime = info_.getSampleTime(static_cast<int>(signal));
+            const TimeGrid grid = gridOf(signal, head[frames - 1]);
+            time_ = grid.start + (grid.first + frameSizes_[signal] - 1) * sampleTime + sampleTime;
         }
     }
+}
+
+/// A frame on the signal's own grid gets the times that a stream would have, to the last bit.
+SampleStream::TimeGrid SampleStream::gridOf(std::size_t signal, double frameTime) const {
+    const double sampleTime = info_.getSampleTime(static_cast<int>(signal));
+    const double index = sampleTime > 0.0 ? std::round((frameTime - facts_.startTime) / sampleTime) : 0.0;
+    const bool isOnGrid = std::fabs(facts_.startTime + index * sampleTime - frameTime) < 1e-6 * sampleTime;
+    return isOnGrid ? TimeGrid{facts_.startTime, index} : TimeGrid{frameTime, 0.0};
 }
 
 void SampleStream::expandHead(std::size_t signal, std::span<const double> head) {
@@ -233,16 +257,23 @@ void SampleStream::expandHead(std::size_t signal, std::span<const double> head) 
     blocks.resize((channels + 1) * frames * size);
     double* times = blocks.data();
     for (std::size_t frame = 0; frame < frames; ++frame) {
-        // A frame on the signal's own grid gets the times that a stream would have, to the last bit.
-        const double index = sampleTime > 0.0 ? std::round((head[frame] - facts_.startTime) / sampleTime) : 0.0;
-        const bool isOnGrid = std::fabs(facts_.startTime + index * sampleTime - head[frame]) < 1e-6 * sampleTime;
-        const double start = isOnGrid ? facts_.startTime : head[frame];
-        const double first = isOnGrid ? index : 0.0;
+        const TimeGrid grid = gridOf(signal, head[frame]);
         for (std::size_t i = 0; i < size; ++i) {
-            times[frame * size + i] = start + (first + static_cast<double>(i)) * sampleTime;
+            times[frame * size + i] = grid.start + (grid.first + static_cast<double>(i)) * sampleTime;
         }
     }
     std::copy(head.begin() + static_cast<std::ptrdiff_t>(frames), head.end(), times + frames * size);
+}
+
+/// Keeps a frame as it is: its times cost nothing beside its samples. A stream that has gone back overwrites what lies
+/// ahead of it.
+void SampleStream::storeHead(std::size_t signal, std::span<const double> head, std::size_t frames) {
+    const std::size_t size = countOf(frameSizes_[signal]);
+    SampleHistory& times = frameTimes_[signal];
+    history_[signal].dropNewest(times.dropFrom(head[0]) * size);
+    store(signal, head.data() + frames, frames * size);
+    times.grow(framesStored(signal));
+    times.append(head.data(), frames);
 }
 
 void SampleStream::store(std::size_t signal, const double* rows, std::size_t n) {
@@ -275,15 +306,19 @@ void SampleStream::takeStored(std::size_t signal) {
         return;
     }
     const std::size_t size = countOf(frameSizes_[signal]);
-    const std::size_t frames = size == 0 ? 0 : n / size;
+    const SampleHistory& times = frameTimes_[signal];
+    std::size_t frames = size == 0 ? 0 : n / size;
+    if (storesFrameTimes_) {
+        frames = std::min(frames, times.size());  // fewer where there was no memory for a time
+    }
     const std::size_t skipped = n - frames * size;
     std::vector<double>& head = heads_[signal];
     head.resize(frames + countOf(numChannels_[signal]) * frames * size);
     double* target = head.data();
     for (std::size_t k = 0; k < frames; ++k) {
-        *target++ = frame.blocks[skipped + k * size];
+        *target++ = storesFrameTimes_ ? times.at(0, times.size() - frames + k) : frame.blocks[skipped + k * size];
     }
-    for (std::size_t row = 1; row < history.rows(); ++row) {
+    for (std::size_t row = storesFrameTimes_ ? 0 : 1; row < history.rows(); ++row) {
         const double* source = frame.blocks.data() + row * n;
         target = std::copy(source + skipped, source + n, target);
     }

@@ -60,14 +60,23 @@ public:
     double time() const { return time_; }
 
 private:
+    /// Sample i of a simulation's frame has the time start + (first + i) * sample time.
+    struct TimeGrid {
+        double start;
+        double first;
+    };
+
     double timeOf(std::size_t signal, std::uint64_t index) const;
     void begin(std::size_t signal, std::span<const double> raw);
     void fillTimes(std::size_t signal, std::uint64_t first, std::size_t n, double* times) const;
     void formBlocks(std::size_t signal, std::span<const double> raw, std::uint64_t first);
+    TimeGrid gridOf(std::size_t signal, double frameTime) const;
     void expandHead(std::size_t signal, std::span<const double> head);
+    void storeHead(std::size_t signal, std::span<const double> head, std::size_t frames);
     std::size_t valuesPerTime(std::size_t signal) const;
     void store(std::size_t signal, const double* rows, std::size_t n);
     std::size_t rowsStored(std::size_t signal) const;
+    std::size_t framesStored(std::size_t signal) const;
     void configureHistory(std::size_t signal);
 
     // options
@@ -78,11 +87,13 @@ private:
     std::vector<int> frameSizes_;
 
     // derived
-    bool storesTimes_ = false;  ///< row 0 of the history is the times
+    bool storesTimes_ = false;       ///< row 0 of the history is the times
+    bool storesFrameTimes_ = false;  ///< the stored times are one a simulation frame
 
     // state
     std::vector<SignalFrame> signals_;
     std::vector<SampleHistory> history_;      ///< of each signal
+    std::vector<SampleHistory> frameTimes_;   ///< of each signal: times of the simulation frames in the history
     std::vector<std::uint64_t> nextIndex_;    ///< of each signal: index of the sample to come
     std::vector<std::uint64_t> sinceOutput_;  ///< of each signal: samples since the last output
     double time_ = 0.0;
