@@ -1,4 +1,4 @@
-// The trigger engine, fed sample by sample in frames of 1024 with one request for a window behind each, against a
+// The trigger engine, fed in frames of 1024 with one request for a window behind each, against a
 // scalar pass that compares each sample with a level.
 #include <benchmark/benchmark.h>
 
@@ -62,9 +62,7 @@ std::uint64_t comparePass(const std::vector<double>& values, double level) {
 std::size_t triggerPass(TimeDomainTriggerController& engine, const Samples& samples) {
     std::size_t windows = 0;
     for (std::size_t begin = 0; begin < sampleCount; begin += frameSize) {
-        for (std::size_t i = begin; i < begin + frameSize; ++i) {
-            engine.processSample(samples.times[i], samples.values[i], samples.times[i], timeRange);
-        }
+        engine.processSamples(samples.times.data() + begin, samples.values.data() + begin, frameSize, timeRange);
         double start = 0.0;
         double end = 0.0;
         engine.getTriggerWindow(0.0, samples.times[begin + frameSize - 1], timeRange, false, start, end);

@@ -45,6 +45,10 @@ public:
 
     double getLevel() const { return level; }
 
+    /// Whether a value settles which crossing may come next, whatever came before it: -1 for a rising one, 1 for a
+    /// falling one, 0 if it settles nothing.
+    int settledSide(double value) const { return value <= riseReady ? -1 : value >= fallReady ? 1 : 0; }
+
     /// While samples stay strictly between the two fences, advance() does nothing.
     double lowFence() const { return mayRise ? -std::numeric_limits<double>::infinity() : mayFall ? level : riseReady; }
     double highFence() const { return mayFall ? std::numeric_limits<double>::infinity() : mayRise ? level : fallReady; }

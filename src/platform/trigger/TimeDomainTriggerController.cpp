@@ -149,6 +149,74 @@ void TimeDomainTriggerController::processEventfulSample(double time, double valu
     updateQuietRange();
 }
 
+/// Takes over the samples at the begin of a block that lie in the bounds, for all but the condition; returns how many.
+std::size_t TimeDomainTriggerController::passOver(const SampleBlock& block, const QuietBounds& bounds) {
+    ValueRange range{rangeLow, rangeHigh};
+    const std::size_t passed = quietRun()(block.times, block.values, block.count, lastTime, bounds, range);
+    keepPassed(block, passed, range);
+    return passed;
+}
+
+void TimeDomainTriggerController::keepPassed(const SampleBlock& block, std::size_t passed, const ValueRange& range) {
+    if (passed > 0) {
+        rangeLow = range.low;
+        rangeHigh = range.high;
+        lastTime = block.times[passed - 1];
+        lastValue = block.values[passed - 1];
+    }
+}
+
+/// The time before which no trigger point can lie, or none that would count, and nothing else is to be decided.
+double TimeDomainTriggerController::idleUntil() const {
+    if (!hasSample || settingsChanged || hasLeftOver || mode == TDTC::Off || !isLength(sampleTimeRange)) {
+        return -infinity;
+    }
+    const double until =
+        std::min(std::max(rearmTime(), condition.earliestPoint(lastTime)), rangeStart + sampleTimeRange);
+    return mode == TDTC::Auto ? std::min(until, rearmTime() + sampleTimeRange) : until;
+}
+
+/// Passes over the samples at the begin of a block among which no trigger point would count, if the last ones tell all
+/// that the condition has to know of them. Returns how many there are, and whether they have been passed over.
+std::pair<std::size_t, bool> TimeDomainTriggerController::passOverIdle(const SampleBlock& block) {
+    ValueRange range{rangeLow, rangeHigh};
+    const std::size_t idle =
+        quietRun()(block.times, block.values, block.count, lastTime, {-infinity, infinity, idleUntil()}, range);
+    constexpr std::size_t fewSamples = 8;  // quicker taken one by one
+    const std::size_t first = idle > fewSamples ? condition.firstThatCounts(block.values, idle) : idle;
+    if (first == idle) {
+        return {idle, false};
+    }
+    condition.resume(block.times + first, block.values + first, idle - first);
+    keepPassed(block, idle, range);
+    updateQuietRange();
+    return {idle, true};
+}
+
+void TimeDomainTriggerController::processSamples(const double* times, const double* values, std::size_t n,
+                                                 double timeRange) {
+    constexpr std::size_t fewSamples = 4;  // where much happens a run is not worth its beginning
+    std::size_t notIdleUntil = 0;
+    const auto rest = [&](std::size_t i) { return SampleBlock{times + i, values + i, n - i}; };
+    for (std::size_t i = 0; i < n;) {
+        if (timeRange == sampleTimeRange && i >= notIdleUntil) {
+            const auto [idle, isPassed] = passOverIdle(rest(i));
+            if (isPassed) {
+                i += idle;
+                continue;
+            }
+            notIdleUntil = i + idle;
+        }
+        for (const std::size_t end = std::min(n, i + fewSamples); i < end; ++i) {
+            processSample(times[i], values[i], times[i], timeRange);
+        }
+        const bool isTracked = lastTime < unarmedUntil;  // then the fences have not followed
+        if (timeRange == sampleTimeRange && !isTracked) {
+            i += passOver(rest(i), {quietLow, quietHigh, quietUntil});
+        }
+    }
+}
+
 /// Takes the middle of the range of each full stretch of one time range, so that the level stands still between them.
 void TimeDomainTriggerController::updateAutomaticLevel(double time, double value) {
     if (isLength(sampleTimeRange) && time >= rangeStart + sampleTimeRange) {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <utility>
 
+#include "QuietRun.h"
 #include "TriggerCondition.h"
 #include "TriggerEnums.h"
 #include "TriggerEventRing.h"
@@ -84,6 +87,10 @@ public:
         processEventfulSample(time, value, timeRange);
     }
 
+    /// Takes samples one after the other: the same as processSample() for each of times [n] and values [n]. Stretches
+    /// in which nothing can happen, or in which nothing that happens would count, are passed over whole.
+    void processSamples(const double* times, const double* values, std::size_t n, double timeRange);
+
     /// Hands out the oldest window that is due, that is one that ends no later than lastTime; NaN for both ends if
     /// there is none. Asked again before the next sample it hands out the next one; due windows not asked for by then
     /// are dropped, so that a display never lags behind. The first argument is reserved.
@@ -99,6 +106,13 @@ private:
         double end = std::numeric_limits<double>::quiet_NaN();
     };
 
+    /// Samples of a block that are still to be taken.
+    struct SampleBlock {
+        const double* times;   ///< [count] s
+        const double* values;  ///< [count] signal's unit
+        std::size_t count;
+    };
+
     void keepSample(double time, double value) {
         lastTime = time;
         lastValue = value;
@@ -110,6 +124,10 @@ private:
         }
     }
     void processEventfulSample(double time, double value, double timeRange);
+    std::size_t passOver(const SampleBlock& block, const QuietBounds& bounds);
+    std::pair<std::size_t, bool> passOverIdle(const SampleBlock& block);
+    double idleUntil() const;
+    void keepPassed(const SampleBlock& block, std::size_t passed, const ValueRange& range);
     void startAfresh(double time);
     void beginGap();
     void discardWaiting();

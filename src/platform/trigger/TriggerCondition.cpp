@@ -1,7 +1,10 @@
 #include "TriggerCondition.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
+
+#include "QuietRun.h"
 
 namespace deckutil {
 
@@ -173,6 +176,72 @@ void TriggerCondition::advanceTimeout(const Interval& interval, TriggerPoints& p
         points.add(timeoutDeadline);
         timeoutDeadline = infinity;
     }
+}
+
+void TriggerCondition::resume(const double* times, const double* values, std::size_t n) {
+    forget();
+    advance(times[0], values[0], times[0], values[0]);
+    constexpr std::size_t fewSamples = 4;  // where much happens a run is not worth its beginning
+    for (std::size_t i = 1; i < n;) {
+        for (const std::size_t end = std::min(n, i + fewSamples); i < end; ++i) {
+            advance(times[i - 1], values[i - 1], times[i], values[i]);
+        }
+        ValueRange passed{};
+        i += quietRun()(times + i, values + i, n - i, times[i - 1], {lowFence(), highFence(), deadline()}, passed);
+    }
+}
+
+/// Without stretches the side of each level is all that is to be known: the last sample that settles it.
+std::size_t TriggerCondition::lastThatSettlesSides(const double* values, std::size_t n) const {
+    bool needsLower = true;
+    bool needsUpper = usesTwoLevels();
+    for (std::size_t i = n; i-- > 0;) {
+        needsLower = needsLower && lower.settledSide(values[i]) == 0;
+        needsUpper = needsUpper && upper.settledSide(values[i]) == 0;
+        if (!needsLower && !needsUpper) {
+            return i;
+        }
+    }
+    return n;
+}
+
+/// A signal that goes from below all levels to above them, or back, crosses each of them between, and behind that no
+/// stretch is open but that of a pulse or a timeout, which the crossing itself began. So it is enough to begin with the
+/// last sample on the other side of all levels than the last that lies on a side of them at all.
+std::size_t TriggerCondition::lastSwing(const double* values, std::size_t n) const {
+    const bool hasTwo = usesTwoLevels();
+    if (hasTwo && !(lower.getLevel() <= upper.getLevel())) {
+        return n;
+    }
+    int lastSide = 0;
+    for (std::size_t i = n; i-- > 0;) {
+        const int side = lower.settledSide(values[i]);
+        if (side == 0 || (hasTwo && upper.settledSide(values[i]) != side)) {
+            continue;
+        }
+        if (lastSide == 0) {
+            lastSide = side;
+        } else if (side != lastSide) {
+            return i;
+        }
+    }
+    return n;
+}
+
+double TriggerCondition::earliestPoint(double time) const {
+    if (hasNoStretches()) {
+        return time;
+    }
+    if (settings.type == TDTC::Timeout) {
+        return std::min(timeoutDeadline, time + settings.timeout);
+    }
+    double begin = time;
+    for (const Stretch& stretch : {upward, downward}) {
+        begin = stretch.open ? std::min(begin, stretch.start) : begin;
+    }
+    const double end = begin + settings.minTime;
+    constexpr double rounding = 0x1p-50;  // of the sum here and of the difference that a duration is
+    return end - rounding * std::abs(end);
 }
 
 double TriggerCondition::lowFence() const {

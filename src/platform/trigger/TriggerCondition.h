@@ -62,10 +62,20 @@ public:
     /// Whether track() is enough where a trigger point would not count.
     bool hasNoStretches() const { return settings.type == TDTC::Edge || settings.type == TDTC::Window; }
 
+    /// Of n samples among which no trigger point would count, the first from which on the condition comes to the state
+    /// that it would come to from the first of all; n if that cannot be told.
+    std::size_t firstThatCounts(const double* values, std::size_t n) const {
+        return hasNoStretches() ? lastThatSettlesSides(values, n) : lastSwing(values, n);
+    }
+    /// Begins anew with n samples, at least one, among which no trigger point would count.
+    void resume(const double* times, const double* values, std::size_t n);
+
     /// While samples stay strictly between the fences and before the deadline, advance() does nothing.
     double lowFence() const;
     double highFence() const;
     double deadline() const { return timeoutDeadline; }
+    /// No trigger point lies before this time, whatever samples follow the one at `time`.
+    double earliestPoint(double time) const;
 
 private:
     struct Interval {
@@ -85,6 +95,8 @@ private:
     };
 
     bool usesTwoLevels() const;
+    std::size_t lastThatSettlesSides(const double* values, std::size_t n) const;
+    std::size_t lastSwing(const double* values, std::size_t n) const;
     bool wants(TDTC::PolarityEnum polarity) const;
     void close(Stretch& stretch, double end, TDTC::PolarityEnum polarity, TriggerPoints& points) const;
     void advanceEdge(const Interval& interval, TriggerPoints& points);

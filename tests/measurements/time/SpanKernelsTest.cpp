@@ -29,6 +29,12 @@ void expectPlain(const SpanKernels& kernels, std::vector<double> values) {
     std::vector<std::uint64_t> bins(count + 1, 1234);
     kernels.findHistogramBins(values.data(), count, 0.0, 10.0, bins.data());
     EXPECT_EQ(bins[count], 1234u);
+    for (const double x : values) {
+        EXPECT_EQ(kernels.findAbove(values.data(), count, x),
+                  std::find_if(values.begin(), values.end(), [x](double y) { return y > x; }) - values.begin());
+        EXPECT_EQ(kernels.findBelow(values.data(), count, x),
+                  std::find_if(values.begin(), values.end(), [x](double y) { return y < x; }) - values.begin());
+    }
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
         expected.minimum = x < expected.minimum ? x : expected.minimum;
@@ -36,6 +42,20 @@ void expectPlain(const SpanKernels& kernels, std::vector<double> values) {
         expected.hasNaN = expected.hasNaN || std::isnan(x);
         const double bin = std::ceil((x - 0.0) * 100 / 10.0) - 1;
         EXPECT_EQ(static_cast<double>(bins[i]), bin >= 0 && std::isfinite(bin) ? std::min(bin, 99.0) : 0.0) << x;
+    }
+    // Off the borders by more than the margin the guess must be right, on one it must say that it knows nothing.
+    std::vector<double> inside(8 * (count / 8));
+    for (std::size_t i = 0; i < inside.size(); ++i) {
+        inside[i] = std::fmod(static_cast<double>(i * i), 100.0) / 10.0 + 1e-12 * static_cast<double>(1 + i % 40);
+    }
+    std::vector<std::uint64_t> guessed(inside.size());
+    bins.resize(inside.size());
+    kernels.findHistogramBins(inside.data(), inside.size(), 0.0, 10.0, bins.data());
+    EXPECT_TRUE(kernels.guessHistogramBins(inside.data(), inside.size(), 0.0, 10.0, guessed.data()));
+    EXPECT_EQ(guessed, bins);
+    if (!inside.empty()) {
+        inside.back() = 0.1 * static_cast<double>(1 + count % 99);
+        EXPECT_FALSE(kernels.guessHistogramBins(inside.data(), inside.size(), 0.0, 10.0, guessed.data()));
     }
     const ScannedExtremes extremes = kernels.scanExtremes(values.data(), count);
     EXPECT_EQ(extremes.minimum, expected.minimum);

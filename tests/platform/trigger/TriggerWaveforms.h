@@ -35,14 +35,24 @@ struct Window {
     bool operator==(const Window&) const = default;
 };
 
-/// Feeds the samples in frames and asks for windows behind each frame until none is due.
+/// Feeds the samples in frames, sample by sample or each frame as a whole, and asks for windows behind each frame until
+/// none is due.
 inline std::vector<Window> windowsOf(deckutil::TimeDomainTriggerController& engine, const std::vector<Point>& samples,
-                                     double timeRange, std::size_t frameSize = 1) {
+                                     double timeRange, std::size_t frameSize = 1, bool asWhole = false) {
     std::vector<Window> windows;
+    std::vector<double> times;
+    std::vector<double> values;
+    for (const Point& sample : samples) {
+        times.push_back(sample.time);
+        values.push_back(sample.value);
+    }
     for (std::size_t begin = 0; begin < samples.size(); begin += frameSize) {
         const std::size_t end = std::min(begin + frameSize, samples.size());
-        for (std::size_t i = begin; i < end; ++i) {
-            engine.processSample(samples[i].time, samples[i].value, samples[i].time, timeRange);
+        for (std::size_t i = begin; i < end && !asWhole; ++i) {
+            engine.processSample(times[i], values[i], times[i], timeRange);
+        }
+        if (asWhole) {
+            engine.processSamples(times.data() + begin, values.data() + begin, end - begin, timeRange);
         }
         for (;;) {
             Window window{};

@@ -16,7 +16,7 @@ constexpr double unmeasured = bilevelMeasurementsStruct::unmeasured;
 /// Length of the stretches before and after a transition, in durations of the transition.
 constexpr double stretchDurations = 3.0;
 
-/// A deviation and the time at which it occurs.
+/// A deviation and the time at which it occurs, or any time of the span where all lie in it.
 struct Deviation {
     double percent, time;
 };
@@ -47,55 +47,59 @@ struct SideAverages {
     }
 };
 
-/// Searches for the first time of a span that is later than a given one. Where times never fall they look close by
-/// first: what is searched for lies a few durations from where the search begins.
+/// Searches for the first time of a span that is later than a given one. Where times never fall it looks first where
+/// even steps would have it.
 class LaterTimeSearch {
 public:
     explicit LaterTimeSearch(const BilevelSpan& searchedSpan)
         : t(searchedSpan.t),
-          hasRisingTimes(spanKernels().neverFalls(searchedSpan.t, static_cast<std::size_t>(searchedSpan.count))) {}
+          hasRisingTimes(spanKernels().neverFalls(searchedSpan.t, static_cast<std::size_t>(searchedSpan.count))),
+          rate(static_cast<double>(searchedSpan.count - 1) / (searchedSpan.lastTime() - searchedSpan.firstTime())) {}
 
-    /// First index from `from` up whose time is later, or `limit` if none lies below it.
-    Index upFrom(Index from, Index limit, double time) const {
-        Index low = from;
-        Index high = limit;
-        for (Index step = 1; hasRisingTimes && low + step < high; step *= 2) {
-            if (t[low + step] > time) {
-                high = low + step;
-                break;
-            }
-            low += step;
-        }
-        return search(low, high, time);
-    }
+    /// Whether no time falls: then all of them lie in the span.
+    bool timesRise() const { return hasRisingTimes; }
 
-    /// First index from 0 up whose time is later, or `limit` if none lies below it.
-    Index below(Index limit, double time) const {
-        Index low = 0;
-        Index high = limit;
-        for (Index step = 1; hasRisingTimes && high - step > low; step *= 2) {
-            if (!(t[high - step] > time)) {
-                low = high - step;
-                break;
-            }
-            high -= step;
-        }
-        return search(low, high, time);
-    }
-
-private:
-    Index search(Index low, Index high, double time) const {
+    /// First index from low up whose time is later, or `high` if none lies below it.
+    Index between(Index low, Index high, double time) const {
         if (low >= high) {
             return high;
         }
         const auto isNotLater = [time](double stamp) { return !(stamp > time); };
-        return (hasRisingTimes ? std::partition_point(t + low, t + high, isNotLater)
-                               : std::find_if_not(t + low, t + high, isNotLater)) -
-               t;
+        if (!hasRisingTimes) {
+            return std::find_if_not(t + low, t + high, isNotLater) - t;
+        }
+        const Index guess = guessBetween(low, high - 1, time);
+        if (isNotLater(t[guess])) {
+            low = guess + 1;
+            for (Index step = 1; low + step < high; step *= 2) {
+                if (!isNotLater(t[low + step])) {
+                    high = low + step;
+                } else {
+                    low += step + 1;
+                }
+            }
+        } else {
+            high = guess;
+            for (Index step = 1; high - step > low; step *= 2) {
+                if (isNotLater(t[high - step])) {
+                    low = high - step + 1;
+                } else {
+                    high -= step;
+                }
+            }
+        }
+        return std::partition_point(t + low, t + high, isNotLater) - t;
+    }
+
+private:
+    Index guessBetween(Index low, Index high, double time) const {
+        const double steps = (time - t[low]) * rate;
+        return steps > 0.0 ? low + static_cast<Index>(std::min(steps, static_cast<double>(high - low))) : low;
     }
 
     const double* t;
     const bool hasRisingTimes;
+    const double rate;  ///< samples a second
 };
 
 /// The stretches around the transitions of one span.
@@ -110,7 +114,7 @@ public:
         const double startBound =
             levelByPolarity(levels.lowStateBound, levels.highStateBound, transitions.polarities[i]);
         const double from = span.crossing(startBound, start) - stretchDurations * transitions.durations[i];
-        Index first = start == 0 ? 0 : firstLater.below(start, from);
+        Index first = start == 0 ? 0 : firstLater.between(0, start, from);
         // From the third transition on: the second may reach back over the first one. Meant so.
         if (i >= 2) {
             first = std::max(first, transitions.endIndices[i - 1]);
@@ -123,7 +127,7 @@ public:
         const double endBound = levelByPolarity(levels.highStateBound, levels.lowStateBound, transitions.polarities[i]);
         const double until = span.crossing(endBound, end - 1) + stretchDurations * transitions.durations[i];
         const bool isLast = i + 1 == transitions.startIndices.size();
-        const Index limit = firstLater.upFrom(end, isLast ? span.count : transitions.startIndices[i + 1], until);
+        const Index limit = firstLater.between(end, isLast ? span.count : transitions.startIndices[i + 1], until);
         return deviations(end, limit > end ? limit - 1 : limit, postLevel(i));
     }
 
@@ -134,6 +138,10 @@ public:
 private:
     StretchDeviations deviations(Index first, Index last, double level) const {
         const auto count = static_cast<std::size_t>(last - first + 1);
+        if (firstLater.timesRise()) {
+            const ExtremeValues values = findExtremeValues(span.x + first, count);
+            return {{percent(values.maximum - level), span.t[first]}, {percent(level - values.minimum), span.t[first]}};
+        }
         const ExtremePositions extremes = findExtremes(span.x + first, count, MinMaxLastMaximum);
         const Index minimum = first + static_cast<Index>(extremes.minimum);
         const Index maximum = first + static_cast<Index>(extremes.maximum);
@@ -159,8 +167,11 @@ double findSettleTime(const BilevelSpan& span, const BilevelTransitions& transit
     const Index end = transitions.endIndices[i];
     const bool isLast = i + 1 == transitions.startIndices.size();
     const Index lastAllowed = isLast ? span.count - 1 : transitions.startIndices[i + 1];
-    const Index j = firstLater.upFrom(end, lastAllowed + 1, settleEnd);
-    if (j > lastAllowed || settleEnd < span.t[end]) {
+    if (settleEnd < span.t[end] || (firstLater.timesRise() && !(span.t[lastAllowed] > settleEnd))) {
+        return unmeasured;
+    }
+    const Index j = firstLater.between(end, lastAllowed + 1, settleEnd);
+    if (j > lastAllowed) {
         return unmeasured;
     }
     Index k = j;

@@ -16,18 +16,23 @@ namespace {
 constexpr std::size_t binCount = histogramBinCount;
 using Histogram = std::array<std::uint64_t, binCount>;
 
-Histogram countBins(const BilevelSpan& span, double minimum, double divisor) {
+Histogram countBins(const BilevelSpan& span, double minimum, double divisor, bool hasNaN) {
     // Eight counters a bin: neighbouring samples of a pulse fall into one bin, and an increment waits for the one
     // before.
     constexpr std::size_t lanes = 8;
     constexpr std::size_t blockSize = 256;
     const SpanKernels& kernels = spanKernels();
+    const double binsPerUnit = static_cast<double>(binCount) / divisor;
+    const bool isEven = !hasNaN && std::isnormal(binsPerUnit) && std::isnormal(divisor);
     std::array<Histogram, lanes> counts{};
     std::array<std::uint64_t, blockSize> bins;
     const std::size_t count = static_cast<std::size_t>(span.count);
     for (std::size_t begin = 0; begin < count; begin += blockSize) {
         const std::size_t length = std::min(blockSize, count - begin);
-        kernels.findHistogramBins(span.x + begin, length, minimum, divisor, bins.data());
+        if (!isEven || length < blockSize ||
+            !kernels.guessHistogramBins(span.x + begin, length, minimum, binsPerUnit, bins.data())) {
+            kernels.findHistogramBins(span.x + begin, length, minimum, divisor, bins.data());
+        }
         std::size_t i = 0;
         for (; i + lanes <= length; i += lanes) {
             for (std::size_t lane = 0; lane < lanes; ++lane) {
@@ -61,13 +66,13 @@ std::size_t modeOf(const Histogram& histogram, std::size_t first, std::size_t la
 }  // namespace
 
 void BilevelMeasurements::computeStateLevels(const BilevelSpan& span) {
-    const auto [minimum, maximum] = findExtremeValues(span.x, static_cast<std::size_t>(span.count));
+    const auto [minimum, maximum, hasNaN] = findExtremeValues(span.x, static_cast<std::size_t>(span.count));
     const double spread = maximum - minimum;
     if (!std::isfinite(spread)) {
         return;  // the levels found last stay in force
     }
     const double divisor = spread == 0.0 ? std::numeric_limits<double>::epsilon() : spread;
-    const Histogram histogram = countBins(span, minimum, divisor);
+    const Histogram histogram = countBins(span, minimum, divisor, hasNaN);
 
     const auto isFilled = [](std::uint64_t count) { return count > 0; };
     const auto firstFilled = std::find_if(histogram.begin(), histogram.end(), isFilled);

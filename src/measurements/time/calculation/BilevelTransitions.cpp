@@ -20,12 +20,6 @@ unsigned statesOf(double x, const BilevelLevels& levels) {
     return (x < levels.lowStateBound ? inLowState : 0) | (x > levels.highStateBound ? inHighState : 0);
 }
 
-/// The states that occur in a block of samples, for bounds in order.
-unsigned statesIn(const double* x, Index count, const BilevelLevels& levels, const SpanKernels& kernels) {
-    const ScannedExtremes extremes = kernels.scanExtremes(x, static_cast<std::size_t>(count));
-    return (statesOf(extremes.minimum, levels) & inLowState) | (statesOf(extremes.maximum, levels) & inHighState);
-}
-
 bool isTransition(unsigned from, unsigned to) {
     return ((from & inLowState) && (to & inHighState)) || ((from & inHighState) && (to & inLowState));
 }
@@ -37,64 +31,69 @@ Index lastStateSampleBefore(const BilevelSpan& span, const BilevelLevels& levels
     return index;
 }
 
-/// Finds the pairs of neighbouring state samples in different states. Only the state of the last state sample is kept,
-/// so that a block of samples in that same state or in none is passed over whole.
+/// Finds the pairs of neighbouring state samples in different states. Only the state of the last state sample is kept:
+/// samples in that same state or in none are passed over.
 class TransitionWalk {
 public:
     TransitionWalk(const BilevelSpan& walkedSpan, const BilevelLevels& stateLevels, BilevelTransitions& found)
-        : span(walkedSpan),
-          levels(stateLevels),
-          transitions(found),
-          kernels(spanKernels()),
-          boundsInOrder(stateLevels.lowStateBound <= stateLevels.highStateBound) {}
+        : span(walkedSpan), levels(stateLevels), transitions(found), kernels(spanKernels()) {}
 
     void run() {
-        constexpr Index blockSize = 512;
-        for (Index begin = 0; begin < span.count; begin += blockSize) {
-            walkBlock(begin, std::min(begin + blockSize, span.count));
+        if (levels.lowStateBound <= levels.highStateBound) {
+            walkSwings();
+        } else {
+            walkSamples();
         }
         transitions.hasStateSamples = state != 0;
     }
 
 private:
-    /// The parts of a block that hold a transition are walked sample by sample.
-    void walkBlock(Index begin, Index end) {
-        constexpr Index partSize = 32;
-        if (isPassedOver(begin, end)) {
+    /// With bounds in order no sample lies in both states: the next one in the other state is a transition.
+    void walkSwings() {
+        Index i = nextHigh(0, nextLow(0, span.count));
+        if (i == span.count) {
             return;
         }
-        for (Index part = begin; part < end; part += partSize) {
-            const Index partEnd = std::min(part + partSize, end);
-            if (!isPassedOver(part, partEnd)) {
-                walkSamples(part, partEnd);
+        state = statesOf(span.x[i], levels);
+        while (true) {
+            i = state == inLowState ? nextHigh(i, span.count) : nextLow(i, span.count);
+            if (i == span.count) {
+                return;
             }
+            add(i);
+            state = state == inLowState ? inHighState : inLowState;
         }
     }
 
-    bool isPassedOver(Index begin, Index end) const {
-        if (!boundsInOrder) {
-            return false;
-        }
-        const unsigned states = statesIn(span.x + begin, end - begin, levels, kernels);
-        return states == 0 || states == state;
-    }
-
-    void walkSamples(Index begin, Index end) {
-        for (Index i = begin; i < end; ++i) {
+    void walkSamples() {
+        for (Index i = 0; i < span.count; ++i) {
             const unsigned next = statesOf(span.x[i], levels);
             if (isTransition(state, next)) {
-                transitions.startIndices.push_back(lastStateSampleBefore(span, levels, i));
-                transitions.endIndices.push_back(i);
+                add(i);
             }
             state = next != 0 ? next : state;
         }
+    }
+
+    void add(Index end) {
+        transitions.startIndices.push_back(lastStateSampleBefore(span, levels, end));
+        transitions.endIndices.push_back(end);
+    }
+
+    /// First sample of begin .. end in a state; end if there is none.
+    Index nextHigh(Index begin, Index end) const {
+        const auto count = static_cast<std::size_t>(end - begin);
+        return begin + static_cast<Index>(kernels.findAbove(span.x + begin, count, levels.highStateBound));
+    }
+    Index nextLow(Index begin, Index end) const {
+        const auto count = static_cast<std::size_t>(end - begin);
+        return begin + static_cast<Index>(kernels.findBelow(span.x + begin, count, levels.lowStateBound));
     }
 
     const BilevelSpan& span;
     const BilevelLevels& levels;
     BilevelTransitions& transitions;
     const SpanKernels& kernels;
-    const bool boundsInOrder;
     unsigned state = 0;
 };
 

@@ -45,9 +45,9 @@ ExtremeValues findExtremeValues(const double* data, std::size_t count) {
     const ScannedExtremes values = spanKernels().scanExtremes(data, count);
     if (values.hasNaN) {
         const ExtremePositions positions = plainScan(data, count, MinMaxLastMaximum);
-        return {data[positions.minimum], data[positions.maximum]};
+        return {data[positions.minimum], data[positions.maximum], true};
     }
-    return {values.minimum, values.maximum};
+    return {values.minimum, values.maximum, false};
 }
 
 }  // namespace dspwavedecks

@@ -24,6 +24,7 @@ ExtremePositions findExtremes(const double* data, std::size_t count, Measurement
 struct ExtremeValues {
     double minimum = 0.0;
     double maximum = 0.0;
+    bool hasNaN = false;  ///< then values may lie outside the two
 };
 ExtremeValues findExtremeValues(const double* data, std::size_t count);
 

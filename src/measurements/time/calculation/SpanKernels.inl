@@ -1,17 +1,5 @@
 // Passes over a span for one instruction set; included behind VectorType.inl.
 
-VECTOR_INLINE Doubles choose(Integers mask, Doubles yes, Doubles no) {
-    return (Doubles)((mask & (Integers)yes) | (~mask & (Integers)no));
-}
-
-VECTOR_INLINE bool anyLane(Integers mask) {
-    std::int64_t bits = 0;
-    for (std::size_t lane = 0; lane < lanes; ++lane) {
-        bits |= mask[lane];
-    }
-    return bits != 0;
-}
-
 VECTOR_INLINE double leastOf(Doubles vector) {
     double least = vector[0];
     for (std::size_t lane = 1; lane < lanes; ++lane) {
@@ -30,14 +18,14 @@ VECTOR_TARGET static ScannedExtremes scanExtremes(const double* x, std::size_t n
     for (; i + 2 * lanes <= n; i += 2 * lanes) {
         for (std::size_t part = 0; part < 2; ++part) {
             const Doubles value = load(x + i + part * lanes);
-            low[part] = choose(value < low[part], value, low[part]);
-            high[part] = choose(value > high[part], value, high[part]);
+            low[part] = select(value < low[part], value, low[part]);
+            high[part] = select(value > high[part], value, high[part]);
             unordered[part] |= value != value;
         }
     }
-    const double lowest = leastOf(choose(low[0] < low[1], low[0], low[1]));
-    const double highest = -leastOf(-choose(high[0] > high[1], high[0], high[1]));
-    ScannedExtremes extremes{lowest, highest, anyLane(unordered[0] | unordered[1])};
+    const double lowest = leastOf(select(low[0] < low[1], low[0], low[1]));
+    const double highest = -leastOf(-select(high[0] > high[1], high[0], high[1]));
+    ScannedExtremes extremes{lowest, highest, any(unordered[0] | unordered[1])};
     for (; i < n; ++i) {
         extremes.minimum = x[i] < extremes.minimum ? x[i] : extremes.minimum;
         extremes.maximum = x[i] > extremes.maximum ? x[i] : extremes.maximum;
@@ -55,21 +43,46 @@ VECTOR_TARGET static bool neverFalls(const double* x, std::size_t n) {
             falls[part] |= ~(load(here) <= load(here + 1));
         }
     }
-    bool rises = !anyLane(falls[0] | falls[1]);
+    bool rises = !any(falls[0] | falls[1]);
     for (; i + 1 < n; ++i) {
         rises = rises && x[i] <= x[i + 1];
     }
     return rises;
 }
 
+VECTOR_TARGET static std::size_t findAbove(const double* x, std::size_t n, double bound) {
+    const Doubles bounds = bound - Doubles{};
+    std::size_t i = 0;
+    while (i + 2 * lanes <= n && !any((load(x + i) > bounds) | (load(x + i + lanes) > bounds))) {
+        i += 2 * lanes;
+    }
+    while (i < n && !(x[i] > bound)) {
+        ++i;
+    }
+    return i;
+}
+
+VECTOR_TARGET static std::size_t findBelow(const double* x, std::size_t n, double bound) {
+    const Doubles bounds = bound - Doubles{};
+    std::size_t i = 0;
+    while (i + 2 * lanes <= n && !any((load(x + i) < bounds) | (load(x + i + lanes) < bounds))) {
+        i += 2 * lanes;
+    }
+    while (i < n && !(x[i] < bound)) {
+        ++i;
+    }
+    return i;
+}
+
+/// Doubles from here on have no fraction: adding it rounds, and leaves a small whole number in the low bits.
+constexpr double wholeNumbers = 0x1p52;
+
 VECTOR_INLINE Integers binsOf(Doubles x, Doubles minimum, Doubles divisor) {
-    // Doubles from here on have no fraction: adding it rounds, and leaves a small whole number in the low bits.
-    const Doubles wholeNumbers = 0x1p52 - Doubles{};
     const Doubles largest = std::numeric_limits<double>::max() - Doubles{};
     const Doubles binCount = static_cast<double>(histogramBinCount) - Doubles{};
     const Doubles one = 1.0 - Doubles{};
     const Doubles quotient = (x - minimum) * binCount / divisor;
-    const Doubles small = choose(quotient < binCount, quotient, binCount);
+    const Doubles small = select(quotient < binCount, quotient, binCount);
     const Doubles rounded = (small + wholeNumbers) - wholeNumbers;
     const Doubles position = rounded - (Doubles)((rounded >= small) & (Integers)one);  // ceil(small) - 1, at most 99
     const Integers isPositive = (quotient > Doubles{}) & (quotient <= largest);
@@ -86,11 +99,29 @@ VECTOR_TARGET static void findHistogramBins(const double* x, std::size_t n, doub
         __builtin_memcpy(bins + i, &found, sizeof found);
     }
     if (i < n) {
-        Doubles rest = {};
-        __builtin_memcpy(&rest, x + i, (n - i) * sizeof(double));
-        const Integers found = binsOf(rest, allMinimum, allDivisor);
+        const Integers found = binsOf(loadSome(x + i, n - i, 0.0), allMinimum, allDivisor);
         __builtin_memcpy(bins + i, &found, (n - i) * sizeof(std::uint64_t));
     }
 }
 
-constexpr SpanKernels table{scanExtremes, neverFalls, findHistogramBins};
+VECTOR_TARGET static bool guessHistogramBins(const double* x, std::size_t n, double minimum, double binsPerUnit,
+                                             std::uint64_t* bins) {
+    // The bins at both ends reach as far as values do, so that a value may be taken for one half inside them.
+    const Doubles first = 0.5 - Doubles{};
+    const Doubles last = static_cast<double>(histogramBinCount) - 0.5 - Doubles{};
+    const Doubles margin = 1e-12 - Doubles{};  // 100 is known to three roundings of 1.4e-14 each
+    Integers isUnsure = {};
+    for (std::size_t i = 0; i + lanes <= n; i += lanes) {
+        const Doubles product = (load(x + i) - minimum) * binsPerUnit;
+        const Doubles atLeast = select(product > first, product, first);
+        const Doubles position = select(atLeast < last, atLeast, last);
+        const Doubles rounded = position + wholeNumbers;
+        const Doubles above = position - (rounded - wholeNumbers);
+        isUnsure |= (above < margin) & (above > -margin);
+        const Integers found = ((Integers)rounded + (above < Doubles{})) & 127;
+        __builtin_memcpy(bins + i, &found, sizeof found);
+    }
+    return !any(isUnsure);
+}
+
+constexpr SpanKernels table{scanExtremes, neverFalls, findAbove, findBelow, findHistogramBins, guessHistogramBins};

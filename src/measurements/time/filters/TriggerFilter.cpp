@@ -77,10 +77,7 @@ void TriggerFilter::filterImpl(const double* data, std::vector<double>&, int sig
 
 void TriggerFilter::feed(const double* data, unsigned long points, unsigned long channel, double timeRange,
                          deckutil::TimeDomainTriggerController& engine, double& lastTime) const {
-    const double* const values = data + points * (channel + 1);
-    for (unsigned long i = 0; i < points; ++i) {
-        engine.processSample(data[i], values[i], data[i], timeRange);
-    }
+    engine.processSamples(data, data + points * (channel + 1), points, timeRange);
     if (points != 0) {
         lastTime = data[points - 1];
     }
