@@ -162,12 +162,14 @@ void ChannelMeasurements::computeACPR() {
     const double power = computeFilteredChannelPower(psd, startFrequency, stopFrequency);
     const double centre = (startFrequency + stopFrequency) / 2.0;
     const double halfWidth = adjacentBW / 2.0;
-    results.numOffsets = numOffsets;
-    results.acprLower.resize(numOffsets, nan);
-    results.acprUpper.resize(numOffsets, nan);
-    for (std::size_t i = 0; i < numOffsets; ++i) {
-        // An offset that the list doesn't hold is no channel.
-        const double offset = i < acprOffsets.size() ? acprOffsets[i] : nan;
+    // An offset that the list doesn't hold is no channel and reads NaN, up to a number beyond which the count is wrong:
+    // it must not ask for the memory of as many results.
+    constexpr std::size_t mostWithoutOffset = 1000;
+    results.numOffsets = std::min<std::size_t>(numOffsets, std::max(acprOffsets.size(), mostWithoutOffset));
+    results.acprLower.assign(results.numOffsets, nan);
+    results.acprUpper.assign(results.numOffsets, nan);
+    for (std::size_t i = 0; i < std::min<std::size_t>(results.numOffsets, acprOffsets.size()); ++i) {
+        const double offset = acprOffsets[i];
         const double lower = centre - offset;
         const double upper = centre + offset;
         results.acprLower[i] = toLevel(computeFilteredChannelPower(psd, lower - halfWidth, lower + halfWidth) / power);

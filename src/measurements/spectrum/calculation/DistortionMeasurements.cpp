@@ -44,8 +44,10 @@ const distortionStruct& DistortionMeasurements::computeDistortion(const double* 
 // steps with the others: it stands among the components that the spurious-free range is measured against, and is
 // converted to the displayed unit once more. Both are meant; clients read only the first numHarmonics entries.
 void DistortionMeasurements::computeHarmonicDistortion() {
-    results.harmonicFrequency.resize(numHarmonics, nan);
-    results.harmonicPower.resize(numHarmonics, nan);
+    // No grid holds more harmonics than bins: a wrong count must not ask for the memory of as many.
+    const std::size_t mostHarmonics = std::min<std::size_t>(numHarmonics, std::max<std::size_t>(psd.size(), 1000));
+    results.harmonicFrequency.resize(mostHarmonics, nan);
+    results.harmonicPower.resize(mostHarmonics, nan);
     results.numHarmonics = 0;
     if (!isMeasurable()) {
         markUnmeasurable();
@@ -59,7 +61,7 @@ void DistortionMeasurements::computeHarmonicDistortion() {
     const double fundamental = takeTone(strongest, 0);
     unsigned long numFound = 1;
     double harmonics = 0.0;
-    for (unsigned long order = 2; order <= numHarmonics; ++order) {
+    for (unsigned long order = 2; order <= mostHarmonics; ++order) {
         if (const auto index = findBin(fundamentalFrequency * static_cast<double>(order))) {
             harmonics += takeTone(strongestAbout(*index), order - 1);
             ++numFound;
@@ -85,7 +87,7 @@ void DistortionMeasurements::computeHarmonicDistortion() {
     results.sinad = toLevel(fundamental / (harmonics + noise));
     results.sfdr = toLevel(fundamental / strongestSpur);
     SpectrumMeasurementsUtils::computeSpectrumFromPSD(results.harmonicPower, rbw, spectrumType, spectrumUnits);
-    results.numHarmonics = std::min(numFound, numHarmonics);
+    results.numHarmonics = std::min<std::size_t>(numFound, mostHarmonics);
 }
 
 void DistortionMeasurements::computeImodDistortion() {

@@ -165,6 +165,9 @@ TEST(DistortionMeasurements, ReadsNaNWhereThereIsNothingToMeasure) {
     EXPECT_TRUE(result.harmonicPower.empty());
     EXPECT_EQ(result.numHarmonics, 0u);
     EXPECT_FALSE(std::isnan(result.snr));
+    DistortionMeasurements endless;
+    endless.setNumHarmonics(std::numeric_limits<unsigned long>::max());
+    EXPECT_EQ(measure(endless, levels({{50, 0}})).harmonicPower.size(), 1000u);
     DistortionMeasurements wide;  // windows that reach past either end, and tones on the first and last bins
     for (const std::size_t place : {0u, 1u, 5u}) {
         measure(wide, levels({{place, 0}}, 6));

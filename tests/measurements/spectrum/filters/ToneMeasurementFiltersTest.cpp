@@ -81,6 +81,9 @@ TEST(ChannelMeasurementsFilter, measuresTheSpectrumInTheFrame) {
     EXPECT_NEAR(ratios.numbers("ACPRUpper")[0], -10, 1e-10);
     EXPECT_TRUE(ratios.isSecondTrue());
 
+    filter.tuneImpl(TestClient::tune().addInt("numOffsets", std::numeric_limits<int>::max()));
+    feed(filter, frame(-30));
+    EXPECT_EQ(QueryAnswer(answerChannelMeasurements, client).numbers("ACPRLower").size(), 1000u);
     filter.tuneImpl(TestClient::tune().addInt("numOffsets", -5));
     feed(filter, frame(-30));
     EXPECT_EQ(QueryAnswer(answerChannelMeasurements, client).field("ACPRLower"), nullptr);

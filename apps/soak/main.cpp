@@ -1,0 +1,106 @@
+// soak: lives of random clients, one after the other, until the time is over. Ends with status 1 at what must not be.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "SoakRound.h"
+
+namespace {
+
+std::vector<std::string> queryNames() {
+    std::ifstream names(EXPORTED_NAMES);
+    std::vector<std::string> queries;
+    for (std::string name; std::getline(names, name);) {
+        if (name.ends_with("Impl")) {
+            queries.push_back(name);
+        }
+    }
+    return queries;
+}
+
+/// Memory that the process holds, MiB.
+double residentMemory() {
+    std::ifstream statm("/proc/self/statm");
+    double total = 0.0;
+    double resident = 0.0;
+    statm >> total >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 0x1p20;
+}
+
+void print(const soak::Tally& tally, bool showRefusals) {
+    std::printf("%llu clients, %llu steps, %llu frames, %llu messages, %llu queries, messages' hash %016llx\n",
+                static_cast<unsigned long long>(tally.rounds), static_cast<unsigned long long>(tally.steps),
+                static_cast<unsigned long long>(tally.frames), static_cast<unsigned long long>(tally.messages),
+                static_cast<unsigned long long>(tally.queries), static_cast<unsigned long long>(tally.messageHash));
+    for (const auto& [text, count] : tally.refusals) {
+        if (showRefusals) {
+            std::printf("%8llu  %s\n", static_cast<unsigned long long>(count), text.c_str());
+        }
+    }
+    for (const std::string& fault : tally.faults) {
+        std::printf("FAULT %s\n", fault.c_str());
+    }
+}
+
+int soakFor(double seconds, std::uint64_t seed, int steps, bool isVerbose) {
+    using Clock = std::chrono::steady_clock;
+    const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
+    const auto forms = soak::findChainForms(library);
+    const auto queries = queryNames();
+    const auto begin = Clock::now();
+    const auto elapsed = [begin] { return std::chrono::duration<double>(Clock::now() - begin).count(); };
+    soak::Tally tally;
+    double memoryAtFirst = 0.0;
+    do {
+        const double before = elapsed();
+        soak::SoakRound round(library, forms, queries, seed, tally);
+        // Printed ahead of the round: the last line tells what a crash needs to be seen again.
+        std::fprintf(stderr, isVerbose ? "seed %llu %s\n" : "\rseed %llu %-20s", static_cast<unsigned long long>(seed),
+                     round.chainKind());
+        round.run(steps);
+        if (elapsed() - before > 5.0) {
+            std::printf("seed %llu took %.1f s\n", static_cast<unsigned long long>(seed), elapsed() - before);
+        }
+        if (!tally.faults.empty()) {
+            std::printf("\nseed %llu\n", static_cast<unsigned long long>(seed));
+            break;
+        }
+        if (memoryAtFirst == 0.0 && elapsed() > 0.25 * seconds) {
+            memoryAtFirst = residentMemory();
+        }
+        ++seed;
+    } while (elapsed() < seconds);
+    std::printf("\nnext seed %llu; resident memory %.1f MiB after a quarter of the time, %.1f MiB at the end\n",
+                static_cast<unsigned long long>(seed), memoryAtFirst, residentMemory());
+    print(tally, isVerbose);
+    return tally.faults.empty() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    double seconds = 10.0;
+    std::uint64_t seed = 1;
+    int steps = 150;
+    bool isVerbose = false;
+    CLI::App app("Random sequences of everything that a host does, through all stages in all chains");
+    app.add_option("--seconds", seconds, "how long; 0: one client")->capture_default_str();
+    app.add_option("--seed", seed, "of the first client; each further client has the next one")->capture_default_str();
+    app.add_option("--steps", steps, "steps in the life of a client")->capture_default_str();
+    app.add_flag("--verbose", isVerbose, "list every seed, and what stages refused");
+    CLI11_PARSE(app, argc, argv);
+    std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+    try {
+        return soakFor(seconds, seed, steps, isVerbose);
+    } catch (const std::exception& thrown) {
+        std::printf("\n%s\n", thrown.what());
+        return 2;
+    }
+}
