@@ -86,18 +86,19 @@ int soakFor(double seconds, std::uint64_t seed, int steps, bool isVerbose) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    double seconds = 10.0;
-    std::uint64_t seed = 1;
-    int steps = 150;
-    bool isVerbose = false;
-    CLI::App app("Random sequences of everything that a host does, through all stages in all chains");
-    app.add_option("--seconds", seconds, "how long; 0: one client")->capture_default_str();
-    app.add_option("--seed", seed, "of the first client; each further client has the next one")->capture_default_str();
-    app.add_option("--steps", steps, "steps in the life of a client")->capture_default_str();
-    app.add_flag("--verbose", isVerbose, "list every seed, and what stages refused");
-    CLI11_PARSE(app, argc, argv);
-    std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
     try {
+        double seconds = 10.0;
+        std::uint64_t seed = 1;
+        int steps = 150;
+        bool isVerbose = false;
+        CLI::App app("Random sequences of everything that a host does, through all stages in all chains");
+        app.add_option("--seconds", seconds, "how long; 0: one client")->capture_default_str();
+        app.add_option("--seed", seed, "of the first client; each further client has the next one")
+            ->capture_default_str();
+        app.add_option("--steps", steps, "steps in the life of a client")->capture_default_str();
+        app.add_flag("--verbose", isVerbose, "list every seed, and what stages refused");
+        CLI11_PARSE(app, argc, argv);
+        std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
         return soakFor(seconds, seed, steps, isVerbose);
     } catch (const std::exception& thrown) {
         std::printf("\n%s\n", thrown.what());
