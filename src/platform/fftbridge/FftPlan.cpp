@@ -3,6 +3,7 @@
 #include "fftwApi.h"
 
 #include <cstddef>
+#include <memory>
 #include <mutex>
 
 namespace fftbridge {
@@ -29,8 +30,18 @@ fftw_plan makePlan(const FftPlanKey& key, unsigned effort) {
     return fftw_plan_guru64_dft(1, &transform, 1, &batch, in.get(), out.get(), key.sign, flags);
 }
 
+struct PlanDestruction {
+    void operator()(fftw_plan plan) const noexcept { fftw_destroy_plan(plan); }
+};
+
 std::shared_ptr<const FftPlan> share(fftw_plan plan) {
-    return plan == nullptr ? nullptr : std::make_shared<const FftPlan>(plan);
+    std::unique_ptr<fftw_plan_s, PlanDestruction> owned(plan);  // until the shared plan has its memory
+    if (owned == nullptr) {
+        return nullptr;
+    }
+    auto shared = std::make_shared<const FftPlan>(plan);
+    static_cast<void>(owned.release());
+    return shared;
 }
 
 }  // namespace

@@ -68,9 +68,9 @@ VECTOR_INLINE Doubles decibelsOfNormal(Doubles x, Doubles shift) {
 
 VECTOR_INLINE bool allNormal(Doubles x) {
     // Of positive numbers the bits stand in the order of the numbers; negative ones and NaN lie above as unsigned ones.
-    constexpr std::int64_t smallestBits = 0x0010000000000000;
-    constexpr std::int64_t infinityBits = 0x7ff0000000000000;
-    return _mm512_cmplt_epu64_mask((__m512i)((Integers)x - smallestBits),
+    constexpr std::uint64_t smallestBits = 0x0010000000000000;
+    constexpr std::uint64_t infinityBits = 0x7ff0000000000000;
+    return _mm512_cmplt_epu64_mask((__m512i)((Naturals)x - smallestBits),
                                    _mm512_set1_epi64(infinityBits - smallestBits)) == allLanes;
 }
 
