@@ -40,8 +40,9 @@ bool SpectralMaskTester::isSetUpFor(const int& otherNumSignals, const std::vecto
 void SpectralMaskTester::interpolateMasks(const double* freq, std::size_t numPoints, std::size_t channel) {
     std::vector<double>& grid = frequencies[channel];
     grid.assign(freq, freq + numPoints);
+    const double offset = offsetOf(channel);
     for (double& frequency : grid) {
-        frequency += frequencyOffset[channel];
+        frequency += offset;
     }
     const auto interpolate = [&](const std::vector<double>& mask, std::vector<double>& onGrid) {
         const LimitLine line(mask, frequencyLimits, maskFrequencyOffset);
@@ -58,9 +59,14 @@ void SpectralMaskTester::interpolateMasks(const double* freq, std::size_t numPoi
 
 bool SpectralMaskTester::hasGrid(const double* freq, std::size_t numPoints, std::size_t channel) const {
     const std::vector<double>& grid = frequencies[channel];
+    const double offset = offsetOf(channel);
     return grid.size() == numPoints &&
-           (numPoints == 0 || (grid.front() == freq[0] + frequencyOffset[channel] &&
-                               grid.back() == freq[numPoints - 1] + frequencyOffset[channel]));
+           (numPoints == 0 || (grid.front() == freq[0] + offset && grid.back() == freq[numPoints - 1] + offset));
+}
+
+/// A list that a tune has made shorter than the channels has none for the rest.
+double SpectralMaskTester::offsetOf(std::size_t channel) const {
+    return channel < frequencyOffset.size() ? frequencyOffset[channel] : 0.0;
 }
 
 const spectralMaskStruct* SpectralMaskTester::performMaskTest(const double* data, const int& signal,

@@ -79,6 +79,7 @@ public:
 private:
     void interpolateMasks(const double* freq, std::size_t numPoints, std::size_t channel);
     bool hasGrid(const double* freq, std::size_t numPoints, std::size_t channel) const;
+    double offsetOf(std::size_t channel) const;
     double findReference(const double* data, int signal, std::size_t numPoints) const;
     void testChannel(const double* bins, std::size_t numPoints, double reference, std::size_t channel);
     void countTest(bool passed, bool isNewTest);

@@ -154,7 +154,11 @@ TEST(SpectralMaskTester, FollowsTheGridOfTheFrames) {
     EXPECT_TRUE(mask.performMaskTest(shifted.data(), 0, numPoints, true)->isCurrentlyPassing);
     const Values narrow{-1, 0, 1, -50, -9, -50};
     EXPECT_FALSE(mask.performMaskTest(narrow.data(), 0, 3, true)->isCurrentlyPassing);
-    EXPECT_EQ(mask.performMaskTest(data.data(), 0, numPoints, true)->numTotalTests, 5);
+    mask.setFrequencyOffset({200});
+    EXPECT_TRUE(mask.performMaskTest(data.data(), 0, numPoints, true)->isCurrentlyPassing);
+    mask.setFrequencyOffset({});
+    EXPECT_FALSE(mask.performMaskTest(data.data(), 0, numPoints, true)->isCurrentlyPassing) << "none for the channel";
+    EXPECT_EQ(mask.performMaskTest(data.data(), 0, numPoints, true)->numTotalTests, 7);
 }
 
 }  // namespace
