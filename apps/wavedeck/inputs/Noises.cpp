@@ -23,12 +23,12 @@ RandomNumbers randomNumbers(const SignalFrame& frame, int channel, Purpose purpo
 /// white phase noise on top. The walk is the one thing here that has a state.
 class PhaseNoiseCarrier {
 public:
-    PhaseNoiseCarrier(const SignalSpecification& specification, const SignalFrame& frame)
+    PhaseNoiseCarrier(const SignalDescription& description, const SignalFrame& frame)
         : frame_(frame),
-          frequency_(specification.number("frequency")),
-          amplitude_(specification.number("amplitude")),
-          walkStep_(stepOfWalk(specification.number("level"), specification.number("at"), frame.sampleRate)),
-          floorRms_(std::sqrt(std::pow(10.0, specification.number("floor") / 10.0) * frame.sampleRate)),
+          frequency_(description.number("frequency")),
+          amplitude_(description.number("amplitude")),
+          walkStep_(stepOfWalk(description.number("level"), description.number("at"), frame.sampleRate)),
+          floorRms_(std::sqrt(std::pow(10.0, description.number("floor") / 10.0) * frame.sampleRate)),
           walks_(static_cast<std::size_t>(frame.channels)) {}
 
     void operator()(std::uint64_t first, int channel, std::span<double> real, std::span<double> imaginary) {
@@ -70,13 +70,13 @@ private:
 
 }  // namespace
 
-SignalFunction makeNoise(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeNoise(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 1> keys{{{"rms", "0.1", 0.0, huge}}};
     static constexpr std::array<std::string_view, 2> distributions{"gaussian", "uniform"};
-    specification.accept(keys);
-    const bool uniform = specification.word("distribution", distributions) == "uniform";
+    description.accept(keys);
+    const bool uniform = description.word("distribution", distributions) == "uniform";
     // Half the power of complex noise lies in each part.
-    const double rms = specification.number("rms") * (frame.isComplex ? std::sqrt(0.5) : 1.0);
+    const double rms = description.number("rms") * (frame.isComplex ? std::sqrt(0.5) : 1.0);
     return [=](std::uint64_t first, int channel, std::span<double> real, std::span<double> imaginary) {
         const auto numbers = randomNumbers(frame, channel, Purpose::signal);
         for (std::size_t i = 0; i < real.size(); ++i) {
@@ -94,7 +94,7 @@ SignalFunction makeNoise(SignalSpecification& specification, const SignalFrame& 
     };
 }
 
-SignalFunction makePhaseNoise(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makePhaseNoise(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 5> keys{{
         {"frequency", "10k", -huge, huge},
         {"amplitude", "1", -huge, huge},
@@ -102,8 +102,8 @@ SignalFunction makePhaseNoise(SignalSpecification& specification, const SignalFr
         {"at", "1k", 1e-12, huge},
         {"floor", "-inf", -std::numeric_limits<double>::infinity(), 0.0},
     }};
-    specification.accept(keys);
-    return PhaseNoiseCarrier(specification, frame);
+    description.accept(keys);
+    return PhaseNoiseCarrier(description, frame);
 }
 
 }  // namespace program

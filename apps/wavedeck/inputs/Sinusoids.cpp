@@ -46,47 +46,47 @@ double fromDecibels(double level) {
 
 }  // namespace
 
-SignalFunction makeTone(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeTone(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 3> keys{{
         {"frequency", "1k", -huge, huge},
         {"amplitude", "1", -huge, huge},
         {"phase", "0", -huge, huge},
     }};
-    specification.accept(keys);
+    description.accept(keys);
     return sumOf(
-        {{specification.number("frequency"), specification.number("amplitude"), specification.number("phase") / 360.0}},
+        {{description.number("frequency"), description.number("amplitude"), description.number("phase") / 360.0}},
         frame.sampleRate);
 }
 
-SignalFunction makeTwoTone(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeTwoTone(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"frequency", "1k", -huge, huge},
         {"spacing", "100", -huge, huge},
         {"amplitude", "0.5", -huge, huge},
         {"im3", "-inf", -infinity, 0.0},
     }};
-    specification.accept(keys);
-    const double lower = specification.number("frequency");
-    const double upper = lower + specification.number("spacing");
-    const double amplitude = specification.number("amplitude");
+    description.accept(keys);
+    const double lower = description.number("frequency");
+    const double upper = lower + description.number("spacing");
+    const double amplitude = description.number("amplitude");
     std::vector<Sinusoid> parts{{lower, amplitude, 0.0}, {upper, amplitude, 0.0}};
-    if (const double level = specification.number("im3"); level > -infinity) {
+    if (const double level = description.number("im3"); level > -infinity) {
         parts.push_back({2.0 * lower - upper, amplitude * fromDecibels(level), 0.0});
         parts.push_back({2.0 * upper - lower, amplitude * fromDecibels(level), 0.0});
     }
     return sumOf(std::move(parts), frame.sampleRate);
 }
 
-SignalFunction makeMultitone(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeMultitone(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 3> keys{{
         {"frequency", "1k,2k,3k", -huge, huge},
         {"amplitude", "0.3", -huge, huge},
         {"phase", "0", -huge, huge},
     }};
-    specification.accept(keys);
-    const auto& frequencies = specification.list("frequency");
-    const auto& amplitudes = specification.list("amplitude");
-    const auto& phases = specification.list("phase");
+    description.accept(keys);
+    const auto& frequencies = description.list("frequency");
+    const auto& amplitudes = description.list("amplitude");
+    const auto& phases = description.list("phase");
     std::vector<Sinusoid> parts;
     for (std::size_t i = 0; i < frequencies.size(); ++i) {
         parts.push_back({frequencies[i], amplitudes[std::min(i, amplitudes.size() - 1)],
@@ -95,7 +95,7 @@ SignalFunction makeMultitone(SignalSpecification& specification, const SignalFra
     return sumOf(std::move(parts), frame.sampleRate);
 }
 
-SignalFunction makeChirp(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeChirp(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"start", "100", -huge, huge},
         {"stop", "10k", -huge, huge},
@@ -103,13 +103,13 @@ SignalFunction makeChirp(SignalSpecification& specification, const SignalFrame& 
         {"amplitude", "1", -huge, huge},
     }};
     static constexpr std::array<std::string_view, 2> laws{"linear", "log"};
-    specification.accept(keys);
-    const double start = specification.number("start");
-    const double stop = specification.number("stop");
-    const double period = specification.number("period");
-    const double amplitude = specification.number("amplitude");
+    description.accept(keys);
+    const double start = description.number("start");
+    const double stop = description.number("stop");
+    const double period = description.number("period");
+    const double amplitude = description.number("amplitude");
     const double rate = frame.sampleRate;
-    const bool logarithmic = specification.word("law", laws) == "log";
+    const bool logarithmic = description.word("law", laws) == "log";
     if (logarithmic && !(start > 0.0 && stop > 0.0 && start != stop)) {
         throw UsageError("gen:chirp: a log sweep needs two different frequencies above 0");
     }
@@ -125,18 +125,18 @@ SignalFunction makeChirp(SignalSpecification& specification, const SignalFrame& 
     };
 }
 
-SignalFunction makeAmplitudeModulation(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeAmplitudeModulation(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"frequency", "10k", -huge, huge},
         {"amplitude", "1", -huge, huge},
         {"modulation", "1k", -huge, huge},
         {"depth", "0.5", 0.0, huge},
     }};
-    specification.accept(keys);
-    const double carrier = specification.number("frequency");
-    const double modulation = specification.number("modulation");
-    const double amplitude = specification.number("amplitude");
-    const double depth = specification.number("depth");
+    description.accept(keys);
+    const double carrier = description.number("frequency");
+    const double modulation = description.number("modulation");
+    const double amplitude = description.number("amplitude");
+    const double depth = description.number("depth");
     const double rate = frame.sampleRate;
     return [=](std::uint64_t first, int, std::span<double> real, std::span<double> imaginary) {
         for (std::size_t i = 0; i < real.size(); ++i) {
@@ -147,18 +147,18 @@ SignalFunction makeAmplitudeModulation(SignalSpecification& specification, const
     };
 }
 
-SignalFunction makeFrequencyModulation(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeFrequencyModulation(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"frequency", "10k", -huge, huge},
         {"amplitude", "1", -huge, huge},
         {"modulation", "1k", 1e-12, huge},
         {"deviation", "2k", -huge, huge},
     }};
-    specification.accept(keys);
-    const double carrier = specification.number("frequency");
-    const double modulation = specification.number("modulation");
-    const double amplitude = specification.number("amplitude");
-    const double index = specification.number("deviation") / modulation / (2.0 * std::numbers::pi);
+    description.accept(keys);
+    const double carrier = description.number("frequency");
+    const double modulation = description.number("modulation");
+    const double amplitude = description.number("amplitude");
+    const double index = description.number("deviation") / modulation / (2.0 * std::numbers::pi);
     const double rate = frame.sampleRate;
     return [=](std::uint64_t first, int, std::span<double> real, std::span<double> imaginary) {
         for (std::size_t i = 0; i < real.size(); ++i) {

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "RandomNumbers.h"
-#include "SignalSpecification.h"
+#include "SignalDescription.h"
 #include "UsageError.h"
 
 namespace program {
@@ -27,23 +27,23 @@ constexpr std::uint64_t addedNoiseStream = 255;
 }  // namespace
 
 TestSignalReader::TestSignalReader(const std::string& text) {
-    SignalSpecification specification(text);
-    specification.accept(commonKeys);
+    SignalDescription description(text);
+    description.accept(commonKeys);
     static constexpr std::array<std::string_view, 2> yesOrNo{"false", "true"};
     facts_.name = "gen:" + text;
     facts_.format = "test signal";
     facts_.scale = "values as computed";
-    facts_.isComplex = specification.word("complex", yesOrNo) == "true";
-    facts_.sampleRate = specification.number("rate");
-    facts_.channels = static_cast<int>(specification.wholeNumber("channels"));
-    noiseRms_ = specification.number("noise");
-    dc_ = specification.number("dc");
-    seed_ = static_cast<std::uint64_t>(specification.wholeNumber("seed"));
-    signal_ = makeTestSignal(specification, {facts_.sampleRate, facts_.isComplex, facts_.channels, seed_});
-    specification.refuseUnknownKeys();
+    facts_.isComplex = description.word("complex", yesOrNo) == "true";
+    facts_.sampleRate = description.number("rate");
+    facts_.channels = static_cast<int>(description.wholeNumber("channels"));
+    noiseRms_ = description.number("noise");
+    dc_ = description.number("dc");
+    seed_ = static_cast<std::uint64_t>(description.wholeNumber("seed"));
+    signal_ = makeTestSignal(description, {facts_.sampleRate, facts_.isComplex, facts_.channels, seed_});
+    description.refuseUnknownKeys();
 
     end_ = std::numeric_limits<std::uint64_t>::max();
-    if (const double samples = std::round(specification.number("duration") * facts_.sampleRate); samples < 1e18) {
+    if (const double samples = std::round(description.number("duration") * facts_.sampleRate); samples < 1e18) {
         end_ = static_cast<std::uint64_t>(samples);
         facts_.length = end_;
     }

@@ -11,7 +11,7 @@ namespace {
 
 struct Kind {
     std::string_view name;
-    SignalFunction (*make)(SignalSpecification&, const SignalFrame&);
+    SignalFunction (*make)(SignalDescription&, const SignalFrame&);
     bool hasComplexForm;
 };
 
@@ -40,17 +40,17 @@ std::vector<std::string_view> testSignalNames() {
     return names;
 }
 
-SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeTestSignal(SignalDescription& description, const SignalFrame& frame) {
     const auto* kind =
-        std::find_if(kinds.begin(), kinds.end(), [&](const Kind& entry) { return entry.name == specification.name(); });
+        std::find_if(kinds.begin(), kinds.end(), [&](const Kind& entry) { return entry.name == description.name(); });
     if (kind == kinds.end()) {
-        throw UsageError("gen:" + specification.name() + ": no such test signal; there are " +
+        throw UsageError("gen:" + description.name() + ": no such test signal; there are " +
                          join(testSignalNames(), " "));
     }
     if (frame.isComplex && !kind->hasComplexForm) {
-        throw UsageError("gen:" + specification.name() + ": has no complex form");
+        throw UsageError("gen:" + description.name() + ": has no complex form");
     }
-    return kind->make(specification, frame);
+    return kind->make(description, frame);
 }
 
 }  // namespace program

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "SignalSpecification.h"
+#include "SignalDescription.h"
 
 namespace program {
 
@@ -27,24 +27,24 @@ struct SignalFrame {
 /// Names of all test signals.
 std::vector<std::string_view> testSignalNames();
 
-/// Makes the signal of a specification. Throws UsageError for an unknown name, an unknown key, a value out of range,
+/// Makes the signal of a description. Throws UsageError for an unknown name, an unknown key, a value out of range,
 /// and for a complex form where a signal has none.
-SignalFunction makeTestSignal(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeTestSignal(SignalDescription& description, const SignalFrame& frame);
 
-/// The makers by kind; each accepts its keys in the specification.
+/// The makers by kind; each accepts its keys in the description.
 /// Sinusoids are A cos(2 pi f t + phase) and A exp(j(2 pi f t + phase)); t is index / sample rate.
-SignalFunction makeTone(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeTwoTone(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeMultitone(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeChirp(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeAmplitudeModulation(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeFrequencyModulation(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeNoise(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makePhaseNoise(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeSquare(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makePulse(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeRamp(SignalSpecification& specification, const SignalFrame& frame);
-SignalFunction makeStep(SignalSpecification& specification, const SignalFrame& frame);
+SignalFunction makeTone(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeTwoTone(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeMultitone(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeChirp(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeAmplitudeModulation(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeFrequencyModulation(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeNoise(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makePhaseNoise(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeSquare(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makePulse(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeRamp(SignalDescription& description, const SignalFrame& frame);
+SignalFunction makeStep(SignalDescription& description, const SignalFrame& frame);
 
 /// The fraction of a cycle, 0 to 1, that a frequency has gone through at an index: frac(frequency * index / rate). The
 /// product is formed to twice the precision, so that the fraction stays exact to rounding after any number of samples.

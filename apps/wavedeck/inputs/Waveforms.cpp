@@ -61,24 +61,24 @@ double secondOrderStep(double t, double naturalFrequency, double damping) {
 
 }  // namespace
 
-SignalFunction makeSquare(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeSquare(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"frequency", "1k", 0.0, huge},
         {"amplitude", "1", -huge, huge},
         {"duty", "0.5", 0.0, 1.0},
         {"phase", "0", -huge, huge},
     }};
-    specification.accept(keys);
-    const double frequency = specification.number("frequency");
-    const double amplitude = specification.number("amplitude");
-    const double duty = specification.number("duty");
-    const double phase = specification.number("phase");
+    description.accept(keys);
+    const double frequency = description.number("frequency");
+    const double amplitude = description.number("amplitude");
+    const double duty = description.number("duty");
+    const double phase = description.number("phase");
     return fromIndex([=, rate = frame.sampleRate](std::uint64_t index) {
         return position(frequency, phase, index, rate) < duty ? amplitude : -amplitude;
     });
 }
 
-SignalFunction makePulse(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makePulse(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 7> keys{{
         {"period", "1m", 1e-12, huge},
         {"width", "0.3m", 0.0, huge},
@@ -88,15 +88,15 @@ SignalFunction makePulse(SignalSpecification& specification, const SignalFrame& 
         {"high", "1", -huge, huge},
         {"delay", "0", 0.0, huge},
     }};
-    specification.accept(keys);
-    const double period = specification.number("period");
-    const double rise = specification.number("rise");
-    const double fall = specification.number("fall");
-    const double low = specification.number("low");
-    const double high = specification.number("high");
-    const double delay = specification.number("delay");
+    description.accept(keys);
+    const double period = description.number("period");
+    const double rise = description.number("rise");
+    const double fall = description.number("fall");
+    const double low = description.number("low");
+    const double high = description.number("high");
+    const double delay = description.number("delay");
     // The width is measured where the edges cross half of the amplitude.
-    const double fallStart = specification.number("width") + (rise - fall) / 2.0;
+    const double fallStart = description.number("width") + (rise - fall) / 2.0;
     if (fallStart < rise || fallStart + fall > period) {
         throw UsageError("gen:pulse: an edge, the top and an edge of these times do not fit into the period");
     }
@@ -109,25 +109,25 @@ SignalFunction makePulse(SignalSpecification& specification, const SignalFrame& 
     });
 }
 
-SignalFunction makeRamp(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeRamp(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 4> keys{{
         {"frequency", "1k", 0.0, huge},
         {"amplitude", "1", -huge, huge},
         {"symmetry", "1", 0.0, 1.0},
         {"phase", "0", -huge, huge},
     }};
-    specification.accept(keys);
-    const double frequency = specification.number("frequency");
-    const double amplitude = specification.number("amplitude");
-    const double symmetry = specification.number("symmetry");
-    const double phase = specification.number("phase");
+    description.accept(keys);
+    const double frequency = description.number("frequency");
+    const double amplitude = description.number("amplitude");
+    const double symmetry = description.number("symmetry");
+    const double phase = description.number("phase");
     return fromIndex([=, rate = frame.sampleRate](std::uint64_t index) {
         const double p = position(frequency, phase, index, rate);
         return amplitude * (p < symmetry ? 2.0 * p / symmetry - 1.0 : 1.0 - 2.0 * (p - symmetry) / (1.0 - symmetry));
     });
 }
 
-SignalFunction makeStep(SignalSpecification& specification, const SignalFrame& frame) {
+SignalFunction makeStep(SignalDescription& description, const SignalFrame& frame) {
     static constexpr std::array<SignalKey, 6> keys{{
         {"low", "0", -huge, huge},
         {"high", "1", -huge, huge},
@@ -136,13 +136,13 @@ SignalFunction makeStep(SignalSpecification& specification, const SignalFrame& f
         {"frequency", "inf", 1e-12, infinity},
         {"damping", "0.5", 0.0, huge},
     }};
-    specification.accept(keys);
-    const double low = specification.number("low");
-    const double high = specification.number("high");
-    const double at = specification.number("at");
-    const double period = specification.number("period");
-    const double frequency = specification.number("frequency");
-    const double damping = specification.number("damping");
+    description.accept(keys);
+    const double low = description.number("low");
+    const double high = description.number("high");
+    const double at = description.number("at");
+    const double period = description.number("period");
+    const double frequency = description.number("frequency");
+    const double damping = description.number("damping");
     return fromIndex([=, rate = frame.sampleRate](std::uint64_t index) {
         const double t = timeInPeriod(index, period, rate) - at;
         const double settled = std::isinf(frequency) ? (t >= 0.0 ? 1.0 : 0.0) : secondOrderStep(t, frequency, damping);

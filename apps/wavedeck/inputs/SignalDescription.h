@@ -19,10 +19,10 @@ struct SignalKey {
 
 /// The text `NAME?key=value&...` of a test signal taken apart: values by key, checked against the keys that the signal
 /// knows.
-class SignalSpecification {
+class SignalDescription {
 public:
     /// text  what stands behind "gen:"
-    explicit SignalSpecification(std::string_view text);
+    explicit SignalDescription(std::string_view text);
 
     const std::string& name() const { return name_; }
 

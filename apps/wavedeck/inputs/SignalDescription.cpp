@@ -1,4 +1,4 @@
-#include "SignalSpecification.h"
+#include "SignalDescription.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 
 namespace program {
 
-SignalSpecification::SignalSpecification(std::string_view text) {
+SignalDescription::SignalDescription(std::string_view text) {
     const auto question = text.find('?');
     name_ = text.substr(0, question);
     if (question == std::string_view::npos) {
@@ -26,7 +26,7 @@ SignalSpecification::SignalSpecification(std::string_view text) {
     }
 }
 
-void SignalSpecification::accept(std::span<const SignalKey> keys) {
+void SignalDescription::accept(std::span<const SignalKey> keys) {
     for (const auto& key : keys) {
         const auto given = given_.find(key.name);
         const auto text = given == given_.end() ? std::string(key.fallback) : given->second;
@@ -45,7 +45,7 @@ void SignalSpecification::accept(std::span<const SignalKey> keys) {
     }
 }
 
-void SignalSpecification::refuseUnknownKeys() const {
+void SignalDescription::refuseUnknownKeys() const {
     for (const auto& [key, text] : given_) {
         if (values_.contains(key) || std::find(words_.begin(), words_.end(), key) != words_.end()) {
             continue;
@@ -59,7 +59,7 @@ void SignalSpecification::refuseUnknownKeys() const {
     }
 }
 
-double SignalSpecification::number(std::string_view key) const {
+double SignalDescription::number(std::string_view key) const {
     const auto& values = list(key);
     if (values.size() != 1) {
         fail(key, "takes one value");
@@ -67,7 +67,7 @@ double SignalSpecification::number(std::string_view key) const {
     return values.front();
 }
 
-double SignalSpecification::wholeNumber(std::string_view key) const {
+double SignalDescription::wholeNumber(std::string_view key) const {
     const double value = number(key);
     if (value != std::trunc(value)) {
         fail(key, "takes a whole number");
@@ -75,11 +75,11 @@ double SignalSpecification::wholeNumber(std::string_view key) const {
     return value;
 }
 
-const std::vector<double>& SignalSpecification::list(std::string_view key) const {
+const std::vector<double>& SignalDescription::list(std::string_view key) const {
     return values_.find(key)->second;
 }
 
-std::string SignalSpecification::word(std::string_view key, std::span<const std::string_view> allowed) {
+std::string SignalDescription::word(std::string_view key, std::span<const std::string_view> allowed) {
     words_.emplace_back(key);
     const auto given = given_.find(key);
     auto value = given == given_.end() ? std::string(allowed.front()) : given->second;
@@ -89,7 +89,7 @@ std::string SignalSpecification::word(std::string_view key, std::span<const std:
     return value;
 }
 
-void SignalSpecification::fail(std::string_view key, const std::string& what) const {
+void SignalDescription::fail(std::string_view key, const std::string& what) const {
     throw UsageError("gen:" + name_ + ": " + std::string(key) + ": " + what);
 }
 
