@@ -35,10 +35,16 @@ TestSignalReader& testSignalOf(const ScriptValue& value, const wavedeck::driver:
     const auto& text = value.text("a test signal NAME?key=value&...");
     auto& reader = testSignals[std::to_string(signal) + ' ' + text];
     if (!reader) {
-        // A script's signals run on without end, at the rate of the client's signal unless the text names another.
+        // A script's signals run on without end, and have what the client's signal has unless the text says otherwise.
+        const auto& signalFacts = facts.signals[signal];
         std::string full = text + (text.find('?') == std::string::npos ? '?' : '&') + "duration=inf";
         if (text.find("rate=") == std::string::npos) {
-            full += "&rate=" + jsonNumber(1.0 / facts.signals[signal].sampleTime);
+            full += "&rate=" + jsonNumber(1.0 / signalFacts.sampleTime);
+        }
+        if (text.find("channels=") == std::string::npos && text.find("complex=") == std::string::npos &&
+            signalFacts.numChannels > 0) {
+            const int channels = signalFacts.isComplex ? signalFacts.numChannels / 2 : signalFacts.numChannels;
+            full += "&channels=" + std::to_string(channels) + (signalFacts.isComplex ? "&complex=true" : "");
         }
         try {
             reader = std::make_unique<TestSignalReader>(full);
