@@ -148,6 +148,7 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
         {good, R"({},{"core:frequency":"1 MHz"})", "captures[1].core:frequency: is no number"},
         {good, R"({"core:header_bytes":9007199254740992},{"core:header_bytes":9})", "larger than any file"},
         {good + "]", "", "no JSON: line 1, column"},
+        {good + R"(,"core:x":4e8000)", "", "number overflow parsing '4e8000'"},
     };
     for (const auto& [global, captures, expected] : rows) {
         const auto error = errorOf(sigmf("bad", global, captures, "1234"), {});

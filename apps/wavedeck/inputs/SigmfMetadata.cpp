@@ -127,6 +127,9 @@ Json parseSigmfText(const std::string& name, const std::string& text) {
         std::string what = error.what();
         const auto at = what.find("line ");
         throw UsageError(name + ": no JSON: " + (at == std::string::npos ? what : what.substr(at)));
+    } catch (const Json::out_of_range& error) {
+        const std::string what = error.what();
+        throw UsageError(name + ": not readable: " + what.substr(what.find("] ") + 2));
     }
 }
 

@@ -14,7 +14,7 @@ SpectrumTransform::Buffer SpectrumTransform::makeBuffer(std::size_t count) {
 }
 
 void SpectrumTransform::allocate(std::size_t channels, std::size_t length, std::size_t segments) {
-    if (channels != numChannels || length != points || segments != numSegments) {
+    if (!in || channels != numChannels || length != points || segments != numSegments) {
         in.reset();
         out.reset();
         numChannels = channels;
