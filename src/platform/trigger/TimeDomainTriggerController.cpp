@@ -28,9 +28,7 @@ void TimeDomainTriggerController::change(Value& setting, const Value& newValue) 
 void TimeDomainTriggerController::setMode(TDTC::ModeEnum newMode) {
     if (newMode != mode) {
         discardWaiting();
-        // Samples that pass while the trigger is off are not held.
-        hasHistory = hasHistory && newMode != TDTC::Off;
-        hasSample = hasSample && newMode != TDTC::Off;
+        hasHistory = hasHistory && newMode != TDTC::Off;  // samples that pass meanwhile are not held
     }
     change(mode, newMode);
 }
@@ -49,6 +47,12 @@ void TimeDomainTriggerController::setPolarity(TDTC::PolarityEnum polarity) {
     change(settings.polarity, polarity);
 }
 
+void TimeDomainTriggerController::setPosition(double fraction) {
+    change(position, fraction);
+}
+void TimeDomainTriggerController::setDelay(double seconds) {
+    change(delay, seconds);
+}
 void TimeDomainTriggerController::setAutoLevel(bool automatic) {
     change(autoLevel, automatic);
 }
@@ -81,9 +85,10 @@ double TimeDomainTriggerController::getLevel() const {
     return autoLevel && !std::isnan(automaticLevel) ? automaticLevel : level;
 }
 
-/// Drops what was found so far: the condition begins anew, and the trigger is armed from the last sample on.
+/// Drops what was found so far: the condition begins anew with the next sample, and the trigger is armed from the last
+/// one on.
 void TimeDomainTriggerController::discardWaiting() {
-    condition.forget();
+    beginGap();
     waiting.clear();
     hasLeftOver = false;
     armedFrom = lastTime;
@@ -117,13 +122,15 @@ void TimeDomainTriggerController::processEventfulSample(double time, double valu
     }
     if (!hasHistory || time < lastTime) {
         startAfresh(time);
-        hasSample = false;
     }
     if (hasLeftOver) {
         while (!waiting.empty() && windowOf(waiting.front(), requestTimeRange).end <= requestTime) {
             waiting.popFront();
         }
         hasLeftOver = false;
+    }
+    if (!waiting.empty() && (settingsChanged || timeRange != sampleTimeRange)) {
+        armBehind(waiting.back(), windowOf(waiting.back(), timeRange));
     }
     sampleTimeRange = timeRange;
     if (!std::isfinite(value)) {
@@ -256,8 +263,13 @@ void TimeDomainTriggerController::acceptTrigger(double time) {
         return;
     }
     waiting.push(trigger);
-    armedFrom = std::max(time, window.end);
+    armBehind(trigger, window);
     lastTriggerTime = time;
+}
+
+/// No trigger counts inside the window before. While that one waits it follows the settings, and this with it.
+void TimeDomainTriggerController::armBehind(const PendingTrigger& trigger, const TimeWindow& window) {
+    armedFrom = std::max(trigger.time, window.end);
 }
 
 void TimeDomainTriggerController::runFree(double time) {
@@ -289,12 +301,13 @@ void TimeDomainTriggerController::getTriggerWindow(double /*reserved*/, double l
     if (waiting.empty() || !isLength(timeRange)) {
         return;
     }
-    TimeWindow window = windowOf(waiting.front(), timeRange);
+    const PendingTrigger trigger = waiting.front();
+    TimeWindow window = windowOf(trigger, timeRange);
     if (!(window.end <= lastSampleTime)) {
         if (!flush) {
             return;
         }
-        window = cutWindow(waiting.front(), lastSampleTime);
+        window = cutWindow(trigger, lastSampleTime);
     }
     waiting.popFront();
     if (std::isfinite(window.start) && std::isfinite(window.end)) {
@@ -302,13 +315,14 @@ void TimeDomainTriggerController::getTriggerWindow(double /*reserved*/, double l
         end = window.end;
         lastWindow = window;
         enableOnceMode = enableOnceMode && mode != TDTC::Once;
+        if (waiting.empty()) {
+            armBehind(trigger, window);
+        }
     }
     requestTime = lastSampleTime;
     requestTimeRange = timeRange;
     hasLeftOver = !waiting.empty() && windowOf(waiting.front(), timeRange).end <= lastSampleTime;
-    if (hasLeftOver) {
-        makeNextSampleEventful();  // it drops them
-    }
+    makeNextSampleEventful();  // it drops them
 }
 
 void TimeDomainTriggerController::getLastTriggerWindow(double& start, double& end) const {

@@ -39,7 +39,7 @@ public:
     void setPolarity(TDTC::PolarityEnum polarity);
 
     /// Fraction of the window, 0 to 1, at which the trigger point lies.
-    void setPosition(double fraction) { position = fraction; }
+    void setPosition(double fraction);
     double getPosition() const { return position; }
 
     /// Automatic level of edge, pulse width and timeout: the middle of the range that the signal had in the last full
@@ -65,7 +65,7 @@ public:
     /// How long the signal must stay on its side of the level, s.
     void setTimeout(double seconds);
     /// From the trigger to the point of the window at which the position lies, s; negative for earlier.
-    void setDelay(double seconds) { delay = seconds; }
+    void setDelay(double seconds);
     /// Least time from one trigger to the next, s.
     void setHoldoff(double seconds);
 
@@ -133,6 +133,7 @@ private:
     void discardWaiting();
     void updateAutomaticLevel(double time, double value);
     void acceptTrigger(double time);
+    void armBehind(const PendingTrigger& trigger, const TimeWindow& window);
     void runFree(double time);
     double rearmTime() const;
     TimeWindow windowOf(const PendingTrigger& trigger, double timeRange) const;

@@ -19,6 +19,7 @@ public:
     bool empty() const { return count == 0; }
     std::size_t size() const { return count; }
     const PendingTrigger& front() const { return entries[first]; }
+    const PendingTrigger& back() const { return entries[(first + count - 1) % capacity]; }
     void clear() { count = 0; }
     void popFront() {
         first = (first + 1) % capacity;

@@ -153,6 +153,18 @@ TEST(TriggerWindowTest, OneWindowAtATimeHoldOffAndDelay) {
     }
 }
 
+// A window that waits for its end is cut anew where the settings have changed: the trigger must not stay blind up to
+// the end that it had before.
+TEST(TriggerWindowTest, ShorterSpansAndDelaysArmTheTriggerAgain) {
+    for (const double delay : {0.0, 100.0}) {
+        Engine engine = risingEdge();
+        engine.setDelay(delay);
+        expectStarts(windowsOf(engine, squareWave(2), delay > 0.0 ? 0.2 : 100.0), {});
+        engine.setDelay(0.0);
+        expectStarts(windowsOf(engine, squareWave(2, 2.0), 0.2, 50), {0.995, 1.995, 2.995});
+    }
+}
+
 TEST(TriggerWindowTest, OnceFiresOnceUntilArmedAgain) {
     Engine engine = risingEdge(TDTC::Once);
     EXPECT_TRUE(engine.getEnableOnceMode());
@@ -272,5 +284,9 @@ TEST(TriggerWindowTest, MovedLevelsAreNotCrossings) {
     engine.setLevel(1.0);
     windowsOf(engine, {{0.0, 0.5}, {0.1, 0.5}}, 0.1);
     engine.setLevel(0.0);  // the signal is above it now, and has crossed nothing
-    expectStarts(windowsOf(engine, {{1.0, 0.5}, {1.9, 0.5}, {2.0, -0.5}, {2.1, 0.5}, {2.2, 0.5}}, 0.1), {2.05});
+    expectStarts(windowsOf(engine, {{1.0, 0.5}, {1.9, 0.5}, {2.0, -0.5}, {2.1, 0.5}, {2.2, -0.5}}, 0.1), {2.05});
+    engine.setType(TDTC::Window);  // begins anew with the next sample, wherever the last one lay
+    engine.setLowerLevel(0.1);
+    engine.setUpperLevel(1.0);
+    expectStarts(windowsOf(engine, {{2.3, 0.5}, {2.4, 0.5}, {2.5, 1.5}, {2.6, 0.5}, {2.8, 0.5}}, 0.1), {2.55});
 }
