@@ -177,6 +177,14 @@ TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
         EXPECT_EQ(metrics.lowStateLevel, row.low) << row.values[1];
         EXPECT_EQ(metrics.highStateLevel, row.high) << row.values[1];
     }
+    // A difference from the minimum that overflows in its scaling counts in bin 0, in long spans as in short ones.
+    for (const std::size_t pairs : {1u, 300u}) {
+        std::vector<double> values;
+        for (std::size_t i = 0; i < pairs; ++i) {
+            values.insert(values.end(), {-5e307, 5e307});
+        }
+        EXPECT_EQ(measure(bilevel, values).amplitude, 0.0);
+    }
 }
 
 TEST(BilevelMeasurements, whatCannotBeMeasuredReadsNaN) {

@@ -23,7 +23,9 @@ Histogram countBins(const BilevelSpan& span, double minimum, double divisor, boo
     constexpr std::size_t blockSize = 256;
     const SpanKernels& kernels = spanKernels();
     const double binsPerUnit = static_cast<double>(binCount) / divisor;
-    const bool isEven = !hasNaN && std::isnormal(binsPerUnit) && std::isnormal(divisor);
+    // Where 100 times a difference overflows, the exact bin is 0.
+    const bool isEven = !hasNaN && std::isnormal(binsPerUnit) && std::isnormal(divisor) &&
+                        std::isfinite(divisor * static_cast<double>(binCount));
     std::array<Histogram, lanes> counts{};
     std::array<std::uint64_t, blockSize> bins;
     const std::size_t count = static_cast<std::size_t>(span.count);
