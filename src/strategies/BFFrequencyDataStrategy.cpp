@@ -101,7 +101,7 @@ bool BFFrequencyDataStrategy::computeLineGaps(const std::vector<double>& buffer,
     const auto countAt = [&](int slot) { return truncateTo<int>(buffer[static_cast<std::size_t>(slot)]); };
     lineGaps.assign(static_cast<std::size_t>(spectra), 0);
     if (framePoints <= numPointsPerChannel) {
-        if (spectra > blockLength / slotsASpectrum) {
+        if (spectra - 1 > (blockLength - 1) / slotsASpectrum) {
             return false;
         }
         // Each spectrum has slots of its own: the one with the count is the last of its output, with the padding of all

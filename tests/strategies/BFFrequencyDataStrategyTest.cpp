@@ -60,6 +60,7 @@ TEST(BFFrequencyDataStrategy, findsTheSpectraOfABufferLaidOutByHand) {
          {1, 0, 0, 0, 2, 0},
          {1, 2, 3, 0.5, 4, 5, 6, 7, 8, 9, 0.5, 0.5},
          "[7,8,9,4,5,6,1,2,3]"},
+        {"no slot for the end of the last", 3, 2, true, 9, {1, 0, 1}, {1, 2, 3, 4, 5, 6}, "[4,5,6,1,2,3]"},
         {"several lines in a slot: 3, then 2 lines",
          2,
          5,

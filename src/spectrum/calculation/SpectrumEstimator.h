@@ -168,6 +168,8 @@ public:
     const spectrumEstimatorMetaDataStruct& getSpectrumMetaData() const { return metaData; }
     /// Rises when anything in the record may have changed: a frame without an update leaves both as they are.
     std::uint64_t getRecordVersion() const { return recordVersion; }
+    /// Rises when the hold traces of all signals begin anew, which the update of one signal may do.
+    std::uint64_t getNumHoldResets() const { return numHoldResets; }
     /// For the publisher of the record, which hands the flag resetCachedNumSamplesProcessed on once.
     void clearResetCachedNumSamplesProcessed() { metaData.resetCachedNumSamplesProcessed = false; }
 
@@ -688,6 +690,7 @@ private:
     std::optional<SpectrumBuffer> spectrumBuffer;
     spectrumEstimatorMetaDataStruct metaData;
     std::uint64_t recordVersion = 0;
+    std::uint64_t numHoldResets = 0;
     AlignedVector<double> averagedSpectrum;
     std::vector<double> averagingWeights;
     std::vector<double> maxHoldPSD;

@@ -199,6 +199,7 @@ void SpectrumEstimator::resetMaxAndMinHoldResources() {
     std::fill(maxHoldPSD.begin(), maxHoldPSD.end(), -infinity);
     std::fill(minHoldPSD.begin(), minHoldPSD.end(), infinity);
     resetMaxMinHoldStates = false;
+    ++numHoldResets;
 }
 
 void SpectrumEstimator::computeMaxAndMinHoldTracePSD(const std::vector<double>& out, const SegmentPart& part) {

@@ -265,9 +265,10 @@ void SpectrumEstimator::countSegment(const int& signal) {
     }
 }
 
+/// What the first whole segment lacks stays in the record once that is there: meant so, readers ask first whether
+/// segments are whole.
 void SpectrumEstimator::finishFrame(bool ready, std::size_t newSegments) {
     if (desiredSegmentLengthMet) {
-        metaData.numAdditionalSamples = 0;
         if (ready) {
             spectrumBuffer->clear();
         }

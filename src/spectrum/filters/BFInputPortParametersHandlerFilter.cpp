@@ -57,6 +57,21 @@ void BFInputPortParametersHandlerFilter::setPropertiesImpl(const PropertyList& l
                 ifPresent<options::inputPortFrequencyVector>(inputPortFrequencyVector_),  //
                 ifPresent<options::inputPortRBW>(inputPortRBW_),                          //
                 ifPresent<options::inputPortVBW>(inputPortVBW_));
+    forgetUnusedPorts();
+}
+
+/// A signal that is no port any more is one of the data, for those too that ask the board.
+void BFInputPortParametersHandlerFilter::forgetUnusedPorts() {
+    if (!inputPortFrequencyVector_) {
+        setInputPortFrequencyVector(clientID, false);
+    }
+    if (!inputPortRBW_) {
+        setInputPortRBW(clientID, false);
+        lastRBW.reset();
+    }
+    if (!inputPortVBW_) {
+        setInputPortVBW(clientID, false);
+    }
 }
 
 void BFInputPortParametersHandlerFilter::filterImpl(const double* data, std::vector<double>&, int signal) {

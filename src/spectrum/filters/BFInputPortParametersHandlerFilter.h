@@ -57,6 +57,7 @@ public:
 
 private:
     void takeFrequencyVector(const double* data, int signal);
+    void forgetUnusedPorts();
 
     // Options.
     bool inputPortFrequencyVector_ = false;

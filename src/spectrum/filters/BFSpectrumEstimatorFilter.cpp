@@ -40,7 +40,7 @@ void BFSpectrumEstimatorFilter::setPropertiesOnSetup(const PropertyList& list) {
     SpectrumEstimatorFilter::setPropertiesOnSetup(list);
     const auto count = static_cast<std::size_t>(std::max(numSignals, 0));
     bfFrameSize.assign(count, 0);
-    inputRange.assign(count, 1.0);
+    inputRange.resize(count, 1.0);
     inputRangeKnown = false;
 }
 
@@ -85,20 +85,22 @@ int BFSpectrumEstimatorFilter::getNumDataSignals() const {
 void BFSpectrumEstimatorFilter::filterImpl(const double* data, std::vector<double>& out, int signal) {
     out.clear();
     const auto index = static_cast<std::size_t>(signal);
-    if (data == nullptr || index >= bfFrameSize.size() ||
-        !wavedeck::WaveDeckClientRegistry::sInstance.isClientValid(clientID)) {
+    if (index >= bfFrameSize.size() || !wavedeck::WaveDeckClientRegistry::sInstance.isClientValid(clientID)) {
         return;
     }
     bfFrameSize[index] = static_cast<int>(getNumPointsPerChannel(signal));
     if (signal == 0) {
         takePortParameters();
     }
-    if (bfFrameSize[index] == 0 || signal >= getNumDataSignals()) {
+    if (data == nullptr || bfFrameSize[index] == 0 || signal >= getNumDataSignals()) {
         return;
     }
     estimate(data + dataStartIndex, out, signal, getNumDataSignals(), bfFrameSize);
     updateInputRange(data, signal);
     publish(signal, !out.empty());
+    if (inputPortRBW) {
+        publishRBW();  // the entry holds what the port delivered
+    }
 }
 
 /// Takes over what the ports in use have delivered; a port that has delivered nothing yet leaves its setting alone.
@@ -107,6 +109,11 @@ void BFSpectrumEstimatorFilter::takePortParameters() {
     SpectrumEstimator& target = *estimator;
     if (inputPortFrequencyVector && Ports::isFrequencyVectorSourceInputPort(clientID)) {
         target.setFrequencyVector(Ports::getFrequencyVector(clientID));
+        // Whether the new grid is uniform, and its step, are known from a setup only. With time data the next frame
+        // works the change in without one.
+        if (target.isLocked() && target.isPropertyChanged() && target.isFrequencyInputDomain()) {
+            target.release(false);
+        }
     }
     if (inputPortRBW && Ports::isRBWSourceInputPort(clientID)) {
         target.setRBW(Ports::getRBW(clientID));

@@ -75,6 +75,8 @@ protected:
                   const std::vector<int>& points);
     /// Brings the board up to date after a frame of a signal.
     void publish(int signal, bool hasUpdate);
+    /// The RBW of the last update alone, for a board where something else wrote its entry.
+    void publishRBW();
 
     std::unique_ptr<SpectrumEstimator> estimator;
 
@@ -89,6 +91,7 @@ private:
     std::vector<int> complexAtSetup;     ///< the same
     bool isRecordDue = true;             ///< the board lacks the whole record
     std::uint64_t publishedVersion = 0;  ///< of the estimator's record that the board holds
+    std::uint64_t publishedResets = 0;   ///< of the hold traces, the same
     std::weak_ptr<wavedeck::WaveDeckClientInfo> clientAtSetup;
     wavedeck::WaveDeckClientInfo* client = nullptr;  ///< the same, valid as long as that has not expired
 };

@@ -84,7 +84,7 @@ void SpectrumEstimatorFilter::publish(int signal, bool hasUpdate) {
         return;
     }
     publishedVersion = estimator->getRecordVersion();
-    if (isRecordDue) {
+    if (isRecordDue || estimator->getNumHoldResets() != publishedResets) {
         setSpectrumEstimatorMetaData(clientID, record);
     } else {
         auto& settings = getBoard();
@@ -96,7 +96,14 @@ void SpectrumEstimatorFilter::publish(int signal, bool hasUpdate) {
         }
     }
     isRecordDue = false;
+    publishedResets = estimator->getNumHoldResets();
     estimator->clearResetCachedNumSamplesProcessed();
+}
+
+void SpectrumEstimatorFilter::publishRBW() {
+    auto& settings = getBoard();
+    const std::lock_guard lock(mMutex);
+    board::write<double>(settings, rbw, estimator->getSpectrumMetaData().transientRBW);
 }
 
 bool SpectrumEstimatorFilter::hasSpectrumEstimatorMetaData(const std::string& clientID) {

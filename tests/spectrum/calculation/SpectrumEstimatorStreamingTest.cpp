@@ -162,6 +162,7 @@ TEST(SpectrumEstimatorStreaming, GrowsWithoutTheThreshold) {
     EXPECT_NEAR(bench.row()[bench.binOf(1250)], 2.0, 1e-6) << "half-way periods leave side lobes of -60 dB and less";
     bench.feed({carrier}, 100, 1500, 1400);
     EXPECT_TRUE(bench.record().desiredSegmentLengthMet);
+    EXPECT_EQ(bench.record().numAdditionalSamples, 924U) << "that of the last update before";
     EXPECT_NEAR(bench.record().transientRBW, 1.5 * 10000.0 / 1024, 1e-9);
     const Values before = bench.outs[0];
     bench.feed({carrier}, 1500, 1600, 100);

@@ -101,6 +101,9 @@ TEST(BFInputPortParametersHandlerFilter, keepsWhatThePortsDeliveredLast) {
     rig.handler.tuneImpl(rig.client.sizeChange());
     feed(rig.handler, {0, 1, 2}, 1);
     EXPECT_EQ(Handler::getFrequencyVector(id), std::vector<double>({1, 2}));
+    // A port that is switched off is one of the data for all who ask.
+    rig.handler.tuneImpl(TestClient::tune().addLogical("inputPortRBW", false));
+    EXPECT_TRUE(rig.comesIn({true, false, true}));
     // What another stage left under a key reads as nothing.
     rig.client.board().addCustomSetting(Handler::vbw, std::string("wide"));
     feed(rig.handler, bandwidths, 3);

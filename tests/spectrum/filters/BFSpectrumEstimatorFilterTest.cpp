@@ -72,6 +72,7 @@ TEST(BFSpectrumEstimatorFilter, takesParametersFromPortsThatNeverReachTheEstimat
     // Ports that go on saying the same, or fall silent, hold nothing up.
     EXPECT_EQ(2u, run({1, 200}, {1, 5}));
     EXPECT_EQ(0u, run(nothing, nothing));
+    EXPECT_EQ(record(rig.client).transientRBW, SpectrumEstimatorFilter::getRBW(rig.client.name()));
     EXPECT_EQ(2u, run(nothing, nothing));
     EXPECT_EQ(2u, record(rig.client).numUpdatesProcessed);
     EXPECT_EQ(0u, run({4, 400}, {4, 7}) % 2);
@@ -81,6 +82,33 @@ TEST(BFSpectrumEstimatorFilter, takesParametersFromPortsThatNeverReachTheEstimat
     rig.filter.tuneImpl(TestClient::tune().addLogical("inputPortVBW", false));
     run(nothing, {0, 5});
     EXPECT_EQ((std::vector<int>{1, 1, 1}), record(rig.client).numChannels);
+}
+
+TEST(BFSpectrumEstimatorFilter, followsAGridFromAPort) {
+    Rig rig({1, 1}, {3, 3});
+    BFInputPortParametersHandlerFilter ports;
+    const PropertyList setup = rig.setup()
+                                   .addChar("inputDomain", "frequency")
+                                   .addLogical("autoFrequencyVector", false)
+                                   .addLogical("inputPortFrequencyVector", true)
+                                   .addLogical("plotMaxHoldTrace", true);
+    ports.tuneImpl(setup);
+    rig.filter.tuneImpl(setup);
+    const struct {
+        std::vector<double> grid;
+        double level;
+        bool isLinear;
+        double step;
+    } rows[] = {{{0, 10, 20}, -7, true, 10}, {{0, 1, 20}, -6, false, 1}, {{0, 1, 20}, -5, false, 1}};
+    for (const auto& row : rows) {
+        feed(ports, withHead(1, row.grid), 1);
+        feed(rig.filter, withHead(1, {row.level, row.level, row.level}), 0);
+        EXPECT_EQ(row.grid, record(rig.client).frequencyVector);
+        EXPECT_EQ(row.isLinear, record(rig.client).linearFrequencyVector);
+        EXPECT_EQ(row.step, record(rig.client).minDeltaF);
+        EXPECT_EQ(std::vector<double>(3, row.level), record(rig.client).maxHoldTrace) << "the trace goes on";
+    }
+    EXPECT_EQ(3u, record(rig.client).numUpdatesProcessed);
 }
 
 // The range that the first frame shows is the full scale of all that follow: as if it had been told.

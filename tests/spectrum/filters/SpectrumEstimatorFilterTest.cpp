@@ -99,6 +99,21 @@ TEST(SpectrumEstimatorFilter, keepsAndResetsAsItsTunesAsk) {
     EXPECT_EQ(1u, updates());
 }
 
+// The first whole segment of one signal begins the traces of all anew, also of one that has no update to show for it.
+TEST(SpectrumEstimatorFilter, publishesTracesThatBeginAnewWithAnotherSignal) {
+    TestClient client({1, 1});
+    SpectrumEstimatorFilter filter;
+    filter.tuneImpl(plain(client.setup())
+                        .addLogical("enableDesiredSegmentLengthThreshold", false)
+                        .addLogical("plotMaxHoldTrace", true));
+    feed(filter, sine(32, 1.0, 5.0 / 64), 0);
+    feed(filter, sine(32, 1.0, 5.0 / 64), 1);
+    EXPECT_LT(0.0, record(client).maxHoldTrace[33 + 5]);
+    feed(filter, sine(32, 1.0, 5.0 / 64, 32), 0);
+    EXPECT_NEAR(0.5, record(client).maxHoldTrace[5], 1e-13);
+    EXPECT_EQ(-std::numeric_limits<double>::infinity(), record(client).maxHoldTrace[33 + 5]);
+}
+
 TEST(SpectrumEstimatorFilter, givesOutTheLastUpdateDuringAReplay) {
     for (const bool isAggregated : {false, true}) {
         TestClient client;
