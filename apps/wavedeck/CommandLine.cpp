@@ -35,6 +35,8 @@ void describePlay(CLI::App& app, PlayCommand& play) {
     addText(app, "--seek", play.inputOptions.seek, "begins so far into the inputs", "S");
     addText(app, "--duration", play.inputOptions.duration, "plays so much of the inputs", "S");
     app.add_flag("--loop", play.inputOptions.loop, "plays the inputs over and over");
+    app.add_flag("--verify", play.inputOptions.verify,
+                 "SigMF recordings: compares the samples with their checksum first");
     addRepeated(app, "--deck", play.decks, "time, spectrum, frame, response; by default time and spectrum", "DECK");
     addRepeated(app, "--set", play.settings, "sets an option of the stages; `wavedeck options` lists them",
                 "[STAGE.]NAME=VALUE");

@@ -43,6 +43,10 @@ int execute(const program::PlayCommand& command) {
     }
     const auto text = command.report == "json" ? program::reportAsJson(report) : program::reportAsText(report);
     std::fputs(text.c_str(), command.writesToStandardOutput() ? stderr : stdout);
+    if (!session.fault().empty()) {
+        std::fprintf(stderr, "wavedeck: %s\n", session.fault().c_str());
+        return badInput;
+    }
     return session.limitFailed() ? limitFailed : done;
 }
 

@@ -92,7 +92,8 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
     const std::string captures =
         R"({"core:sample_start":100,"core:header_bytes":2,"core:frequency":1e6,"core:datetime":"2026-01-02T00:00:00Z"},
            {"core:sample_start":102,"core:header_bytes":1,"core:frequency":1e6,"capture_details:acq_scale_factor":0.5},
-           {"core:sample_start":104,"core:frequency":2e6,"capture_details:acq_scale_factor":0.25}])";
+           {"core:sample_start":104,"core:frequency":2e6,"capture_details:acq_scale_factor":0.25,
+            "core:datetime":"2027-01-01T01:00:00.5+01:00"}])";
     const auto path = sigmf("c", global, captures.substr(0, captures.size() - 1), samples);
     const auto dataset = path.substr(0, path.size() - 4) + "data";
     const auto archive = folder() + "c.sigmf";
@@ -100,7 +101,10 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
     for (const auto& input : {path, dataset, archive}) {
         const auto reader = program::openInput(input, {});
         EXPECT_EQ(reader->facts().length, 6U) << input;
-        EXPECT_EQ(reader->facts().recorded, "2026-01-02T00:00:00Z");
+        const auto& recorded = reader->facts().recorded;
+        EXPECT_EQ(program::formatDateTime(*recorded.at(3, 5)), "2026-01-02T00:00:00.600000Z") << "no time of its own";
+        EXPECT_EQ(program::formatDateTime(*recorded.behind(4, 5)), "2026-01-02T00:00:00.800000Z");
+        EXPECT_EQ(program::formatDateTime(*recorded.behind(5, 5)), "2027-01-01T00:00:00.700000Z");
         std::vector<double> frame;
         EXPECT_EQ(reader->read(100, frame), 4U) << "the frame ends with its centre frequency";
         EXPECT_EQ(reader->facts().centerFrequency, 1e6);
@@ -116,6 +120,7 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
     loop.loop = true;
     loop.seek = "0.6";
     const auto reader = program::openInput(path, loop);
+    EXPECT_EQ(program::formatDateTime(*reader->facts().recorded.at(3 + 3 * 7, 5)), "2026-01-02T00:00:00.600000Z");
     std::vector<double> frame;
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(reader->read(3, frame), 1U);
@@ -146,6 +151,7 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
         {good, R"({"core:sample_start":9},{"core:sample_start":8})", "captures[1].core:sample_start: lies before"},
         {good + R"(,"core:offset":5)", R"({"core:sample_start":4})", "lies before the first sample"},
         {good, R"({},{"core:frequency":"1 MHz"})", "captures[1].core:frequency: is no number"},
+        {good, R"({"capture_details:acq_scale_factor":0})", "acq_scale_factor: is 0"},
         {good, R"({"core:header_bytes":9007199254740992},{"core:header_bytes":9})", "larger than any file"},
         {good + "]", "", "no JSON: line 1, column"},
         {good + R"(,"core:x":4e8000)", "", "number overflow parsing '4e8000'"},
@@ -166,6 +172,41 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
     EXPECT_NE(reader->notes()[0].find("cut short"), std::string::npos);
 }
 
+TEST_F(Recording, DoubtfulMetadataAreTold) {
+    // Four samples, of which the capture tells the last two, behind a header; a time that is none, and an extension.
+    const auto path = sigmf("doubt", R"("core:datatype":"ri8","core:sample_rate":5,"core:extensions":[
+        {"name":"capture_details","optional":false},{"name":"other","optional":false},{"name":"x","optional":true}])",
+                            R"({"core:sample_start":2,"core:header_bytes":2,"core:datetime":"noon"})", "12345678");
+    const auto reader = program::openInput(path, {});
+    EXPECT_EQ(firstRow(*reader),
+              (std::vector<double>{49 / 128., 50 / 128., 53 / 128., 54 / 128., 55 / 128., 56 / 128.}));
+    EXPECT_FALSE(reader->facts().recorded.at(0, 5));
+    ASSERT_EQ(reader->notes().size(), 2U);
+    EXPECT_NE(reader->notes()[0].find("`other`, which"), std::string::npos) << reader->notes()[0];
+    EXPECT_NE(reader->notes()[1].find("captures[0].core:datetime: `noon` is no"), std::string::npos);
+}
+
+TEST_F(Recording, ChecksumIsComparedOnRequest) {
+    // The sum of "abc" is the example of FIPS 180-4.
+    const std::string sum =
+        "ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a2192992a274fc1a836ba3c23a3feebbd454d4423643ce8"
+        "0e"
+        "2a9ac94fa54ca49f";
+    const std::string global = R"("core:datatype":"ri8","core:sample_rate":5)";
+    const InputOptions verify{.verify = true};
+    const auto path = sigmf("sum", global + R"(,"core:sha512":")" + sum + '"', "", "abc");
+    EXPECT_EQ(program::openInput(path, verify)->facts().checksum, "SHA-512 agrees");
+    EXPECT_EQ(program::openInput(path, {})->facts().checksum, "SHA-512 not compared; --verify does");
+    EXPECT_EQ(firstRow(*program::openInput(path, verify)).size(), 3U);
+    ASSERT_EQ(
+        std::system(("tar -C " + folder() + " -cf " + folder() + "s.sigmf sum.sigmf-meta sum.sigmf-data").c_str()), 0);
+    EXPECT_EQ(program::openInput(folder() + "s.sigmf", verify)->facts().checksum, "SHA-512 agrees");
+    write("sum.sigmf-data", "abd");
+    EXPECT_NE(errorOf(path, verify).find("sum.sigmf-data: the samples are not those that were written"),
+              std::string::npos);
+    EXPECT_NE(errorOf(sigmf("no", global, "", "abc"), verify).find("core:sha512: is missing"), std::string::npos);
+}
+
 TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
     const double nan = std::nan("");
     std::string rounded = "Time (ms);U;I\n";  // six digits of times at 44.1 kHz, a decimal comma
@@ -184,6 +225,13 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
         {"Model,X1\nSample Interval,4e-9\nTIME,CH1\n-4e-09,1\n0,2\n4e-09,3\n", {}, 250e6, 1, {1, 2, 3}},
         {"volts\n1\n+2\n", at5, 5, 1, {1, 2}},
         {rounded, {}, 44100, 2, {0, 1, 2, 3}},
+        // What oscilloscopes write: units below the names, separators at the ends of rows, titles over two lines.
+        {"Time,Channel A\n(ms),(V)\n\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
+        {"t (ms),v\n0,1,\n2,2,\n4,3\n", {}, 500, 1, {1, 2, 3}},
+        {"t (ms),v,\n0,1,\n2,2,\n", {}, 500, 1, {1, 2}},
+        {"\"time\n(ms)\",v\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
+        {"t (ms)\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
+        {"v\n1e400\n-1e400\n1e-400\n", at5, 5, 1, {INFINITY, -INFINITY, 0}},
     };
     for (const auto& [text, options, rate, channels, values] : rows) {
         const auto reader = program::openInput(write("table.csv", text), options);
@@ -220,11 +268,16 @@ TEST_F(Recording, BadTablesAreRefusedByLine) {
         {"1\n2\n", {}, "line 1: one column, the times, and no values"},
         {"freq,y\n1,2\n2,3\n", {}, "`freq`, is not called time"},
         {"t (furlongs),y\n1,2\n2,3\n", {}, "not called time in a known unit"},
-        {"t,y\n0,1\n1,1\n3,1\n", {}, "don't rise by equal steps"},
-        {"t,y\n1,1\n", {}, "don't rise by equal steps in the first 1 rows"},
+        {"t,y\n0,1\n1,1\n3,1\n", {}, "don't rise by equal steps: row 3"},
+        {"t,y\n1,1\n", {}, "one row tells no rate"},
         {gap, {}, "line 4503: the time 4502 does not follow"},
         {std::string("1,2\n\0,3\n", 8), at5, "line 2: holds bytes that are no text"},
         {std::string(3 << 20, '1'), at5, "line 1: is longer than"},
+        {"\"t (ms),v\n0,1\n", {}, "quotation mark above is not closed"},
+        {std::string("\xFF\xFE"
+                     "1\0",
+                     4),
+         at5, "UTF-16"},
     };
     for (const auto& [text, options, expected] : rows) {
         const auto path = write("bad.csv", text);
@@ -239,6 +292,13 @@ TEST_F(Recording, BadTablesAreRefusedByLine) {
         EXPECT_NE(error.find(expected), std::string::npos) << expected << " in: " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
     }
+    // The rows in front of a bad one are read; it is told when they have been.
+    const auto bad = program::openInput(write("bad.csv", "1\n2\n3\nx\n"), at5);
+    std::vector<double> frame;
+    EXPECT_EQ(bad->read(10, frame), 3U);
+    EXPECT_THROW(bad->read(10, frame), program::UsageError);
+    const auto late = program::openInput(write("late.csv", "1\n2\n3\n"), {.rate = "5", .seek = "1"});
+    EXPECT_THROW(late->read(10, frame), program::UsageError) << "there is nothing behind the end";
     const auto cut = program::openInput(write("cut.csv", "1,2\n3,4\n5"), at5);
     EXPECT_EQ(firstRow(*cut).size(), 2U);
     ASSERT_EQ(cut->notes().size(), 1U);
@@ -277,6 +337,8 @@ TEST_F(Recording, SoundFilesAbove4GiBAreReadToTheirEnd) {
         EXPECT_EQ(reader->facts().length, 3U) << name;
         EXPECT_EQ(firstRow(*reader), (std::vector<double>{0, 0.5, -0.5})) << name;
         EXPECT_TRUE(reader->notes().empty()) << name << reader->notes().front();
+        std::filesystem::resize_file(folder() + name, 100000);
+        ASSERT_EQ(program::openInput(folder() + name, {})->notes().size(), 1U) << name << " is cut short";
     }
 }
 
@@ -326,9 +388,8 @@ TEST_F(Recording, PartsOfEveryKindOfInput) {
     EXPECT_EQ(frame, (std::vector<double>{0, 1 / 32768.0, 0, 0}));
     EXPECT_NE(errorOf(writeWav("one.wav", {1, 2, 3}, 1), iq).find("makes no pair"), std::string::npos);
     const std::pair<InputOptions, const char*> refused[] = {
-        {{.seek = "-1"}, "--seek: -1 is not a time"},
-        {{.duration = "x"}, "--duration: `x` is not a number"},
-        {{.seek = "inf"}, "--seek: inf is not a time"},
+        {{.seek = "-1"}, "--seek: -1 is not a time"},       {{.duration = "x"}, "--duration: `x` is not a number"},
+        {{.duration = "1u"}, "--duration: 1 us of"},        {{.seek = "inf"}, "--seek: inf is not a time"},
         {{.center = "inf"}, "--center: inf is not finite"},
     };
     for (const auto& [options, expected] : refused) {

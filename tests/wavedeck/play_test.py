@@ -91,6 +91,8 @@ class BadInput(Folder):
             ([tone, "--report", "xml"], "--report: `xml` is neither"),
             ([tone, "--messages", self.folder + "/no/file"], "No such file"),
             ([tone, "--rate", "8k"], "--rate: goes with raw samples"),
+            ([tone, "--scale", "2"], "--scale: goes with files"),
+            ([tone, "--verify"], "--verify: goes with SigMF"),
             ([tone, "--iq"], "--iq: goes with sound files and tables"),
             ([tone, "--speed", "0"], "--speed: 0 is not above 0"),
             ([tone, "--speed", "2", "--realtime"], "--realtime says the speed already"),
@@ -122,6 +124,13 @@ class BadInput(Folder):
             report = json.loads(run.stdout)
             self.assertEqual(report["inputs"][0]["samples"], samples)
             self.assertIn(expected, report["warnings"][0])
+
+    def test_what_was_measured_before_a_fault_is_reported(self):
+        table = self.path("fault.csv", b"1\n2\n6\nx\n")
+        run = self.check([table, "--rate", "5", "--report", "json"], "fault.csv: line 4: expected numbers")
+        report = json.loads(run.stdout)
+        self.assertEqual(report["decks"][0]["stats"]["mean"], 3)
+        self.assertIn("line 4", report["ended"])
 
     def test_a_full_disk_leaves_no_half_line(self):
         if not os.path.exists("/dev/full"):
@@ -164,6 +173,29 @@ class Results(Folder):
             self.assertAlmostEqual(deck["stop"]["value"], center + 128e3, delta=1e-6)
             self.assertAlmostEqual(deck["start"]["value"], center - 128e3, delta=600)
         self.assertEqual(report["inputs"][0]["samples"], 12000)
+
+    def test_each_capture_has_its_own_time_and_each_failure_its_own_band(self):
+        # Two tones 24 and -40 kHz from the centre, 34 and 54 dB over a mask; the second capture is a year later.
+        tone = [complex(math.cos(i * 0.1875 * math.pi), math.sin(i * 0.1875 * math.pi)) + 0.1 * complex(
+            math.cos(i * 0.3125 * math.pi), -math.sin(i * 0.3125 * math.pi)) for i in range(51200)]
+        self.path("y.sigmf-data", b"".join(struct.pack("<2f", z.real, z.imag) for z in tone))
+        captures = [{"core:sample_start": 0, "core:frequency": 1e6, "core:datetime": "2026-01-01T00:00:00Z"},
+                    {"core:sample_start": 25600, "core:frequency": 1e6, "core:datetime": "2027-01-01T00:00:00Z"}]
+        metadata = self.path("y.sigmf-meta", json.dumps({"global": {
+            "core:datatype": "cf32_le", "core:sample_rate": 256e3}, "captures": captures}).encode())
+        notes = os.path.join(self.folder, "n.sigmf-meta")
+        run = play(metadata, "--deck", "spectrum", "--measure", "mask", "--set", "enabledMasks=upper", "--set",
+                   "upperMask=-24", "--sweep", "-", "--annotations", notes, "--updates", "10", "--frame", "1600")
+        self.assertEqual(run.returncode, 1, run.stderr)
+        self.assertEqual([line[:20] for line in run.stdout.decode().splitlines()],
+                         ["2026-01-01, 00:00:00", "2027-01-01, 00:00:00"])
+        with open(notes, encoding="utf-8") as file:
+            annotations = json.load(file)["annotations"]
+        bands = sorted((note["core:freq_lower_edge"], note["core:freq_upper_edge"]) for note in annotations)
+        for (lower, upper), place in zip(bands, (960e3, 1024e3), strict=True):
+            # The main lobe of the window is four bins wide.
+            self.assertTrue(place - 600 < lower < place < upper < place + 600, bands)
+        self.assertTrue(annotations[0]["core:comment"].startswith("34 dB outside of the mask at 960 kHz"), annotations)
 
     def test_tables_and_tones_go_at_the_speed_asked_for(self):
         table = "t,y\n" + "".join(f"{i / 8000:.6f},{i}\n" for i in range(4000))

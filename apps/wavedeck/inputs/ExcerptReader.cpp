@@ -39,7 +39,11 @@ ExcerptReader::ExcerptReader(std::unique_ptr<SignalReader> source, double seek, 
     facts_ = source_->facts();
     first_ = samplesIn(seek, facts_.sampleRate);
     facts_.firstIndex += first_;
+    facts_.firstSample = first_;
     points_ = samplesIn(duration, facts_.sampleRate);
+    if (points_ == 0) {
+        throw UsageError("--duration: " + formatQuantity(duration, "s") + " of " + facts_.name + " hold no sample");
+    }
     if (const auto length = facts_.length) {
         if (first_ > 0 && first_ >= *length) {
             throw UsageError("--seek: " + facts_.name + " ends at " +
@@ -49,6 +53,7 @@ ExcerptReader::ExcerptReader(std::unique_ptr<SignalReader> source, double seek, 
         facts_.length = points_;
     }
     if (loop_) {
+        facts_.recorded.loop(first_, facts_.length.value_or(0));
         facts_.length.reset();
     }
     if (first_ > 0 && !source_->seek(first_)) {
@@ -71,7 +76,8 @@ bool ExcerptReader::rewind() {
         return false;
     }
     if (!source_->seek(first_)) {
-        throw UsageError("--loop: " + facts_.name + " cannot be read again");
+        fault_ = "--loop: " + facts_.name + " cannot be read again";
+        return false;
     }
     read_ = 0;
     return true;
@@ -99,6 +105,14 @@ std::size_t ExcerptReader::read(std::size_t points, std::vector<double>& frame) 
             append(piece_, rows, frame, joined_);
         }
     }
+    if (frame.empty() && !fault_.empty()) {
+        throw UsageError(fault_);
+    }
+    if (frame.empty() && first_ > 0 && !hasBegun_ && !StopRequest::requested()) {
+        throw UsageError("--seek: " + facts_.name + " ends before " +
+                         formatQuantity(static_cast<double>(first_) / facts_.sampleRate, "s"));
+    }
+    hasBegun_ = true;
     return frame.size() / rows;
 }
 

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "SignalReader.h"
@@ -13,7 +14,8 @@ class ExcerptReader final : public SignalReader {
 public:
     /// seek, duration  s; a duration may be infinite
     /// loop            begins anew at `seek` whenever the part has ended
-    /// Throws UsageError when the source cannot go there, when it ends before `seek`, or when it cannot be looped.
+    /// Throws UsageError when the source cannot go there, when the part holds no sample, or when it cannot be looped;
+    /// of a source that does not know its length, when it is read.
     ExcerptReader(std::unique_ptr<SignalReader> source, double seek, double duration, bool loop);
 
     std::size_t read(std::size_t points, std::vector<double>& frame) override;
@@ -32,6 +34,8 @@ private:
     std::uint64_t points_ = std::numeric_limits<std::uint64_t>::max();  ///< of the part
     // state
     std::uint64_t read_ = 0;  ///< of the part
+    std::string fault_;       ///< why the part cannot begin anew, once what was read is taken
+    bool hasBegun_ = false;   ///< something was read
     bool isAhead_ = false;    ///< the piece belongs to the next frame: it has another centre frequency
     // scratch
     std::vector<double> piece_;

@@ -7,9 +7,10 @@
 namespace program {
 
 RawReader::RawReader(std::unique_ptr<ByteSource> source, SampleFormat format, SignalFacts facts,
-                     std::vector<RawRun> runs, std::uint64_t trailingBytes)
+                     std::vector<RawRun> runs, std::uint64_t trailingBytes, std::vector<std::string> notes)
     : source_(std::move(source)), format_(std::move(format)), runs_(std::move(runs)) {
     facts_ = std::move(facts);
+    notes_ = std::move(notes);
     facts_.centerFrequency = runs_.front().centerFrequency;
     facts_.datatype = format_.sigmfName();
     facts_.changesCenter = std::any_of(

@@ -23,8 +23,9 @@ public:
     /// facts          all but what follows from the bytes: the length
     /// runs           at least one
     /// trailingBytes  bytes at the end of a file that are no samples
+    /// notes          what is to be told of the source beside what the reader finds
     RawReader(std::unique_ptr<ByteSource> source, SampleFormat format, SignalFacts facts, std::vector<RawRun> runs,
-              std::uint64_t trailingBytes = 0);
+              std::uint64_t trailingBytes = 0, std::vector<std::string> notes = {});
 
     std::size_t read(std::size_t points, std::vector<double>& frame) override;
     bool seek(std::uint64_t sample) override;

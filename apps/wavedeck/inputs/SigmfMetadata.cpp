@@ -22,9 +22,7 @@ public:
         }
     }
 
-    [[noreturn]] void fail(const char* key, const std::string& what) const {
-        throw UsageError(name_ + ": " + place_ + "." + key + ": " + what);
-    }
+    [[noreturn]] void fail(const char* key, const std::string& what) const { throw UsageError(remark(key, what)); }
 
     const Json* find(const char* key) const {
         const auto found = json_.find(key);
@@ -53,13 +51,18 @@ public:
         return value->get<double>();
     }
 
+    /// What is wrong with a field that can be passed over.
+    std::string remark(const char* key, const std::string& what) const {
+        return name_ + ": " + place_ + "." + key + ": " + what;
+    }
+
     std::uint64_t count(const char* key, std::uint64_t fallback) const {
         const auto value = number(key);
         if (!value) {
             return fallback;
         }
         if (*value < 0.0 || *value > static_cast<double>(largestCount) || *value != std::trunc(*value)) {
-            fail(key, "is no whole number of at least 0");
+            fail(key, "is no whole number from 0 to 2^53");
         }
         return static_cast<std::uint64_t>(*value);
     }
@@ -111,11 +114,48 @@ RawRun readCapture(const Fields& capture, const SigmfMetadata& metadata, std::si
         capture.fail(startKey, "lies farther than any file reaches");
     }
     run.centerFrequency = capture.number("core:frequency").value_or(0.0);
-    if (const auto scale = capture.number("capture_details:acq_scale_factor")) {
+    constexpr auto scaleKey = "capture_details:acq_scale_factor";
+    if (const auto scale = capture.number(scaleKey)) {
+        if (*scale == 0.0) {
+            capture.fail(scaleKey, "is 0, which leaves nothing of the samples");
+        }
         // The factor belongs to the digitizer's numbers, not to fractions of its full scale.
         run.factor = *scale * metadata.format.fullScale;
     }
     return run;
+}
+
+/// Takes the time at which a capture began. One that is no time is passed over, since the samples don't need it.
+void readTime(const Fields& capture, SigmfMetadata& metadata) {
+    constexpr auto key = "core:datetime";
+    const auto text = capture.text(key);
+    if (!text) {
+        return;
+    }
+    if (const auto time = parseDateTime(*text)) {
+        metadata.recorded.add(metadata.runs.back().firstSample, *time);
+    } else {
+        metadata.notes.push_back(capture.remark(key, '`' + *text + "` is no date and time of ISO 8601"));
+    }
+}
+
+/// Tells of extensions that a reader should know and this one doesn't.
+void readExtensions(const Fields& global, SigmfMetadata& metadata) {
+    constexpr auto key = "core:extensions";
+    const auto* extensions = global.find(key);
+    if (extensions == nullptr || !extensions->is_array()) {
+        return;
+    }
+    for (const auto& extension : *extensions) {
+        const auto text = [&](const char* name) {
+            return extension.is_object() && extension.contains(name) ? extension[name] : Json();
+        };
+        if (text("optional") == false && text("name").is_string() && text("name") != "capture_details") {
+            metadata.notes.push_back(global.remark(
+                key,
+                '`' + text("name").get<std::string>() + "`, which the recording says is needed, is not known here"));
+        }
+    }
 }
 
 }  // namespace
@@ -159,6 +199,8 @@ SigmfMetadata readSigmfMetadata(const std::string& name, const Json& json) {
     metadata.trailingBytes = global.count("core:trailing_bytes", 0);
     metadata.dataset = global.text("core:dataset").value_or("");
     metadata.isWithoutData = global.flag("core:metadata_only");
+    metadata.checksum = global.text("core:sha512").value_or("");
+    readExtensions(global, metadata);
     const auto* captures = whole.find("captures");
     if (captures != nullptr && !captures->is_array()) {
         throw UsageError(name + ": captures: is no list");
@@ -172,14 +214,18 @@ SigmfMetadata readSigmfMetadata(const std::string& name, const Json& json) {
         if (headers > largestCount) {
             capture.fail("core:header_bytes", "the headers are larger than any file");
         }
-        if (i == 0) {
-            metadata.recorded = capture.text("core:datetime").value_or("");
-        }
+        readTime(capture, metadata);
     }
     if (metadata.runs.empty()) {
         metadata.runs.emplace_back();
     }
-    metadata.runs.front().firstSample = 0;  // what stands before the first capture is played with it
+    if (metadata.runs.front().firstSample > 0) {
+        // What stands before the first capture is played with its frequency and scale.
+        auto before = metadata.runs.front();
+        before.firstSample = 0;
+        before.headerBytes = 0;
+        metadata.runs.insert(metadata.runs.begin(), before);
+    }
     return metadata;
 }
 

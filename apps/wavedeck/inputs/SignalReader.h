@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "RecordedTimes.h"
+
 namespace program {
 
 /// What is known of a signal before its first sample is read.
@@ -21,7 +23,9 @@ struct SignalFacts {
     bool changesCenter = false;           ///< centre frequencies differ from part to part
     std::string datatype = {};            ///< how its samples are stored, in SigMF's terms; empty: not raw
     std::uint64_t firstIndex = 0;         ///< index of the first sample in the recording
-    std::string recorded = {};            ///< date and time of the first sample, when the source knows it
+    std::uint64_t firstSample = 0;        ///< sample time of the source with which the play begins
+    RecordedTimes recorded = {};          ///< when the samples were taken, by their sample times in the source
+    std::string checksum = {};            ///< whether the samples' bytes are those that were written; empty: not told
 
     /// Rows of a frame: one a channel, two a complex channel.
     int rows() const { return isComplex ? 2 * channels : channels; }

@@ -29,27 +29,52 @@ bool storesFloatingPoint(int subtype) {
     return subtype == SF_FORMAT_FLOAT || subtype == SF_FORMAT_DOUBLE;
 }
 
-/// The bytes of sample data that the header promises beyond those in the file, as libsndfile's log of the header tells:
-/// a line "data : PROMISED (should be PRESENT)". Streamed files promise all ones or nothing at all; that counts as
-/// not known.
+/// The bytes that the header promises beyond those in the file, as libsndfile's log of the header tells: a line
+/// "data : PROMISED (should be PRESENT)", of RF64 and W64 the same of the whole file. Streamed files promise all ones
+/// or nothing at all; that counts as not known.
 std::uint64_t missingBytes(SNDFILE* file) {
+    static constexpr std::array<std::string_view, 4> parts{"data", "SSND", "Riff", "riff"};
     std::array<char, 16384> log{};
     sf_command(file, SFC_GET_LOG_INFO, log.data(), static_cast<int>(log.size()));
     for (const auto& line : split(log.data(), '\n')) {
-        const auto name = line.substr(0, 4);
         const auto at = line.find("(should be ");
-        if ((name != "data" && name != "SSND") || at == std::string::npos) {
+        const auto colon = line.find(':');
+        const auto begin = std::min(line.find_first_not_of(' '), line.size());
+        const auto name = line.substr(begin, std::min(line.find(' ', begin), colon) - begin);
+        if (at == std::string::npos || std::find(parts.begin(), parts.end(), name) == parts.end()) {
             continue;
         }
-        const auto colon = line.find(':');
         const auto promised = std::strtoull(line.c_str() + colon + 1, nullptr, 10);
         const auto present = std::strtoull(line.c_str() + at + std::strlen("(should be "), nullptr, 10);
         constexpr unsigned long long streamed = 0x7FFFF000;
-        if (promised > present && promised < streamed) {
+        const bool isLong = name == "Riff" || name == "riff";
+        if (promised > present && (promised < streamed || isLong)) {
             return promised - present;
         }
     }
     return 0;
+}
+
+/// What of the file the header leaves out: all of a recording that was never finished, the rest of a WAV file that is
+/// larger than its header can say.
+std::string leftOut(const std::string& path, const SF_INFO& info) {
+    struct stat status {};
+    constexpr off_t largestHeader = 65536;
+    constexpr off_t largestWav = 0xFFFFFFFF;
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return "";
+    }
+    if (info.frames == 0 && status.st_size > largestHeader) {
+        return path + ": the header counts no samples in " + std::to_string(status.st_size) +
+               " bytes, as in a recording that was never finished; --format and --rate read them as raw samples";
+    }
+    if ((container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX) && status.st_size > largestWav + largestHeader) {
+        return path +
+               ": a WAV file ends at 4 GiB, and what this one holds behind that is left out; RF64, W64 and raw "
+               "samples may be larger";
+    }
+    return "";
 }
 
 void checkReadable(const std::string& path) {
@@ -97,9 +122,12 @@ SoundFileReader::SoundFileReader(const std::string& path, double factor, bool is
     if (info.seekable != 0 && info.frames >= 0) {
         facts_.length = static_cast<std::uint64_t>(info.frames);
     }
+    if (const auto text = leftOut(path, info); !text.empty()) {
+        note(text);
+    }
     if (const auto missing = missingBytes(file_.get()); missing > 0) {
-        notes_.push_back(path + ": the file is cut short: its header promises " + std::to_string(missing) +
-                         " more bytes of samples; what is there is used");
+        note(path + ": the file is cut short: its header promises " + std::to_string(missing) +
+             " more bytes; what is there is used");
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "EngineeringNumber.h"
 #include "StopRequest.h"
+#include "TableTitles.h"
 #include "TextLists.h"
 #include "UsageError.h"
 
@@ -38,7 +39,7 @@ TableReader::TableReader(const std::string& path, const Options& options) : opti
     }
     facts_.name = lines_.name();
     facts_.format = "table, " + std::to_string(channels) + (channels == 1 ? " column" : " columns");
-    if (!titles.empty()) {
+    if (titles.size() == columns_) {
         facts_.format += ": " + join(std::vector(titles.begin() + (hasTimes_ ? 1 : 0), titles.end()), ", ");
     }
     facts_.scale = "values as written";
@@ -58,20 +59,49 @@ TableReader::TableReader(const std::string& path, const Options& options) : opti
 std::vector<std::string> TableReader::findFirstRow() {
     constexpr int mostLinesAbove = 100;
     std::vector<std::string> above;
+    std::vector<std::string> twoAbove;
     for (int i = 0; i < mostLinesAbove; ++i) {
-        const auto line = lines_.next();
+        const auto line = nextLineAbove();
         if (!line) {
             throw UsageError(lines_.name() + ": holds no row of numbers");
         }
         separator_ = findSeparator(*line);
         splitCells(*line, separator_, cells_);
         if (readCells()) {
-            return above.size() == cells_.size() ? above : std::vector<std::string>();
+            hasEndSeparator_ =
+                cells_.back().empty() && !above.empty() && (above.size() + 1 == cells_.size() || above.back().empty());
+            dropEndCell();
+            return tableTitles(std::move(twoAbove), std::move(above), cells_.size());
         }
+        twoAbove.swap(above);
         above.assign(cells_.begin(), cells_.end());
     }
     throw UsageError(lines_.name() + ": no row of numbers in the first " + std::to_string(mostLinesAbove) +
                      " lines; line " + std::to_string(lines_.number()) + " begins " + beginOf(join(above, " ")));
+}
+
+std::optional<std::string_view> TableReader::nextLineAbove() {
+    auto line = lines_.next();
+    if (!line || !endsInQuotes(*line)) {
+        return line;
+    }
+    constexpr int mostLines = 10;
+    titleLine_ = *line;
+    for (int i = 0; i < mostLines && endsInQuotes(titleLine_); ++i) {
+        line = lines_.next();
+        titleLine_.append(1, ' ').append(line.value_or(""));
+    }
+    if (endsInQuotes(titleLine_)) {
+        lines_.fail("a quotation mark above is not closed");
+    }
+    return titleLine_;
+}
+
+void TableReader::dropEndCell() {
+    if (hasEndSeparator_ && cells_.back().empty() && (columns_ == 0 || cells_.size() == columns_ + 1)) {
+        cells_.pop_back();
+        values_.resize(std::min(values_.size(), cells_.size()));
+    }
 }
 
 bool TableReader::readCells() {
@@ -108,6 +138,7 @@ bool TableReader::nextRow() {
         return false;
     }
     splitCells(*line, separator_, cells_);
+    dropEndCell();
     const bool isGood = cells_.size() == columns_ && readCells();
     if (!isGood && !lines_.isWhole()) {
         note(lines_.name() + ": line " + std::to_string(lines_.number()) + ": is cut short and is left out");
@@ -136,8 +167,10 @@ void TableReader::findRate() {
     }
     const auto rate = times_.rate();
     if (!rate) {
-        throw UsageError(lines_.name() + ": the times in the first column don't rise by equal steps in the first " +
-                         std::to_string(rows) + " rows; --rate HZ takes the rows as they come");
+        throw UsageError(lines_.name() + (rows < 2 ? ": one row tells no rate; --rate HZ gives it"
+                                                   : ": the times in the first column don't rise by equal steps: row " +
+                                                         std::to_string(times_.firstUneven() + 1) +
+                                                         " of the numbers; --rate HZ takes the rows as they come"));
     }
     facts_.sampleRate = *rate;
 }
@@ -148,14 +181,32 @@ void TableReader::appendRow() {
     }
 }
 
-std::size_t TableReader::read(std::size_t points, std::vector<double>& frame) {
-    const auto rows = static_cast<std::size_t>(facts_.rows());
-    while (waiting_.size() - waitingBegin_ < points * rows && !StopRequest::requested() && nextRow()) {
+bool TableReader::takeRow() {
+    try {
+        if (!fault_.empty()) {
+            throw UsageError(fault_);
+        }
+        if (!nextRow()) {
+            return false;
+        }
         if (hasTimes_ && !options_.rate && !times_.follows(values_.front())) {
             lines_.fail("the time " + std::string(cells_.front()) +
                         " does not follow on that before it by one step; --rate HZ takes the rows as they come");
         }
         appendRow();
+        return true;
+    } catch (const UsageError& error) {
+        if (waitingBegin_ == waiting_.size()) {
+            throw;
+        }
+        fault_ = error.what();
+        return false;
+    }
+}
+
+std::size_t TableReader::read(std::size_t points, std::vector<double>& frame) {
+    const auto rows = static_cast<std::size_t>(facts_.rows());
+    while (waiting_.size() - waitingBegin_ < points * rows && !StopRequest::requested() && takeRow()) {
     }
     const auto n = std::min((waiting_.size() - waitingBegin_) / rows, points);
     separate(waiting_.data() + waitingBegin_, n, facts_, frame);
@@ -178,6 +229,7 @@ bool TableReader::seek(std::uint64_t sample) {
         times_.follows(values_.front());
         waiting_.clear();
         waitingBegin_ = 0;
+        fault_.clear();
         appendRow();
         next_ = 0;
     }

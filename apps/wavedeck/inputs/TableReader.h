@@ -29,8 +29,14 @@ public:
 
 private:
     /// Passes over what stands above the numbers; returns the titles that stand right above them. Leaves the first row
-    /// in cells_ and values_.
+    /// in cells_ and values_, and counts its columns.
     std::vector<std::string> findFirstRow();
+    /// The next line above the numbers, or the first of them; a quoted cell may go over several lines.
+    std::optional<std::string_view> nextLineAbove();
+    /// Drops the empty cell behind a separator at the end of a row.
+    void dropEndCell();
+    /// Takes a row; false at the end, and before a row that is wrong while rows wait: that is told when they are taken.
+    bool takeRow();
     /// Takes the next line apart into cells_ and values_; false at the end.
     bool nextRow();
     /// Whether the cells in hand are all numbers; fills values_.
@@ -44,7 +50,8 @@ private:
     Options options_;
     // derived
     TableSeparator separator_ = TableSeparator::Comma;
-    std::size_t columns_ = 0;  ///< with that of the times
+    std::size_t columns_ = 0;       ///< with that of the times
+    bool hasEndSeparator_ = false;  ///< a separator stands behind the last cell of each row
     bool hasTimes_ = false;
     // state
     TableLines lines_;
@@ -52,7 +59,9 @@ private:
     std::vector<double> waiting_;  ///< interleaved samples of rows that were read ahead
     std::size_t waitingBegin_ = 0;
     std::uint64_t next_ = 0;  ///< sample time
+    std::string fault_;       ///< what is wrong with the row behind those that wait; empty: nothing
     // scratch
+    std::string titleLine_;
     std::vector<std::string_view> cells_;
     std::vector<double> values_;
 };

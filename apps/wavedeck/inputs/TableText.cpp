@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdlib>
 #include <limits>
 
 #include "UsageError.h"
@@ -41,6 +42,9 @@ bool TableLines::fill() {
     if (before == 0 && source_.position() == got) {
         constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
         begin_ = held_.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+        if (held_.starts_with("\xFF\xFE") || held_.starts_with("\xFE\xFF")) {
+            throw UsageError(name() + ": is text of two bytes a character (UTF-16); tables are read as UTF-8");
+        }
     }
     return got > 0;
 }
@@ -112,6 +116,22 @@ void splitCells(std::string_view line, TableSeparator separator, std::vector<std
     }
 }
 
+bool endsInQuotes(std::string_view line) {
+    bool isInside = false;
+    bool isQuoted = false;  // the cell under way
+    bool atBegin = true;    // of a cell
+    for (const char c : line) {
+        if (c == '"' && (atBegin || isQuoted)) {
+            isInside = !isInside;
+            isQuoted = true;
+        }
+        const bool separates = !isInside && std::string_view(",;\t").find(c) != std::string_view::npos;
+        atBegin = separates || (atBegin && blanks.find(c) != std::string_view::npos);
+        isQuoted = isQuoted && !separates;
+    }
+    return isInside;
+}
+
 std::optional<double> readCell(std::string_view cell, TableSeparator separator) {
     if (cell.empty()) {
         return std::numeric_limits<double>::quiet_NaN();
@@ -130,7 +150,12 @@ std::optional<double> readCell(std::string_view cell, TableSeparator separator) 
     if (rest != cell.data() + cell.size() || (error != std::errc() && !isOutOfRange)) {
         return std::nullopt;
     }
-    return isOutOfRange ? 0.0 : value;
+    if (!isOutOfRange) {
+        return value;
+    }
+    // Too large or too small for a double: infinite, or zero.
+    const std::string text(cell);
+    return std::strtod(text.c_str(), nullptr);
 }
 
 }  // namespace program

@@ -53,6 +53,9 @@ TableSeparator findSeparator(std::string_view line);
 /// its cell.
 void splitCells(std::string_view line, TableSeparator separator, std::vector<std::string_view>& cells);
 
+/// Whether a cell that begins with a quotation mark goes on behind the end of the line.
+bool endsInQuotes(std::string_view line);
+
 /// The number in a cell: NaN for an empty one, nothing for a text. Where no comma separates the cells it may stand for
 /// the decimal point.
 std::optional<double> readCell(std::string_view cell, TableSeparator separator);

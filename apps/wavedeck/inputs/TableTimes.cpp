@@ -115,6 +115,16 @@ std::optional<double> TableTimes::rate() {
     return rate;
 }
 
+std::size_t TableTimes::firstUneven() const {
+    constexpr double part = 0.25;  // of a step
+    const double step = first_.size() > 1 ? first_[1] - first_[0] : 0.0;
+    std::size_t row = 1;
+    while (row + 1 < first_.size() && step > 0.0 && std::abs(first_[row] - first_[row - 1] - step) <= part * step) {
+        ++row;
+    }
+    return row;
+}
+
 bool TableTimes::follows(double value) {
     constexpr double part = 0.25;  // of a step
     // Digits so few that they hide steps excuse nothing.

@@ -16,7 +16,7 @@ namespace program {
 class TableTimes {
 public:
     /// Seconds of a column's unit, when its title names a time: "time", "t (ms)", "Time [us]", "seconds"; nothing when
-    /// it names something else. Throws UsageError text by the lines for a unit that is none of time.
+    /// it names something else, or has a unit that is none of time.
     static std::optional<double> findUnit(std::string_view title);
 
     /// unit  s
@@ -27,6 +27,9 @@ public:
 
     /// The rate of the rows that were added, Hz; nothing when they don't rise by equal steps.
     std::optional<double> rate();
+
+    /// Of rows that don't rise by equal steps the first, from 0, whose step is not that of the rows before it.
+    std::size_t firstUneven() const;
 
     /// Whether a row follows on the one before it. Counts it as the one before the next.
     bool follows(double value);

@@ -136,9 +136,10 @@ std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOpt
     if (options.seek.empty() && options.duration.empty() && !options.loop) {
         return whole;
     }
+    const double seek = options.seek.empty() ? 0.0 : readTime("--seek", options.seek, false);
     const double duration = options.duration.empty() ? std::numeric_limits<double>::infinity()
                                                      : readTime("--duration", options.duration, true);
-    return std::make_unique<ExcerptReader>(std::move(whole), seekTime(options), duration, options.loop);
+    return std::make_unique<ExcerptReader>(std::move(whole), seek, duration, options.loop);
 }
 
 void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOptions& options) {
@@ -152,7 +153,13 @@ void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOption
         throw UsageError("--format: goes with raw samples and tables, and no input is a file or standard input");
     }
     if (!any({Raw, Table, Sigmf}) && !options.rate.empty()) {
-        throw UsageError("--rate: goes with raw samples and tables, and no input is raw or a table");
+        throw UsageError("--rate: goes with raw samples and tables; --format says of a file that it is one");
+    }
+    if (!any({Raw, Table, Sigmf, Sound}) && !options.scale.empty()) {
+        throw UsageError("--scale: goes with files and standard input; test signals have amplitudes");
+    }
+    if (!any({Sigmf}) && options.verify) {
+        throw UsageError("--verify: goes with SigMF recordings, which tell checksums");
     }
     if (!any({Raw}) && !options.channels.empty()) {
         throw UsageError("--channels: goes with raw samples, and no input is raw");
@@ -163,10 +170,6 @@ void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOption
     if (!any({Sound, Table}) && options.isIq) {
         throw UsageError("--iq: goes with sound files and tables; raw samples have complex formats");
     }
-}
-
-double seekTime(const InputOptions& options) {
-    return options.seek.empty() ? 0.0 : readTime("--seek", options.seek, false);
 }
 
 }  // namespace program

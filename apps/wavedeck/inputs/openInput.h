@@ -19,6 +19,7 @@ struct InputOptions {
     std::string seek = {};      ///< --seek, s
     std::string duration = {};  ///< --duration, s
     bool loop = false;          ///< --loop
+    bool verify = false;        ///< --verify: compares the checksums that recordings tell
 };
 
 /// Opens an INPUT of the command line. "gen:..." is a test signal; "-" and, when a format is given, every file holds
@@ -28,8 +29,5 @@ std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOpt
 
 /// Throws UsageError when an option is given that none of the inputs has a use for.
 void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOptions& options);
-
-/// Where in the inputs the play begins, s.
-double seekTime(const InputOptions& options);
 
 }  // namespace program

@@ -7,7 +7,9 @@
 
 #include "EngineeringNumber.h"
 #include "RawReader.h"
+#include "Sha512.h"
 #include "SigmfMetadata.h"
+#include "StopRequest.h"
 #include "TarArchive.h"
 #include "UsageError.h"
 
@@ -89,6 +91,34 @@ Dataset openDataset(const std::string& input, const SigmfMetadata& metadata) {
     return {std::make_unique<ByteSource>(path)};
 }
 
+/// Compares the dataset's bytes with the sum in the metadata; returns what the report says of it.
+std::string verify(const std::string& name, const Dataset& dataset, const SigmfMetadata& metadata, bool isWanted) {
+    if (!isWanted) {
+        return metadata.checksum.empty() ? "" : "SHA-512 not compared; --verify does";
+    }
+    if (metadata.checksum.empty()) {
+        throw UsageError("--verify: " + name + ": global.core:sha512: is missing");
+    }
+    const auto size = dataset.source->size();
+    if (!size) {
+        throw UsageError("--verify: " + dataset.source->name() + " cannot be read twice");
+    }
+    const auto sum =
+        sha512(*dataset.source, dataset.leadingBytes, *size - dataset.leadingBytes - dataset.trailingBytes);
+    dataset.source->seek(0);
+    if (StopRequest::requested()) {
+        return "SHA-512 not compared";
+    }
+    auto expected = metadata.checksum;
+    std::transform(expected.begin(), expected.end(), expected.begin(),
+                   [](char c) { return c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c; });
+    if (sum != expected) {
+        throw UsageError(dataset.source->name() + ": the samples are not those that were written: their SHA-512 is " +
+                         sum.substr(0, 16) + "..., and global.core:sha512 is " + expected.substr(0, 16) + "...");
+    }
+    return "SHA-512 agrees";
+}
+
 double sampleRate(const std::string& input, const SigmfMetadata& metadata, const std::string& option) {
     if (metadata.sampleRate && !option.empty()) {
         throw UsageError("--rate: " + input + " has a rate of its own, " + formatQuantity(*metadata.sampleRate, "Hz"));
@@ -127,6 +157,7 @@ std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOpt
     facts.isComplex = metadata.format.isComplex;
     facts.firstIndex = metadata.firstIndex;
     facts.recorded = metadata.recorded;
+    facts.checksum = verify(name, dataset, metadata, options.verify);
     if (std::any_of(metadata.runs.begin(), metadata.runs.end(), [](const RawRun& run) { return run.factor != 1.0; })) {
         facts.scale = "acquisition scale factor " +
                       formatQuantity(metadata.runs.front().factor / metadata.format.fullScale, "", 15) +
@@ -140,7 +171,8 @@ std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOpt
     }
     metadata.runs.front().headerBytes += dataset.leadingBytes;
     return std::make_unique<RawReader>(std::move(dataset.source), metadata.format, std::move(facts),
-                                       std::move(metadata.runs), metadata.trailingBytes + dataset.trailingBytes);
+                                       std::move(metadata.runs), metadata.trailingBytes + dataset.trailingBytes,
+                                       std::move(metadata.notes));
 }
 
 }  // namespace program

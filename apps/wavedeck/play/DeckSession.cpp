@@ -112,13 +112,14 @@ ReportSection DeckSession::report() {
     const std::lock_guard lock(mutex_);
     ReportSection section{"", "deck " + std::string(deck_.name)};
     section.add({"deck", "", std::string(deck_.name)});
+    std::uint64_t framesSeen = 0;
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         const auto& board = info.getClientSettings();
         // A simulation's own counters count a frame once a channel, and the parts of complex samples.
-        const std::uint64_t frames = simulation_ ? simulation_->stepsShown() : readCounter(board, "framesProcessed");
-        section.add({"frames", "frames", frames});
+        framesSeen = simulation_ ? simulation_->stepsShown() : readCounter(board, "framesProcessed");
+        section.add({"frames", "frames", framesSeen});
         section.add({"samples", "samples of all channels",
-                     simulation_ ? frames * samplesPerStep() : readCounter(board, "samplesProcessed")});
+                     simulation_ ? framesSeen * samplesPerStep() : readCounter(board, "samplesProcessed")});
         section.add({"updates", "updates", updates_});
         if (simulation_) {
             section.add({"held", "times held by the pacer", simulation_->timesHeld()});
@@ -130,7 +131,7 @@ ReportSection DeckSession::report() {
     if (deck_.kind == ChainKind::Time || deck_.kind == ChainKind::BlockflowTime) {
         section.add({"span", "display span", client_.displaySpan(), "s"});
     }
-    auto measures = reportMeasures();
+    auto measures = framesSeen > 0 ? reportMeasures() : ReportSection();
     if (deck_.kind == ChainKind::Response) {
         addResponse(section, measures);
     }

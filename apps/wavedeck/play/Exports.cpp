@@ -9,6 +9,7 @@
 #include "DeckPresets.h"
 #include "DeckTraces.h"
 #include "EngineeringNumber.h"
+#include "MaskFailures.h"
 #include "MeasurementReports.h"
 #include "UsageError.h"
 #include "peakFinderStruct.h"
@@ -58,7 +59,6 @@ Exports::Exports(const PlayCommand& command, const std::vector<std::unique_ptr<D
     const auto spectrum =
         std::find_if(decks.begin(), decks.end(), [](const auto& deck) { return deck->showsSpectra(); });
     spectrum_ = spectrum == decks.end() ? nullptr : spectrum->get();
-    recorded_ = parseDateTime(facts_.recorded);
     for (const auto& traces : command.traces) {
         prepareTraces(traces, decks);
     }
@@ -128,11 +128,18 @@ bool Exports::noteUpdate(DeckSession& deck, const Message& message, std::uint64_
     return !sweep_ || writeSweep(samples);
 }
 
+std::optional<UtcTime> Exports::recordedTime(DeckSession& deck) const {
+    const double samples = std::round(deck.client().streamTime() * facts_.sampleRate);
+    constexpr double most = 9e18;
+    return samples >= 0.0 && samples < most
+               ? facts_.recorded.behind(static_cast<std::uint64_t>(samples), facts_.sampleRate)
+               : std::nullopt;
+}
+
 bool Exports::writeSweep(std::uint64_t samples) {
     const auto settings = spectrum_->settings();
-    const auto time = recorded_ ? *recorded_ + std::chrono::duration_cast<std::chrono::microseconds>(
-                                                   std::chrono::duration<double>(spectrum_->client().streamTime()))
-                                : std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    const auto time = recordedTime(*spectrum_)
+                          .value_or(std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()));
     std::string line;
     spectrum_->client().withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         const auto* record = findRecord<Record>(info.getClientSettings(), "spectrumEstimatorMetaData");
@@ -184,11 +191,8 @@ void Exports::annotate(std::uint64_t samples) {
         totalTests_ = mask->numTotalTests;
         passedTests_ = mask->numPassedTests;
         if (failed > 0.0) {
-            const double lower = spectrum->frequencyVector.front() + offsetOf(*spectrum);
-            const double upper = spectrum->frequencyVector.back() + offsetOf(*spectrum);
-            findings.push_back({"mask failure", (lower + upper) / 2.0, lower, upper, 0.0,
-                                "masks: " + settings.value(maskStage, "enabledMasks") + ", reference level " +
-                                    formatQuantity(mask->spectrumPeak, spectrumUnit(shownSpectrumUnits(settings)))});
+            const auto failures = findMaskFailures(*spectrum, *mask, settings);
+            findings.insert(findings.end(), failures.begin(), failures.end());
         }
     });
     if (samples > annotatedSamples_) {
@@ -202,6 +206,9 @@ void Exports::writeTraces(const Traces& traces) const {
                  : traces.message.isNull()   ? TraceTable()
                                              : messageTraces(*traces.deck, *traces.message, facts_.sampleRate);
     table.remarks.insert(table.remarks.begin(), "input: " + facts_.name);
+    if (const auto time = recordedTime(*traces.deck); time && traces.deck->showsSpectra()) {
+        table.remarks.push_back("time: " + formatDateTime(*time));
+    }
     if (traces.path == "-") {
         LineFile(traces.path, existing_).write(table.csv());
     } else {

@@ -50,6 +50,8 @@ private:
     void prepareTraces(const std::string& text, const std::vector<std::unique_ptr<DeckSession>>& decks);
     void prepareSweep(const std::string& path, const std::vector<std::unique_ptr<SignalReader>>& inputs);
     void prepareAnnotations(const PlayCommand& command, const std::vector<std::unique_ptr<SignalReader>>& inputs);
+    /// When the samples that a deck was handed last were taken, if the recording tells.
+    std::optional<UtcTime> recordedTime(DeckSession& deck) const;
     bool writeSweep(std::uint64_t samples);
     void annotate(std::uint64_t samples);
     void writeTraces(const Traces& traces) const;
@@ -62,7 +64,6 @@ private:
     // derived
     DeckSession* spectrum_ = nullptr;  ///< the deck that shows spectra
     nlohmann::ordered_json metadata_;  ///< of the recording, without what is found now
-    std::optional<UtcTime> recorded_;
     // state
     std::optional<LineFile> sweep_;
     AnnotationList annotations_;

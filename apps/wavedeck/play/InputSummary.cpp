@@ -37,8 +37,11 @@ ReportSection InputSummary::report(const SignalFacts& facts) const {
         section.add(
             {"centerFrequency", facts.changesCenter ? "last centre" : "centre frequency", facts.centerFrequency, "Hz"});
     }
-    if (!facts.recorded.empty()) {
-        section.add({"recorded", "recorded", facts.recorded});
+    if (const auto recorded = facts.recorded.at(facts.firstSample, facts.sampleRate)) {
+        section.add({"recorded", "recorded", formatDateTime(*recorded)});
+    }
+    if (!facts.checksum.empty()) {
+        section.add({"checksum", "checksum", facts.checksum});
     }
     section.add({"samples", "samples", samples_});
     section.add({"duration", "duration", static_cast<double>(samples_) / facts.sampleRate, "s"});

@@ -102,8 +102,8 @@ SessionFacts PlaySession::sessionFacts(const PlayCommand& command) const {
         session.fullScale = readPositiveNumber("--scale", command.inputOptions.scale);
     }
     session.centerFrequencies = centerFrequencies_;
-    session.startTime = seekTime(command.inputOptions);
     const double firstRate = inputs_.front()->facts().sampleRate;
+    session.startTime = static_cast<double>(inputs_.front()->facts().firstSample) / firstRate;
     for (const auto& input : inputs_) {
         const auto& facts = input->facts();
         wavedeck::driver::SignalFacts signal;
@@ -180,7 +180,7 @@ void PlaySession::play() {
     while (!readerGone_ && !StopRequest::requested()) {
         if (hasToShow() && !isFrameDue(begin)) {
             show();
-        } else if (!readFrame() || (speed_ && !StopRequest::sleepUntil(dueTime(samples_, begin)))) {
+        } else if (!readFrameIfGood() || (speed_ && !StopRequest::sleepUntil(dueTime(samples_, begin)))) {
             break;
         } else {
             feed();
@@ -229,13 +229,23 @@ void PlaySession::serveOn() {
         return;
     }
     live_->endInput();
-    std::fprintf(stderr, "the input has ended; the display stays until Ctrl-C\n");
+    std::fprintf(stderr, "%s; the display stays until Ctrl-C\n",
+                 fault_.empty() ? "the input has ended" : fault_.c_str());
     constexpr auto lookAgain = std::chrono::milliseconds(50);
     while (StopRequest::sleepUntil(std::chrono::steady_clock::now() + lookAgain)) {
         for (auto* deck : live_->takeTuned()) {
             deck->replay();
             send(*deck);
         }
+    }
+}
+
+bool PlaySession::readFrameIfGood() {
+    try {
+        return readFrame();
+    } catch (const UsageError& error) {
+        fault_ = error.what();
+        return false;
     }
 }
 
@@ -341,7 +351,7 @@ Report PlaySession::report() {
         report.inputs.push_back(summaries_[i].report(inputs_[i]->facts()));
         const auto& notes = inputs_[i]->notes();
         report.warnings.insert(report.warnings.end(), notes.begin(), notes.end());
-        if (summaries_[i].samples() == 0) {
+        if (summaries_[i].samples() == 0 && notes.empty() && fault_.empty()) {
             report.warnings.push_back(inputs_[i]->facts().name + ": holds no samples");
         }
     }
@@ -352,7 +362,8 @@ Report PlaySession::report() {
     for (const auto& deck : decks_) {
         report.decks.push_back(deck->report());
     }
-    report.ended = readerGone_                ? "nobody reads the messages any more"
+    report.ended = !fault_.empty()            ? fault_
+                   : readerGone_              ? "nobody reads the messages any more"
                    : StopRequest::requested() ? "interrupted"
                                               : "end of input";
     return report;

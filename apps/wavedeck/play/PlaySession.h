@@ -34,6 +34,9 @@ public:
     /// Whether a spectrum has failed its masks.
     bool limitFailed();
 
+    /// What ended the play when an input turned out to be unusable in its midst; empty: nothing.
+    const std::string& fault() const { return fault_; }
+
 private:
     using Clock = std::chrono::steady_clock;
 
@@ -46,6 +49,8 @@ private:
     void warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
+    /// The same; where an input is at fault, what was measured so far stays.
+    bool readFrameIfGood();
     /// Moves the decks to the centre frequencies of the frame in hand.
     void followCenterFrequencies();
     /// Hands the frame in hand to every deck and sends what is due.
@@ -75,6 +80,7 @@ private:
     std::optional<Exports> exports_;
     std::optional<LiveDecks> live_;  ///< behind the decks: its threads tune them
     bool readerGone_ = false;
+    std::string fault_;
     std::uint64_t frames_ = 0;
     std::uint64_t samples_ = 0;              ///< of the first input
     std::vector<double> centerFrequencies_;  ///< Hz, of the frame in hand, one a signal

@@ -18,6 +18,7 @@ constexpr Definition definitions[] = {
     {"input", "samples", "sample times played, of each channel"},
     {"input", "duration", "samples / rate"},
     {"input", "centerFrequency", "frequency at which the middle of the band lay, added to all frequencies shown"},
+    {"input", "recorded", "when the first sample that was played was taken, UTC"},
     {"input", "minimum", "smallest finite value of all channels, real and imaginary parts alike"},
     {"input", "maximum", "largest finite value of all channels, real and imaginary parts alike"},
     {"input", "rms", "sqrt(mean |x|^2) over the finite values of all channels, the mean not removed"},
