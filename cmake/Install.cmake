@@ -33,6 +33,13 @@ endif()" COMPONENT Runtime)
 
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
+install(FILES cmake/package/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
+install(FILES cmake/package/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}-dev COMPONENT Development)
+# Terms of the header libraries that are compiled in, as the packages tell them from which they came.
+foreach(header_library nlohmann-json3-dev libcli11-dev)
+  install(FILES /usr/share/doc/${header_library}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}/licenses
+    COMPONENT Runtime RENAME ${header_library} OPTIONAL)
+endforeach()
 install(FILES ${WAVEDECK_COMMAND_PAGES}/wavedeck.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Runtime)
 install(FILES ${WAVEDECK_COMMAND_PAGES}/wavedeck.bash COMPONENT Runtime
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME wavedeck)

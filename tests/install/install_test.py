@@ -54,8 +54,17 @@ class InstalledTree(unittest.TestCase):
         # Sample and value, the strongest first; an end of the frame is no peak.
         self.assertEqual(run(path).splitlines(), ["3 3", "1 1"])
 
+    def check_simulation(self, path):
+        message = json.loads(run(path))
+        [channel] = message["signals"][0]["channel"]
+        # Two frames of four samples; the simulation begins at 2 s.
+        self.assertEqual((channel["time"], channel["data"]), ([2 + 0.25 * i for i in range(8)], [1, 2, 3, 4, 5, 6, 7, 20]))
+        self.assertEqual((message["simulation"]["framesProcessed"], message["simulation"]["simTime"]), (2, 3))
+
     def test_nothing_refers_to_the_build(self):
         libraries = [self.find(name) for name in ("libwavedeck.so", "libdspwavedecksimpl.so", "libfftbridge.so")]
+        for package in ("wavedeck", "wavedeck-dev"):
+            self.assertTrue(os.path.exists(os.path.join(self.tree, "share", "doc", package, "copyright")), package)
         texts = [self.find(name) for name in ("wavedeckTargets.cmake", "wavedeckConfig.cmake", "wavedeck.pc")]
         for path in [self.program, *libraries]:
             self.assertNotIn(BUILD, run("readelf", "-d", path), path)
@@ -87,6 +96,7 @@ class InstalledTree(unittest.TestCase):
         run(CMAKE, "--build", work)
         self.check_host(os.path.join(work, "host"))
         self.check_peaks(os.path.join(work, "peaks"))
+        self.check_simulation(os.path.join(work, "simulation"))
 
     def test_hosts_by_pkg_config(self):
         found = {"env": {"PKG_CONFIG_PATH": os.path.dirname(self.find("wavedeck.pc"))}}
@@ -110,7 +120,7 @@ class InstalledTree(unittest.TestCase):
 
         class Signal(ctypes.Structure):
             _fields_ = [("channels", ctypes.c_int), ("is_complex", ctypes.c_int), ("sample_time", ctypes.c_double),
-                        ("frame_size", ctypes.c_int)]
+                        ("frame_size", ctypes.c_int), ("is_input_port", ctypes.c_int)]
 
         library = pointer(host.wavedeck_open_library(b"libdspwavedecksimpl.so"))
         self.assertTrue(library, host.wavedeck_error())

@@ -4,64 +4,12 @@
 #include <utility>
 #include <vector>
 
-#include "CallFailure.h"
+#include "CallObjects.h"
 #include "ChainKind.h"
-#include "DeckClient.h"
-#include "DriverError.h"
-#include "MessageText.h"
-#include "StageLibrary.h"
-#include "wavedeck.h"
 
 using foundation::numbenchdata::ArrayFactory;
-using wavedeck::driver::DriverError;
-
-struct wavedeck_library {
-    explicit wavedeck_library(const std::string& name) : stages(name), version(stages.version()) {}
-
-    wavedeck::driver::StageLibrary stages;
-    std::string version;
-};
-
-struct wavedeck_options {
-    streamplug::interfaces::device::PropertyList list;
-};
-
-struct wavedeck_client {
-    wavedeck_client(const wavedeck_library& library, wavedeck::driver::ClientFacts facts)
-        : stages(library.stages), client(std::move(facts)) {}
-
-    const wavedeck::driver::StageLibrary& stages;
-    wavedeck::driver::DeckClient client;
-    wavedeck::driver::MessageText message;
-};
 
 namespace {
-
-/// Refuses a null pointer: what a call that failed gave back, or a name that is missing.
-template <typename Object>
-Object* given(Object* object, const char* what) {
-    if (object == nullptr) {
-        throw DriverError(std::string("no ") + what + " was given");
-    }
-    return object;
-}
-
-wavedeck_client* given(wavedeck_client* client) {
-    return given(client, "client");
-}
-
-std::string nameFrom(const char* name) {
-    return given(name, "name");
-}
-
-/// Runs a call without a result; 1 tells that it was done.
-template <typename Call>
-int done(const Call& call) {
-    return guarded(0, [&] {
-        call();
-        return 1;
-    });
-}
 
 /// Appends an option; `make` makes its array of a vector of elements.
 template <typename Element, typename Value, typename Make>
@@ -82,10 +30,21 @@ wavedeck::driver::SignalFacts factsOf(const wavedeck_signal& signal, size_t inde
     facts.isComplex = signal.is_complex != 0;
     facts.sampleTime = signal.sample_time;
     facts.frameSize = signal.frame_size;
+    facts.isInputPort = signal.is_input_port != 0;
     return facts;
 }
 
 }  // namespace
+
+wavedeck_client* makeClient(const wavedeck_library* library, wavedeck::driver::ClientFacts facts,
+                            const wavedeck_signal* signals, size_t numSignals, const std::string& strategy) {
+    for (size_t i = 0; i < numSignals; ++i) {
+        facts.signals.push_back(factsOf(given(signals, "signal")[i], i));
+    }
+    auto client = std::make_unique<wavedeck_client>(*given(library, "library"), std::move(facts));
+    client->client.setStrategy(strategy, client->stages.makeStrategy(strategy));
+    return client.release();
+}
 
 wavedeck_library* wavedeck_open_library(const char* name) {
     return guarded<wavedeck_library*>(nullptr, [&] { return new wavedeck_library(nameFrom(name)); });
@@ -130,12 +89,7 @@ wavedeck_client* wavedeck_new_client(const wavedeck_library* library, const char
         wavedeck::driver::ClientFacts facts;
         facts.name = nameFrom(name);
         facts.kind = wavedeck::driver::chainKindOf(nameFrom(strategy), false);
-        for (size_t i = 0; i < num_signals; ++i) {
-            facts.signals.push_back(factsOf(given(signals, "signal")[i], i));
-        }
-        auto client = std::make_unique<wavedeck_client>(*given(library, "library"), std::move(facts));
-        client->client.setStrategy(strategy, client->stages.makeStrategy(strategy));
-        return client.release();
+        return makeClient(library, std::move(facts), signals, num_signals, strategy);
     });
 }
 

@@ -40,6 +40,7 @@ typedef struct wavedeck_signal {
     int is_complex;
     double sample_time; /* seconds */
     int frame_size;     /* samples a channel */
+    int is_input_port;  /* of a simulation: a parameter of its spectrum, not data; such signals stand last */
 } wavedeck_signal;
 
 typedef enum wavedeck_kind {
@@ -83,6 +84,21 @@ WAVEDECK_C_API int wavedeck_frame(wavedeck_client* client, const double* samples
 /* The same for several signals: of each its samples and its points. */
 WAVEDECK_C_API int wavedeck_frames(wavedeck_client* client, const double* const* samples, const size_t* points,
                                    size_t num_signals);
+
+/* A client of a block-diagram simulation, whose frames come with their times. The frame period is that of signal 0:
+ * frame_size times sample_time. stop_time may be INFINITY. */
+WAVEDECK_C_API wavedeck_client* wavedeck_new_simulation_client(const wavedeck_library* library, const char* name,
+                                                               const char* strategy, const wavedeck_signal* signals,
+                                                               size_t num_signals, double start_time, double stop_time);
+/* Hands over simulation frames of all signals: of each frame the time of its first sample, and of each signal
+ * [num_channels][num_frames * frame_size] samples, channel after channel; NULL of an input port that delivers nothing.
+ * is_last tells that the simulation ends with them. */
+WAVEDECK_C_API int wavedeck_simulation_frames(wavedeck_client* client, const double* times,
+                                              const double* const* samples, size_t num_signals, size_t num_frames,
+                                              int is_last);
+/* 0 while the pacer wants the simulation to wait until the display has shown what there is. */
+WAVEDECK_C_API int wavedeck_simulation_may_go_on(wavedeck_client* client);
+
 /* The message of an update as JSON text, valid until the client's next; empty if nothing new came. */
 WAVEDECK_C_API const char* wavedeck_update(wavedeck_client* client);
 /* Calls a query function of the library for this client, such as "getPeakFinderDataImpl". The result is the caller's,
