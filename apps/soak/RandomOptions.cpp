@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "BareProperty.h"
+
 namespace soak {
 
 namespace {
@@ -24,16 +26,6 @@ using foundation::numbenchdata::OptionalString;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-/// A property that carries no array.
-class BareProperty final : public streamplug::interfaces::IPropertyInfo {
-public:
-    explicit BareProperty(std::string name) : name_(std::move(name)) {}
-    const char* getName() const override { return name_.c_str(); }
-
-private:
-    std::string name_;
-};
 
 double defaultOf(const Option& option) {
     double value = 1.0;
@@ -160,7 +152,8 @@ PropertyList RandomOptions::forTuning(const Stage& stage) {
             continue;
         }
         if (random_.oneIn(12)) {
-            random_.oneIn(8) ? list.add(std::make_shared<BareProperty>(name)) : void(list.add(name, wrongValue()));
+            random_.oneIn(8) ? list.add(std::make_shared<wavedeck::driver::BareProperty>(name))
+                             : void(list.add(name, wrongValue()));
         } else {
             list.add(name, valueOf(option, !random_.oneIn(4)));
         }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "LimitedAllocation.h"
 #include "SoakRound.h"
 
 namespace {
@@ -99,6 +100,9 @@ int main(int argc, char** argv) {
         app.add_flag("--verbose", isVerbose, "list every seed, and what stages refused");
         CLI11_PARSE(app, argc, argv);
         std::printf("seed %llu\n", static_cast<unsigned long long>(seed));
+        // Options that ask for absurd resolutions meet the exception that they would meet on a full machine, and the
+        // soak neither fills the machine nor computes for minutes.
+        const testsupport::AllocationLimit limit(std::size_t{1} << 26U);
         return soakFor(seconds, seed, steps, isVerbose);
     } catch (const std::exception& thrown) {
         std::printf("\n%s\n", thrown.what());

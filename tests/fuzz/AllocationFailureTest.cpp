@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "DeckClient.h"
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "MessageText.h"
 #include "StageLibrary.h"
 
@@ -133,14 +133,14 @@ TEST_P(AllocationFailure, LeavesAClientThatCanBeSetUpAnew) {
     bool failed = true;
     for (long count = 1; failed; count += 1 + count / 16) {
         const auto countFailure = [&](const auto& action) {
-            fuzz::failAllocationAfter(count);
+            testsupport::failAllocationAfter(count);
             try {
                 action();
             } catch (const std::bad_alloc&) {
                 ++failures;
             }
-            failed = fuzz::hasAllocationFailed();
-            fuzz::failAllocationAfter(0);
+            failed = testsupport::hasAllocationFailed();
+            testsupport::failAllocationAfter(0);
         };
         countFailure([] { const DeckClient made(facts()); });  // leaves no name behind that would then be taken
         DeckClient client(facts());

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "BareProperty.h"
 #include "foundation/numbenchdata/Array.h"
 
 namespace fuzz {
@@ -13,16 +14,6 @@ using foundation::numbenchdata::Array;
 using foundation::numbenchdata::ArrayFactory;
 using foundation::numbenchdata::OptionalString;
 using streamplug::interfaces::device::PropertyList;
-
-/// A property that carries no array.
-class BareProperty : public streamplug::interfaces::IPropertyInfo {
-public:
-    explicit BareProperty(std::string name) : name_(std::move(name)) {}
-    const char* getName() const override { return name_.c_str(); }
-
-private:
-    std::string name_;
-};
 
 int whole(InputBytes& input) {
     const double value = input.number();
@@ -94,7 +85,7 @@ void addOption(InputBytes& input, const Option& option, PropertyList& list) {
     } else if (kind < 250) {
         list.add(name, ArrayFactory::createCell(cells(input, option)));
     } else {
-        list.add(std::make_shared<BareProperty>(name));
+        list.add(std::make_shared<wavedeck::driver::BareProperty>(name));
     }
 }
 

@@ -8,7 +8,7 @@
 #include "CommandLine.h"
 #include "Deck.h"
 #include "DeckSettings.h"
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "LiveAddress.h"
 #include "Measures.h"
 #include "TextLists.h"
@@ -42,7 +42,7 @@ void settle(const program::PlayCommand& play) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     const auto arguments = program::split(std::string(reinterpret_cast<const char*>(data), size), '\n');
     std::vector<const char*> argv{"wavedeck"};
     for (const auto& argument : arguments) {

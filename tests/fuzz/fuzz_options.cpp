@@ -1,10 +1,10 @@
 // Option lists of any names, kinds and values, at all stages, while data flows.
 
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "RandomClient.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     using Call = fuzz::RandomClient::Call;
     fuzz::RandomClient::play(
         data, size,

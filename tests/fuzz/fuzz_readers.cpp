@@ -10,8 +10,8 @@
 #include <string>
 
 #include "CoefficientReader.h"
-#include "FailingAllocation.h"
 #include "InputBytes.h"
+#include "LimitedAllocation.h"
 #include "UsageError.h"
 #include "openInput.h"
 
@@ -61,7 +61,7 @@ void readAll(program::SignalReader& reader) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     fuzz::InputBytes input(data, size);
     const std::size_t which = input.below(kinds.size() + 2);
     try {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "ScriptRunner.h"
 #include "UsageError.h"
 #include "wavedeck/WaveDeckStatics.h"
@@ -48,7 +48,7 @@ bool asksForMuch(const ScriptValue& value) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     const std::string text(reinterpret_cast<const char*>(data), size);
     try {
         const auto script = program::parseScript(text);

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "DeckSession.h"
-#include "FailingAllocation.h"
 #include "InputBytes.h"
+#include "LimitedAllocation.h"
 #include "MessageText.h"
 #include "TextLists.h"
 
@@ -67,7 +67,7 @@ void tuneAndFeed(program::DeckSession& session, const std::string& line, int ind
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     static const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
     fuzz::InputBytes input(data, size);
     const Choice& choice = input.oneOf(choices);

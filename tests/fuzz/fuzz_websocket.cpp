@@ -14,7 +14,7 @@
 #include <memory>
 #include <string>
 
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "LiveServer.h"
 
 namespace {
@@ -73,7 +73,7 @@ private:
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const fuzz::AllocationLimit limit;
+    const testsupport::AllocationLimit limit;
     static Server server;
     constexpr std::size_t most = 100000;
     try {

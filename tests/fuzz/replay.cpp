@@ -10,7 +10,7 @@
 #include <new>
 #include <vector>
 
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -24,13 +24,13 @@ int main(int argc, char** argv) {
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
         bool failed = true;
         for (long i = 0, count = 1; i < failures && failed; ++i, count += 1 + count / 4) {
-            fuzz::failAllocationAfter(count);
+            testsupport::failAllocationAfter(count);
             try {
                 LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
             } catch (const std::bad_alloc&) {  // one of the fuzzer's own
             }
-            failed = fuzz::hasAllocationFailed();
-            fuzz::failAllocationAfter(0);
+            failed = testsupport::hasAllocationFailed();
+            testsupport::failAllocationAfter(0);
         }
         ++files;
     }

@@ -13,7 +13,7 @@
 #include "BFTimeSignalStatisticsFilter.h"
 #include "BFTriggerFilter.h"
 #include "Board.h"
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 #include "MagPhaseFilter.h"
 #include "TestClient.h"
 

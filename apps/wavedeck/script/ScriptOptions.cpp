@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "BareProperty.h"
+
 namespace program {
 namespace {
 
@@ -12,16 +14,6 @@ using foundation::numbenchdata::Array;
 using foundation::numbenchdata::ArrayFactory;
 using foundation::numbenchdata::OptionalString;
 using streamplug::interfaces::device::PropertyList;
-
-/// A property of another kind than those that carry an array.
-class BareProperty final : public streamplug::interfaces::IPropertyInfo {
-public:
-    explicit BareProperty(std::string name) : name_(std::move(name)) {}
-    const char* getName() const override { return name_.c_str(); }
-
-private:
-    std::string name_;
-};
 
 /// UTF-8 as UTF-16. The script's text was checked when it was parsed, so that every sequence is whole.
 std::u16string toUtf16(const std::string& text) {
@@ -111,7 +103,7 @@ void appendScriptOptions(const ScriptValue& options, PropertyList& list) {
         }
         const auto& [kind, value] = members.front();
         if (kind == "property") {
-            list.add(std::make_shared<BareProperty>(name));
+            list.add(std::make_shared<wavedeck::driver::BareProperty>(name));
         } else {
             list.add(name, readArray(kind, value));
         }

@@ -1,11 +1,14 @@
 #pragma once
 
-namespace fuzz {
+#include <cstddef>
 
-/// While it lives, requests of memory fail that ask for more than an input of a fuzzer has any reason to.
+namespace testsupport {
+
+/// While it lives, requests of memory fail that ask for more bytes than so many: by default more than an input of a
+/// fuzzer has any reason to.
 class AllocationLimit {
 public:
-    AllocationLimit();
+    explicit AllocationLimit(std::size_t most = std::size_t{8} << 20U);
     AllocationLimit(const AllocationLimit&) = delete;
     AllocationLimit& operator=(const AllocationLimit&) = delete;
     ~AllocationLimit();
@@ -17,4 +20,4 @@ void failAllocationAfter(long count);
 /// Whether that allocation was asked for.
 bool hasAllocationFailed();
 
-}  // namespace fuzz
+}  // namespace testsupport

@@ -1,5 +1,6 @@
-// Requests of memory above a limit fail as they do on a small machine, so that an option or a header that asks for more
-// leads to an exception and not to a machine without memory. One chosen request may fail too.
+// The program's own operators new: requests of memory above a limit fail as they do on a small machine, so that an
+// option or a header that asks for more leads to an exception and not to a machine without memory. One chosen request
+// may fail too.
 
 #include <atomic>
 #include <cstddef>
@@ -7,7 +8,7 @@
 #include <limits>
 #include <new>
 
-#include "FailingAllocation.h"
+#include "LimitedAllocation.h"
 
 namespace {
 
@@ -28,10 +29,10 @@ void* allocate(std::size_t size, std::size_t alignment) {
 
 }  // namespace
 
-namespace fuzz {
+namespace testsupport {
 
-AllocationLimit::AllocationLimit() {
-    largestAllocation = std::size_t{8} << 20U;
+AllocationLimit::AllocationLimit(std::size_t most) {
+    largestAllocation = most;
 }
 
 AllocationLimit::~AllocationLimit() {
@@ -47,7 +48,7 @@ bool hasAllocationFailed() {
     return failed;
 }
 
-}  // namespace fuzz
+}  // namespace testsupport
 
 void* operator new(std::size_t size) {
     return allocate(size, alignof(std::max_align_t));
