@@ -92,6 +92,8 @@ class BadInput(Folder):
             ([tone, "--messages", self.folder + "/no/file"], "No such file"),
             ([tone, "--rate", "8k"], "--rate: goes with raw samples"),
             ([tone, "--scale", "2"], "--scale: goes with files"),
+            ([tone, "--sweep", "-", "--messages", "-"], "--sweep: --messages goes to standard output too"),
+            ([raw, "--format", "f32", "--rate", "5", "--messages", raw], "raw is an input"),
             ([tone, "--verify"], "--verify: goes with SigMF"),
             ([tone, "--iq"], "--iq: goes with sound files and tables"),
             ([tone, "--speed", "0"], "--speed: 0 is not above 0"),

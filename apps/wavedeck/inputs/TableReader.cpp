@@ -20,6 +20,13 @@ std::string beginOf(std::string_view text) {
     return '`' + std::string(text.substr(0, longest)) + '`';
 }
 
+/// The cells of a line of titles, by what separates the numbers below it; nothing of an empty line.
+std::vector<std::string> splitTitles(const std::string& line, TableSeparator separator) {
+    std::vector<std::string_view> cells;
+    splitCells(line, separator, cells);
+    return line.empty() ? std::vector<std::string>() : std::vector<std::string>(cells.begin(), cells.end());
+}
+
 }  // namespace
 
 TableReader::TableReader(const std::string& path, const Options& options) : options_(options), lines_(path) {
@@ -58,8 +65,8 @@ TableReader::TableReader(const std::string& path, const Options& options) : opti
 
 std::vector<std::string> TableReader::findFirstRow() {
     constexpr int mostLinesAbove = 100;
-    std::vector<std::string> above;
-    std::vector<std::string> twoAbove;
+    std::string above;
+    std::string twoAbove;
     for (int i = 0; i < mostLinesAbove; ++i) {
         const auto line = nextLineAbove();
         if (!line) {
@@ -68,16 +75,17 @@ std::vector<std::string> TableReader::findFirstRow() {
         separator_ = findSeparator(*line);
         splitCells(*line, separator_, cells_);
         if (readCells()) {
-            hasEndSeparator_ =
-                cells_.back().empty() && !above.empty() && (above.size() + 1 == cells_.size() || above.back().empty());
+            auto titles = splitTitles(above, separator_);
+            hasEndSeparator_ = cells_.back().empty() && !titles.empty() &&
+                               (titles.size() + 1 == cells_.size() || titles.back().empty());
             dropEndCell();
-            return tableTitles(std::move(twoAbove), std::move(above), cells_.size());
+            return tableTitles(splitTitles(twoAbove, separator_), std::move(titles), cells_.size());
         }
         twoAbove.swap(above);
-        above.assign(cells_.begin(), cells_.end());
+        above = *line;
     }
     throw UsageError(lines_.name() + ": no row of numbers in the first " + std::to_string(mostLinesAbove) +
-                     " lines; line " + std::to_string(lines_.number()) + " begins " + beginOf(join(above, " ")));
+                     " lines; line " + std::to_string(lines_.number()) + " begins " + beginOf(above));
 }
 
 std::optional<std::string_view> TableReader::nextLineAbove() {

@@ -131,7 +131,7 @@ ReportSection DeckSession::report() {
     if (deck_.kind == ChainKind::Time || deck_.kind == ChainKind::BlockflowTime) {
         section.add({"span", "display span", client_.displaySpan(), "s"});
     }
-    auto measures = framesSeen > 0 ? reportMeasures() : ReportSection();
+    auto measures = framesSeen > 0 || updates_ > 0 ? reportMeasures() : ReportSection();
     if (deck_.kind == ChainKind::Response) {
         addResponse(section, measures);
     }

@@ -13,6 +13,7 @@
 #include "StageLibraryPath.h"
 #include "StopRequest.h"
 #include "UsageError.h"
+#include "checkOutputs.h"
 
 namespace program {
 namespace {
@@ -46,6 +47,7 @@ PlaySession::PlaySession(const PlayCommand& command) : speed_(readSpeed(command)
     if (command.report != "text" && command.report != "json") {
         throw UsageError("--report: `" + command.report + "` is neither text nor json");
     }
+    checkOutputs(command);
     openInputs(command);
     makeDecks(command);
     if (!command.messages.empty()) {
@@ -173,6 +175,21 @@ std::vector<DeckSettings> PlaySession::settingsOf(const std::vector<const Deck*>
 }
 
 void PlaySession::play() {
+    keepFault([&] { playInputs(); });
+    if (exports_) {
+        keepFault([&] { exports_->finish(); });
+    }
+}
+
+void PlaySession::keepFault(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const UsageError& error) {
+        fault_ = fault_.empty() ? error.what() : fault_;
+    }
+}
+
+void PlaySession::playInputs() {
     ProgressLine progress;
     const auto begin = Clock::now();
     const auto whole = duration();
@@ -200,9 +217,6 @@ void PlaySession::play() {
     }
     if (live_) {
         serveOn();
-    }
-    if (exports_) {
-        exports_->finish();
     }
 }
 
@@ -241,12 +255,9 @@ void PlaySession::serveOn() {
 }
 
 bool PlaySession::readFrameIfGood() {
-    try {
-        return readFrame();
-    } catch (const UsageError& error) {
-        fault_ = error.what();
-        return false;
-    }
+    bool any = false;
+    keepFault([&] { any = readFrame(); });
+    return any;
 }
 
 bool PlaySession::readFrame() {

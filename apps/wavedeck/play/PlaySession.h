@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,12 +35,17 @@ public:
     /// Whether a spectrum has failed its masks.
     bool limitFailed();
 
-    /// What ended the play when an input turned out to be unusable in its midst; empty: nothing.
+    /// What ended the play when an input turned out to be unusable in its midst, or an output could not be written;
+    /// empty: nothing.
     const std::string& fault() const { return fault_; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    /// Reads to the end and sends what comes of it.
+    void playInputs();
+    /// Runs a call; what it finds to be at fault ends the play, and what was measured so far stays.
+    void keepFault(const std::function<void()>& call);
     void openInputs(const PlayCommand& command);
     void openCoefficients(const PlayCommand& command);
     void makeDecks(const PlayCommand& command);
@@ -49,7 +55,7 @@ private:
     void warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings);
     /// Reads the next frame of every input; false when all have ended.
     bool readFrame();
-    /// The same; where an input is at fault, what was measured so far stays.
+    /// The same, and false where an input is at fault.
     bool readFrameIfGood();
     /// Moves the decks to the centre frequencies of the frame in hand.
     void followCenterFrequencies();

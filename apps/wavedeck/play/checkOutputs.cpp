@@ -1,0 +1,65 @@
+#include "checkOutputs.h"
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "UsageError.h"
+#include "openSigmf.h"
+
+namespace program {
+namespace {
+
+/// An option and the path behind it.
+using Output = std::pair<std::string, std::string>;
+
+std::vector<Output> outputsOf(const PlayCommand& command) {
+    std::vector<Output> outputs{
+        {"--messages", command.messages}, {"--sweep", command.sweep}, {"--annotations", command.annotations}};
+    for (const auto& text : command.traces) {
+        outputs.emplace_back("--traces", text.substr(text.find('=') + 1));
+    }
+    std::erase_if(outputs, [](const Output& output) { return output.second.empty(); });
+    return outputs;
+}
+
+bool areSame(const std::string& one, const std::string& other) {
+    std::error_code error;
+    return one == other ||
+           (std::filesystem::is_regular_file(one, error) && std::filesystem::equivalent(one, other, error) && !error);
+}
+
+/// The files that an input is read from, as far as its name tells.
+std::vector<std::string> filesOf(const std::string& input) {
+    std::vector<std::string> files{input};
+    if (isSigmf(input)) {
+        files.push_back(std::filesystem::path(input).replace_extension(".sigmf-data").string());
+    }
+    return files;
+}
+
+}  // namespace
+
+void checkOutputs(const PlayCommand& command) {
+    const auto outputs = outputsOf(command);
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        const auto& [option, path] = outputs[i];
+        for (std::size_t j = 0; j < i; ++j) {
+            if (areSame(path, outputs[j].second)) {
+                throw UsageError(option + ": " + outputs[j].first + " goes to " +
+                                 (path == "-" ? "standard output" : path) + " too");
+            }
+        }
+        for (const auto& input : command.inputs) {
+            for (const auto& file : filesOf(input)) {
+                if (path != "-" && areSame(path, file) && (option != "--annotations" || !path.ends_with("-meta"))) {
+                    throw UsageError(option + ": " + path + " is an input");
+                }
+            }
+        }
+    }
+}
+
+}  // namespace program
