@@ -1,7 +1,7 @@
 /* Clients, their chains and the results of query functions, for callers in C and in every language that can call C.
  *
  *     wavedeck_library* library = wavedeck_open_library("libdspwavedecksimpl.so");
- *     wavedeck_signal signal = {1, 0, 1e-3, 1024};
+ *     wavedeck_signal signal = {1, 0, 1e-3, 1024, 0};
  *     wavedeck_client* client =
  *         wavedeck_new_client(library, "c1", "dsp_wavedeck_frequency_data_strategy", &signal, 1);
  *     wavedeck_add_stage(client, "spectrum_estimator_filter", NULL);

@@ -12,7 +12,7 @@ static int refuse(const char* what) {
 int main(void) {
     const double frame[] = {0.0, 1.0, 0.0, 3.0, 0.0, 0.5};
     const int on = 1;
-    const wavedeck_signal signal = {1, 0, 0.25, 6};
+    const wavedeck_signal signal = {1, 0, 0.25, 6, 0};
     wavedeck_library* library = wavedeck_open_library("libdspwavedecksimpl.so");
     wavedeck_client* client = wavedeck_new_client(library, "c", "dsp_wavedeck_frame_data_strategy", &signal, 1);
     wavedeck_options* options = wavedeck_new_options();
