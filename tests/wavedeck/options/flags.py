@@ -1,9 +1,12 @@
 """What each flag of the command line changes: (command line, flag with its value, field, effect), as in effects.py."""
+import hashlib
 import json
 import struct
 
 SAMPLES = [((7 * n) % 100 - 50) / 100 for n in range(4000)]
 FILES = {"samples.f32": struct.pack("<4000f", *SAMPLES), "samples.bin": struct.pack("<4000f", *SAMPLES),
+         "sum.sigmf-data": b"abc", "sum.sigmf-meta": json.dumps({"global": {
+             "core:datatype": "ri8", "core:sample_rate": 5, "core:sha512": hashlib.sha512(b"abc").hexdigest()}}).encode(),
          "two.csv": "a,b\n".encode() + b"".join(b"%g,%g\n" % (x, -x) for x in SAMPLES), "there.csv": b"",
          "script.json": json.dumps({"client": {"name": "c", "signals": [{}]}, "chain": [], "steps": [],
                                     "strategy": "dsp_wavedeck_frame_data_strategy"}).encode()}
@@ -33,6 +36,7 @@ FLAGS = [
     (TONE + "--deck time --traces there.csv", "--overwrite", "status", "was == 2 and now == 0"),
     (TONE, "--report text", "report", "was is not None and now is None"),
     (TONE, "--loop", "report.inputs.0.samples", "was == 4000 and now > 4000"),  # until an interrupt comes
+    ("play sum.sigmf-meta", "--verify", "report.inputs.0.checksum", "'not' in was and now.endswith('agrees')"),
     (TONE, "--serve", "tests/wavedeck/messages_test.py", "Server"),
     ("play", "--help", "status", "was == 2 and now == 0"),
     ("run script.json", "--help", "output", "was == '' and 'SCRIPT' in now"),
