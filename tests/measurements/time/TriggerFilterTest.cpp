@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <stdexcept>
+#include <vector>
 
 #include "Board.h"
 #include "TimeChainRig.h"
@@ -19,7 +21,7 @@ using testsupport::timesFrom;
 
 /// A trigger on a client with 0.5 s of span, fed with a square wave of 1 Hz, 100 samples a second.
 struct Trigger {
-    Trigger() {
+    explicit Trigger(int channels = 1) : client({channels}) {
         client.board().axesTimeTable.set(0, {0.0, 0.5});
         testsupport::markNothing(client, 0.5);
         filter.tuneImpl(client.setup()
@@ -82,13 +84,14 @@ TEST(TriggerFilter, queuesTheWindowsOfItsEvents) {
 TEST(TriggerFilter, takesNoFrameWhileTheQueueIsFull) {
     Trigger trigger;
     trigger.queue().resize(999);
-    trigger.feedSeconds(0, 2);
+    trigger.feedSeconds(0, 2, 100);
     EXPECT_EQ(trigger.queue().size(), 1000u);
-    trigger.feedSeconds(2, 4);
+    trigger.feedSeconds(2, 4, 100);
     trigger.queue().clear();
-    trigger.feedSeconds(4, 6);  // the edges at 1.995 to 3.995 were not shown to the engine
-    ASSERT_GE(trigger.queue().size(), 1u);
-    EXPECT_GT(trigger.queue()[0].position, 3.9);
+    // The edges at 1.995 to 3.995 were not shown to the engine, and none is made up between the samples around them.
+    trigger.feedSeconds(4, 6, 100);
+    ASSERT_EQ(trigger.queue().size(), 1u);
+    EXPECT_NEAR(trigger.queue()[0].position, 4.995, 1e-12);
 }
 
 TEST(TriggerFilter, readsModesAndRearm) {
@@ -170,6 +173,16 @@ TEST(TriggerFilter, hasASignalAndChannelOfItsOwn) {
     EXPECT_EQ(lastTime, 2.0);
     trigger.filter.setInputLength(0);
     EXPECT_FALSE(trigger.filter.addDataPointsToTrigger(frame.data(), 0, 0, engine, false, 1.0, lastTime));
+}
+
+TEST(TriggerFilter, crossesNothingFromOneChannelToAnother) {
+    Trigger trigger(2);
+    const std::vector<std::function<double(double)>> lowAndHigh{[](double) { return -1.0; },
+                                                                [](double) { return 1.0; }};
+    feed(trigger.filter, frameOf(timesFrom(0, 100, 0.01), lowAndHigh));
+    trigger.filter.tuneImpl(TestClient::tune().addInt("triggerChannel", 1));
+    feed(trigger.filter, frameOf(timesFrom(100, 100, 0.01), lowAndHigh));
+    EXPECT_TRUE(trigger.queue().empty());
 }
 
 }  // namespace

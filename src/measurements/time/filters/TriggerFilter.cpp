@@ -1,6 +1,8 @@
 #include "TriggerFilter.h"
 
 #include <cmath>
+#include <limits>
+#include <utility>
 
 #include "Board.h"
 #include "DisplayedSpan.h"
@@ -54,6 +56,7 @@ void TriggerFilter::filterImpl(const double* data, std::vector<double>&, int sig
     auto& settings = getBoard();
     Queue* const queue = board::find<Queue>(settings, trigger);
     if (queue == nullptr || queue->size() >= maxQueueSize || !isRangeInFrame(BaseFilter::getDataRange(signal))) {
+        beginGap();
         return;
     }
     const double timeRange = getTimeRange(signal, settings);
@@ -73,6 +76,12 @@ void TriggerFilter::filterImpl(const double* data, std::vector<double>&, int sig
     if (std::isfinite(start) && std::isfinite(end)) {
         takeEvent(*queue, start, end);
     }
+}
+
+/// Nothing is interpolated between samples with others between them that the engine did not see, or of two sources.
+void TriggerFilter::beginGap() {
+    constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+    controller->processSample(unknown, unknown, unknown, unknown);
 }
 
 void TriggerFilter::feed(const double* data, unsigned long points, unsigned long channel, double timeRange,
@@ -159,12 +168,16 @@ void TriggerFilter::setPropertiesImpl(const PropertyList& list) {
     const auto client = findClient(clientID);
     client->setNeedsWindowing(!active);
     repositorySource = client->isDataSourceRepository();
+    const auto source = std::pair(measurementSignal_, measurementChannel_);
     readOptions(list,                                                     //
                 ifPresent<catalogue::base::magPhaseData>(magPhaseData_),  //
                 ifPresent<catalogue::base::autoSpan>(autoSpan_),          //
                 ifPresent<catalogue::base::customSpan>(customSpan_),      //
                 ifPresent<options::triggerChannel>(measurementChannel_),  //
                 ifPresent<options::triggerSignal>(measurementSignal_));
+    if (source != std::pair(measurementSignal_, measurementChannel_)) {
+        beginGap();
+    }
 }
 
 TriggerFilter::Queue* TriggerFilter::getTriggerEventDataQueue(const std::string& clientID) {

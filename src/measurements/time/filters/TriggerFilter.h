@@ -65,6 +65,7 @@ public:
     inline static std::mutex mMutex;
 
 private:
+    void beginGap();
     void feed(const double* data, unsigned long points, unsigned long channel, double timeRange,
               deckutil::TimeDomainTriggerController& engine, double& lastTime) const;
     void takeEvent(Queue& queue, double start, double end) const;
