@@ -16,7 +16,7 @@ using namespace deckutil;
 constexpr std::size_t sampleCount = 1 << 18;
 constexpr std::size_t frameSize = 1024;
 constexpr double interval = 1e-6;
-constexpr double timeRange = 5000 * interval;
+constexpr double displaySpan = 5000 * interval;
 
 enum Signal { NoisySine, SquareWave, WhiteNoise };
 
@@ -59,7 +59,7 @@ std::uint64_t comparePass(const std::vector<double>& values, double level) {
     return above;
 }
 
-std::size_t triggerPass(TimeDomainTriggerController& engine, const Samples& samples) {
+std::size_t triggerPass(TimeDomainTriggerController& engine, const Samples& samples, double timeRange) {
     std::size_t windows = 0;
     for (std::size_t begin = 0; begin < sampleCount; begin += frameSize) {
         engine.processSamples(samples.times.data() + begin, samples.values.data() + begin, frameSize, timeRange);
@@ -82,17 +82,52 @@ void trigger(benchmark::State& state) {
     engine.setLowerLevel(-0.5);
     engine.setTimeout(20 * interval);
     const bool mustFire = state.range(0) == TDTC::Edge || state.range(0) == TDTC::Window;
-    if (mustFire && triggerPass(engine, samples) < 20) {
+    if (mustFire && triggerPass(engine, samples, displaySpan) < 20) {
         state.SkipWithError("too few triggers");
         return;
     }
     bench::compare(
-        state, sampleCount, [&] { benchmark::DoNotOptimize(triggerPass(engine, samples)); },
+        state, sampleCount, [&] { benchmark::DoNotOptimize(triggerPass(engine, samples, displaySpan)); },
+        [&] { benchmark::DoNotOptimize(comparePass(samples.values, 0.1)); });
+}
+
+/// White noise under a condition that is armed nearly all the time. Without met its limits are never fulfilled; with it
+/// one in some hundred of the pulses, transitions and runts is short enough and some stays last for the timeout. Edge
+/// and window have no limits: they fire again as soon as their window of 100 samples is full, or have fired once.
+void armedTrigger(benchmark::State& state) {
+    const Samples samples = makeSamples(WhiteNoise);
+    const bool met = state.range(2) != 0;
+    const bool hasLimits = state.range(0) != TDTC::Edge && state.range(0) != TDTC::Window;
+    const double timeRange = met ? 100 * interval : displaySpan;
+    TimeDomainTriggerController engine;
+    engine.setMode(hasLimits || met ? TDTC::Normal : TDTC::Once);
+    engine.setType(static_cast<TDTC::TypeEnum>(state.range(0)));
+    engine.setPolarity(static_cast<TDTC::PolarityEnum>(state.range(1)));
+    engine.setAutoLevel(false);
+    engine.setLevel(0.1);
+    engine.setUpperLevel(0.5);
+    engine.setLowerLevel(-0.5);
+    engine.setMaxTime((met ? 0.3 : 1e-4) * interval);
+    engine.setTimeout((met ? 9 : 1000) * interval);
+    const std::size_t windows = triggerPass(engine, samples, timeRange);
+    if (hasLimits && (met ? windows < 20 : windows > 20)) {
+        state.SkipWithError("triggers too rarely or too often");
+        return;
+    }
+    bench::compare(
+        state, sampleCount, [&] { benchmark::DoNotOptimize(triggerPass(engine, samples, timeRange)); },
         [&] { benchmark::DoNotOptimize(comparePass(samples.values, 0.1)); });
 }
 
 }  // namespace
 
+BENCHMARK(armedTrigger)
+    ->ArgNames({"type", "polarity", "met"})
+    ->ArgsProduct({{TDTC::Edge, TDTC::PulseWidth, TDTC::Transition, TDTC::Runt, TDTC::Window, TDTC::Timeout},
+                   {TDTC::Negative, TDTC::Either, TDTC::Positive},
+                   {0, 1}})
+    ->UseManualTime()
+    ->MinTime(0.1);
 BENCHMARK(trigger)
     ->ArgNames({"type", "signal"})
     ->ArgsProduct({{TDTC::Edge, TDTC::PulseWidth, TDTC::Transition, TDTC::Runt, TDTC::Window, TDTC::Timeout},

@@ -23,8 +23,8 @@ VECTOR_TARGET static std::size_t countQuiet(const double* times, const double* v
             if (any(~((time >= load(times + i - 1)) & (value > low) & (value < high) & (time < until)))) {
                 break;
             }
-            lows = select(value < lows, value, lows);
-            highs = select(value > highs, value, highs);
+            lows = lesser(value, lows);
+            highs = greater(value, highs);
         }
         for (std::size_t lane = 0; lane < lanes; ++lane) {
             least = lows[lane] < least ? lows[lane] : least;

@@ -10,6 +10,9 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
+/// Fewer are quicker taken one by one than passed over.
+constexpr std::size_t fewSamples = 8;
+
 bool isLength(double timeRange) {
     return timeRange > 0.0 && timeRange < infinity;
 }
@@ -178,9 +181,15 @@ double TimeDomainTriggerController::idleUntil() const {
     if (!hasSample || settingsChanged || hasLeftOver || mode == TDTC::Off || !isLength(sampleTimeRange)) {
         return -infinity;
     }
-    const double until =
-        std::min(std::max(rearmTime(), condition.earliestPoint(lastTime)), rangeStart + sampleTimeRange);
-    return mode == TDTC::Auto ? std::min(until, rearmTime() + sampleTimeRange) : until;
+    const double earliest = std::max({rearmTime(), filledFrom(), condition.earliestPoint(lastTime)});
+    return isArmed() ? std::min(earliest, nextDecision) : nextDecision;
+}
+
+/// No trigger point before this time has a window that begins with or behind the first sample.
+double TimeDomainTriggerController::filledFrom() const {
+    const double before = position * sampleTimeRange;
+    constexpr double rounding = 0x1p-49;  // of the sums here and in windowOf()
+    return firstTime - delay + before - rounding * (std::fabs(firstTime) + std::fabs(delay) + std::fabs(before));
 }
 
 /// Passes over the samples at the begin of a block among which no trigger point would count, if the last ones tell all
@@ -189,8 +198,9 @@ std::pair<std::size_t, bool> TimeDomainTriggerController::passOverIdle(const Sam
     ValueRange range{rangeLow, rangeHigh};
     const std::size_t idle =
         quietRun()(block.times, block.values, block.count, lastTime, {-infinity, infinity, idleUntil()}, range);
-    constexpr std::size_t fewSamples = 8;  // quicker taken one by one
-    const std::size_t first = idle > fewSamples ? condition.firstThatCounts(block.values, idle) : idle;
+    const std::size_t first = idle > (condition.hasNoStretches() ? fewSamples : blockSamples)
+                                  ? condition.firstThatCounts(block.values, idle)
+                                  : idle;
     if (first == idle) {
         return {idle, false};
     }
@@ -200,26 +210,53 @@ std::pair<std::size_t, bool> TimeDomainTriggerController::passOverIdle(const Sam
     return {idle, true};
 }
 
+/// Takes samples at the begin of a block, 64 at most, whatever they do to the condition; returns how many. Few where
+/// the first crossing triggers: behind it nothing counts for a while.
+std::size_t TimeDomainTriggerController::takeTogether(const SampleBlock& block) {
+    ValueRange range{rangeLow, rangeHigh};
+    const std::size_t most = std::min(block.count, condition.hasNoStretches() ? fewSamples : blockSamples);
+    const std::size_t taken =
+        quietRun()(block.times, block.values, most, lastTime, {-infinity, infinity, nextDecision}, range);
+    if (taken == 0) {
+        return 0;
+    }
+    TriggerBlockPoints points;
+    condition.advanceBlock(block.times, block.values, taken, points);
+    for (std::size_t i = 0; i < points.count; ++i) {
+        acceptTrigger(points.times[i]);
+    }
+    keepPassed(block, taken, range);
+    updateQuietRange();
+    return taken;
+}
+
 void TimeDomainTriggerController::processSamples(const double* times, const double* values, std::size_t n,
                                                  double timeRange) {
-    constexpr std::size_t fewSamples = 4;  // where much happens a run is not worth its beginning
     std::size_t notIdleUntil = 0;
     const auto rest = [&](std::size_t i) { return SampleBlock{times + i, values + i, n - i}; };
     for (std::size_t i = 0; i < n;) {
-        if (timeRange == sampleTimeRange && i >= notIdleUntil) {
-            const auto [idle, isPassed] = passOverIdle(rest(i));
-            if (isPassed) {
-                i += idle;
+        if (timeRange == sampleTimeRange) {
+            if (i >= notIdleUntil) {
+                const auto [idle, isPassed] = passOverIdle(rest(i));
+                if (isPassed) {
+                    i += idle;
+                    continue;
+                }
+                notIdleUntil = i + idle;
+            }
+            const bool isTracked = lastTime < unarmedUntil;  // then the fences have not followed
+            if (!isTracked) {
+                i += passOver(rest(i), {quietLow, quietHigh, quietUntil});
+            }
+            const std::size_t taken = i > 0 ? takeTogether(rest(i)) : 0;  // it needs the sample before
+            if (taken > 0) {
+                i += taken;
                 continue;
             }
-            notIdleUntil = i + idle;
         }
-        for (const std::size_t end = std::min(n, i + fewSamples); i < end; ++i) {
+        if (i < n) {
             processSample(times[i], values[i], times[i], timeRange);
-        }
-        const bool isTracked = lastTime < unarmedUntil;  // then the fences have not followed
-        if (timeRange == sampleTimeRange && !isTracked) {
-            i += passOver(rest(i), {quietLow, quietHigh, quietUntil});
+            ++i;
         }
     }
 }
@@ -253,8 +290,7 @@ double TimeDomainTriggerController::rearmTime() const {
 }
 
 void TimeDomainTriggerController::acceptTrigger(double time) {
-    const bool armed = mode != TDTC::Once || (enableOnceMode && waiting.empty());
-    if (!armed || !isLength(sampleTimeRange) || !(time >= rearmTime())) {
+    if (!isArmed() || !isLength(sampleTimeRange) || !(time >= rearmTime())) {
         return;
     }
     const PendingTrigger trigger{time, false};
@@ -331,6 +367,7 @@ void TimeDomainTriggerController::getLastTriggerWindow(double& start, double& en
 }
 
 void TimeDomainTriggerController::makeNextSampleEventful() {
+    nextDecision = -infinity;
     quietUntil = -infinity;
     unarmedUntil = -infinity;
 }
@@ -342,13 +379,14 @@ void TimeDomainTriggerController::updateQuietRange() {
     if (!hasSample) {  // behind a gap
         return;
     }
-    quietUntil = condition.deadline();
+    nextDecision = infinity;
     if (isLength(sampleTimeRange)) {
-        quietUntil = std::min(quietUntil, rangeStart + sampleTimeRange);
+        nextDecision = rangeStart + sampleTimeRange;
         if (mode == TDTC::Auto) {
-            quietUntil = std::min(quietUntil, rearmTime() + sampleTimeRange);
+            nextDecision = std::min(nextDecision, rearmTime() + sampleTimeRange);
         }
     }
+    quietUntil = std::min(nextDecision, condition.deadline());
     if (condition.hasNoStretches() && rearmTime() > lastTime) {
         unarmedUntil = std::min(quietUntil, rearmTime());
         quietUntil = unarmedUntil;  // the fences don't follow what is tracked until then

@@ -126,6 +126,9 @@ private:
     void processEventfulSample(double time, double value, double timeRange);
     std::size_t passOver(const SampleBlock& block, const QuietBounds& bounds);
     std::pair<std::size_t, bool> passOverIdle(const SampleBlock& block);
+    std::size_t takeTogether(const SampleBlock& block);
+    bool isArmed() const { return mode != TDTC::Once || (enableOnceMode && waiting.empty()); }
+    double filledFrom() const;
     double idleUntil() const;
     void keepPassed(const SampleBlock& block, std::size_t passed, const ValueRange& range);
     void startAfresh(double time);
@@ -158,6 +161,8 @@ private:
     double quietLow = std::numeric_limits<double>::infinity();
     double quietHigh = -std::numeric_limits<double>::infinity();
     double quietUntil = -std::numeric_limits<double>::infinity();
+    // Before then a sample concerns the condition, the last sample and the range, and nothing else.
+    double nextDecision = -std::numeric_limits<double>::infinity();
     // Until then no trigger point would count, and the condition only needs to know on which side the signal is.
     double unarmedUntil = -std::numeric_limits<double>::infinity();
     bool settingsChanged = true;

@@ -16,10 +16,6 @@ bool TriggerCondition::usesTwoLevels() const {
     return settings.type == TDTC::Transition || settings.type == TDTC::Runt || settings.type == TDTC::Window;
 }
 
-bool TriggerCondition::wants(TDTC::PolarityEnum polarity) const {
-    return settings.polarity == TDTC::Either || settings.polarity == polarity;
-}
-
 void TriggerCondition::configure(const TriggerConditionSettings& newSettings, double level, double lastValue) {
     settings = newSettings;
     const bool lowerHolds =

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 
 #include "LevelComparator.h"
@@ -32,6 +33,20 @@ struct TriggerPoints {
     void add(double time) { times[count++] = time; }
 };
 
+/// The points at which a block of samples fulfils the condition, in order of time.
+struct TriggerBlockPoints {
+    /// Two a sample, one behind the last, and a place beyond the last one added.
+    std::array<double, 2 * blockSamples + 2> times;
+    std::size_t count;
+
+    void add(double time) { addIf(true, time); }
+    /// Without a branch, which on noise would be mispredicted.
+    void addIf(bool counts, double time) {
+        times[count] = time;
+        count += counts ? 1 : 0;
+    }
+};
+
 /// Finds the points of a sampled signal at which a trigger condition is fulfilled. The signal is taken as the straight
 /// lines between its samples, so that all times are known to better than a sample.
 ///   edge         the level is crossed
@@ -51,6 +66,10 @@ public:
 
     /// Takes the sample (t1, x1) that follows (t0, x0).
     TriggerPoints advance(double t0, double x0, double t1, double x1);
+
+    /// Takes the next n samples, 1 to 64, of times and values: the same as advance() for each. The sample taken last
+    /// must stand before them, at times[-1] and values[-1].
+    void advanceBlock(const double* times, const double* values, std::size_t n, TriggerBlockPoints& points);
 
     /// Takes a sample for the edge and the window where a trigger point would not count: only the side matters.
     void track(double value) {
@@ -94,10 +113,33 @@ private:
         }
     };
 
+    /// Samples taken together, the one before them in front.
+    struct Block {
+        const double* times;
+        const double* values;
+        std::size_t count;
+        double crossing(std::ptrdiff_t i, double level) const {
+            return crossingTime(times[i - 1], values[i - 1], times[i], values[i], level);
+        }
+    };
+    /// Where in a block a stretch begins, is given up, and ends; within a sample in this order.
+    struct StretchBits {
+        double beginLevel, endLevel;
+        std::uint64_t begins, spoils, ends;
+    };
+
     bool usesTwoLevels() const;
+    void addCrossings(const Block& block, std::uint64_t atLower, std::uint64_t atUpper,
+                      TriggerBlockPoints& points) const;
+    void advanceTimeout(const Block& block, const CrossingBits& crossings, TriggerBlockPoints& points);
+    void advanceStretches(const Block& block, const StretchBits& up, const StretchBits& down,
+                          TriggerBlockPoints& points);
     std::size_t lastThatSettlesSides(const double* values, std::size_t n) const;
     std::size_t lastSwing(const double* values, std::size_t n) const;
-    bool wants(TDTC::PolarityEnum polarity) const;
+    bool wants(TDTC::PolarityEnum polarity) const {
+        return settings.polarity == TDTC::Either || settings.polarity == polarity;
+    }
+    std::uint64_t wanted(TDTC::PolarityEnum polarity, std::uint64_t bits) const { return wants(polarity) ? bits : 0; }
     void close(Stretch& stretch, double end, TDTC::PolarityEnum polarity, TriggerPoints& points) const;
     void advanceEdge(const Interval& interval, TriggerPoints& points);
     void advancePulseWidth(const Interval& interval, TriggerPoints& points);

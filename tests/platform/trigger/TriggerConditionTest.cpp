@@ -148,3 +148,24 @@ TEST(TriggerConditionTest, GapsAreNotCrossed) {
         expectStarts(windowsOf(engine, samples, 0.25), {4.5});
     }
 }
+
+TEST(TriggerConditionTest, BlocksAreComparedWithALevelForEachInstructionSet) {
+    using dspwavedecks::InstructionSet;
+    const LevelBounds bounds{-1.0, 0.0, 2.0};
+    for (const InstructionSet set : {InstructionSet::portable, InstructionSet::avx2}) {
+        for (std::size_t n = 0; n <= blockSamples && isSupported(set); ++n) {
+            std::vector<double> values;
+            for (std::size_t i = 0; i < n; ++i) {
+                values.push_back(static_cast<double>(i * i % 11) / 2.0 - 2.0);
+            }
+            const LevelBits bits = levelComparison(set)(values.data(), n, bounds);
+            for (std::size_t i = 0; i < blockSamples; ++i) {
+                const auto isSet = [i](std::uint64_t samples) { return (samples >> i & 1) != 0; };
+                EXPECT_EQ(isSet(bits.isLow), i < n && values[i] <= -1.0) << i;
+                EXPECT_EQ(isSet(bits.atMost), i < n && values[i] <= 0.0) << i;
+                EXPECT_EQ(isSet(bits.atLeast), i < n && values[i] >= 0.0) << i;
+                EXPECT_EQ(isSet(bits.isHigh), i < n && values[i] >= 2.0) << i;
+            }
+        }
+    }
+}
