@@ -26,12 +26,18 @@ function(wavedeck_precompile name)
     <vector>)
 endfunction()
 
-# wavedeck_test(NAME SOURCES ... DEPENDS ...): a GoogleTest program whose cases CTest runs one by one.
+# wavedeck_test(NAME [STAGES] SOURCES ... DEPENDS ...): a GoogleTest program whose cases CTest runs one by one. With STAGES
+# it drives stages that it loads from the library by name.
 function(wavedeck_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "STAGES" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE test_support ${ARG_DEPENDS} GTest::gtest_main)
+  if(ARG_STAGES)
+    target_link_libraries(${name} PRIVATE wavedeck_driver)
+    add_dependencies(${name} dspwavedecksimpl)
+    target_compile_definitions(${name} PRIVATE STAGE_LIBRARY="$<TARGET_FILE:dspwavedecksimpl>")
+  endif()
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

@@ -59,6 +59,26 @@ bool isFault(const std::exception& thrown) {
            (dynamic_cast<const std::length_error*>(&thrown) != nullptr && !isTooLarge(thrown.what()));
 }
 
+/// Whether each channel has a value for every place on its axis, or a whole number of spectra.
+bool isWhole(const Poco::JSON::Object& message) {
+    const auto signals = message.getArray("signals");
+    for (unsigned s = 0; signals && s < signals->size(); ++s) {
+        const auto signal = signals->getObject(s);  // null where nothing of it came yet
+        const auto channels = signal ? signal->getArray("channel") : Poco::JSON::Array::Ptr();
+        for (unsigned k = 0; channels && k < channels->size(); ++k) {
+            const auto channel = channels->getObject(k);
+            const bool isSpectrum = channel->has("frequency");
+            const char* const axis = isSpectrum ? "frequency" : channel->has("time") ? "time" : "sample";
+            const std::size_t points = channel->getArray(axis)->size();
+            const std::size_t values = channel->getArray("data")->size();
+            if (isSpectrum ? values % std::max<std::size_t>(points, 1) != 0 : values != points) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 /// The values of a simulation: random, now and then at an end.
@@ -311,6 +331,9 @@ void SoakRound::update() {
     tally_.messageHash = tally_.messageHash * 31 + std::hash<std::string>{}(text);
     if (!nlohmann::json::accept(text)) {
         tally_.faults.push_back("a message that is no JSON: " + text.substr(0, 2000));
+    }
+    if (!isWhole(*made.message)) {
+        tally_.faults.push_back("a message whose values do not fit their axis: " + text.substr(0, 2000));
     }
 }
 

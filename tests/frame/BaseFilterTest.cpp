@@ -1,15 +1,11 @@
 #include "BaseFilter.h"
 
-#include <gtest/gtest.h>
-
 #include "Board.h"
+#include "Test.h"
 #include "TestClient.h"
 #include "streamplug/Exceptions.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::TestClient;
 
 class PlainFilter : public BaseFilter {
 public:
@@ -37,12 +33,11 @@ TEST(BaseFilter, answersItsActions) {
     TestClient client({3, 5});
     client->setIsComplex({0, 1});
     DerivedFilter filter;
-    EXPECT_THROW(filter.tuneImpl(PropertyList().addInt("measurementSignal", 1)),
-                 streamplug::kit::array::OptionNotFound);
+    EXPECT_THROW(filter.tuneImpl(optionList("measurementSignal=1")), streamplug::kit::array::OptionNotFound);
     filter.tuneImpl(TestClient::list("unknown"));
     filter.tuneImpl(TestClient::list("onRollback"));
     EXPECT_EQ(0, filter.calls);
-    filter.tuneImpl(client.setup().addInt("measurementSignal", 1).addInt("measurementChannel", 2));
+    filter.tuneImpl(client.setup("measurementSignal=1 measurementChannel=2"));
     EXPECT_EQ(1, filter.calls);
     EXPECT_EQ("client", filter.getClientID());
     EXPECT_EQ(2, filter.numSignals);
@@ -69,21 +64,6 @@ TEST(BaseFilter, countsSignalsInWhole) {
     EXPECT_EQ(2, filter.numSignals);
     EXPECT_EQ(0u, filter.getTotalNumChannels());
     EXPECT_EQ(0u, filter.getNumPointsPerChannel(1));  // no such signal, nothing in hand
-}
-
-TEST(BaseFilter, setupNeedsTheFactsOfTheHost) {
-    TestClient client;
-    for (const char* missing : {"clientID", "numChannels", "frameSize", "numSignals"}) {
-        PropertyList list;
-        for (const auto* property : client.setup()) {
-            if (std::string(property->getName()) != missing) {
-                list.add(property->getName(),
-                         dynamic_cast<const streamplug::kit::array::PropertyEvent&>(*property).getValue());
-            }
-        }
-        PlainFilter filter;
-        EXPECT_THROW(filter.tuneImpl(list), streamplug::kit::array::OptionNotFound) << missing;
-    }
 }
 
 TEST(BaseFilter, knowsTheLayoutOfTheBuffer) {
@@ -121,7 +101,7 @@ TEST(BaseFilter, knowsTheLayoutOfTheBuffer) {
 TEST(BaseFilter, keepsTheBoardOverASecondSetup) {
     TestClient client;
     PlainFilter filter;
-    filter.tuneImpl(client.setup().addInt("measurementChannel", 3).addInt("measurementSignal", 0));
+    filter.tuneImpl(client.setup("measurementChannel=3 measurementSignal=0"));
     filter.updateFilterSignalAndChannel();
     filter.tuneImpl(client.setup());
     const auto package = BaseFilter::packageImpl(client.name());
@@ -138,11 +118,10 @@ TEST(BaseFilter, readsItsSpans) {
     PlainFilter filter;
     EXPECT_TRUE(filter.getForceComputeSpan());
     EXPECT_FALSE(filter.getCustomSpan());
-    filter.tuneImpl(client.setup().addDouble("customSpan", -1.0).addLogical("autoSpan", true));
+    filter.tuneImpl(client.setup("customSpan=-1.0 autoSpan=true"));
     EXPECT_TRUE(filter.getCustomSpan());
     EXPECT_EQ(-1.0, filter.getCustomSpanSeconds());
     EXPECT_TRUE(filter.getAutoSpan());
 }
 
 }  // namespace
-}  // namespace dspwavedecks

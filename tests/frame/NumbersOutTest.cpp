@@ -1,21 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <boost/lexical_cast.hpp>
-#include <cmath>
-#include <cstdint>
 #include <cstring>
-#include <limits>
-#include <sstream>
 
 #include "JsonArrays.h"
 #include "NumberText.h"
 #include "QueryStructure.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TEST(NumberText, isTheLexicalCast) {
     EXPECT_EQ("nan", numberText(std::copysign(nan, 1.0)));
@@ -62,7 +53,7 @@ TEST(JsonArrays, replaceWhatIsNotFinite) {
 
 TEST(JsonArrays, areWrittenOverOnceTheMessageIsGone) {
     JsonArrayPool pool;
-    const auto fill = [&](const std::vector<double>& values) {
+    const auto fill = [&](const Values& values) {
         Poco::JSON::Array::Ptr array = pool.take(values.size());
         std::vector<int> places;
         JsonArrayWriter writer(*array);
@@ -105,4 +96,3 @@ TEST(QueryStructure, fillsItsFields) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,28 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <new>
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "DeckClient.h"
+#include "DriverTest.h"
 #include "LimitedAllocation.h"
-#include "MessageText.h"
-#include "StageLibrary.h"
 
 namespace {
 
 using streamplug::interfaces::device::PropertyList;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::DeckClient;
-
-const wavedeck::driver::StageLibrary& stageLibrary() {
-    static const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
-    return library;
-}
 
 constexpr int frameSize = 32;
 
@@ -31,7 +14,7 @@ struct Deck {
     const char* name;
     ChainKind kind;
     const char* strategy;
-    std::vector<std::pair<const char*, PropertyList>> stages;
+    std::vector<std::pair<const char*, std::string>> stages;  ///< with their options
 };
 
 /// How a failing test shows the deck.
@@ -39,16 +22,9 @@ void PrintTo(const Deck& deck, std::ostream* out) {
     *out << deck.name;
 }
 
-PropertyList enabled(const char* option) {
-    return PropertyList().addLogical(option, true);
-}
-
 /// Spectra of 64 points, several a frame once frames are long.
-PropertyList spectra() {
-    PropertyList options;
-    options.addChar("inputDomain", "time").addDouble("sampleRate", 1000.0).addLogical("autoRBW", false);
-    return options.addDouble("rbw", 25.0).addDouble("overlapPercent", 50.0).addDouble("timeResolution", 0.2);
-}
+const std::string spectra =
+    "inputDomain=time sampleRate=1000 autoRBW=false rbw=25 overlapPercent=50 timeResolution=0.2";
 
 std::vector<Deck> decks() {
     return {{"time",
@@ -56,26 +32,25 @@ std::vector<Deck> decks() {
              "dsp_wavedeck_time_data_strategy",
              {{"magnitude_phase_filter", {}},
               {"dsp_wavedeck_measurements_data_cache_filter", {}},
-              {"time_signal_statistics_filter", enabled("signalStatisticsEnabled")},
-              {"time_peak_finder_filter", enabled("peakFinderEnabled")},
-              {"bilevel_measurements_filter", enabled("bilevelMeasurementsEnabled")},
-              {"trigger_filter", enabled("triggerEnabled").addChar("mode", "auto")}}},
+              {"time_signal_statistics_filter", "signalStatisticsEnabled=true"},
+              {"time_peak_finder_filter", "peakFinderEnabled=true"},
+              {"bilevel_measurements_filter", "bilevelMeasurementsEnabled=true"},
+              {"trigger_filter", "triggerEnabled=true mode=auto"}}},
             {"spectrogram",
              ChainKind::Spectrum,
              "dsp_wavedeck_frequency_data_strategy",
-             {{"spectrum_estimator_filter",
-               spectra().addLogical("showSpectrogram", true).addLogical("autoTimeResolution", false)},
-              {"frequency_peak_finder_filter", enabled("peakFinderEnabled")}}},
+             {{"spectrum_estimator_filter", spectra + " showSpectrogram=true autoTimeResolution=false"},
+              {"frequency_peak_finder_filter", "peakFinderEnabled=true"}}},
             {"filter bank",
              ChainKind::Spectrum,
              "dsp_wavedeck_frequency_data_strategy",
-             {{"spectrum_estimator_filter", spectra().addChar("method", "filter-bank")},
-              {"distortion_measurements_filter", enabled("distortionMeasurementsEnabled")}}},
+             {{"spectrum_estimator_filter", spectra + " method=filter-bank"},
+              {"distortion_measurements_filter", "distortionMeasurementsEnabled=true"}}},
             {"simulation",
              ChainKind::BlockflowSpectrum,
              "bf_dsp_wavedeck_frequency_data_strategy",
-             {{"bf_spectrum_estimator_filter", spectra()},
-              {"channel_measurements_filter", enabled("channelMeasurementsEnabled")},
+             {{"bf_spectrum_estimator_filter", spectra},
+              {"channel_measurements_filter", "channelMeasurementsEnabled=true"},
               {"bf_spectrum_data_aggregator_filter", {}}}}};
 }
 
@@ -83,21 +58,9 @@ class AllocationFailure : public testing::TestWithParam<Deck> {
 protected:
     static void addStages(DeckClient& client) {
         for (const auto& [name, options] : GetParam().stages) {
-            client.addStage(name, stageLibrary().makeFilter(name), options);
+            client.addStage(name, stageLibrary().makeFilter(name), optionList(options));
         }
         client.setStrategy(GetParam().strategy, stageLibrary().makeStrategy(GetParam().strategy));
-    }
-
-    static wavedeck::driver::ClientFacts facts() {
-        wavedeck::driver::ClientFacts result;
-        result.name = "failing";
-        result.kind = GetParam().kind;
-        wavedeck::driver::SignalFacts signal;
-        signal.id = "signal";
-        signal.sampleTime = 1e-3;
-        signal.frameSize = frameSize;
-        result.signals.push_back(signal);
-        return result;
     }
 
     /// Sets up and plays frames of growing length; returns the message behind them.
@@ -105,8 +68,8 @@ protected:
         client.setup();
         std::size_t sample = 0;
         for (const std::size_t frames : {1, 3, 8, 12}) {
-            std::vector<double> frame;
-            const bool isSimulation = wavedeck::driver::isBlockflow(GetParam().kind);
+            Values frame;
+            const bool isSimulation = isBlockflow(GetParam().kind);
             for (std::size_t i = 0; isSimulation && i < frames; ++i) {
                 frame.push_back(1e-3 * static_cast<double>(sample + i * frameSize));
             }
@@ -116,7 +79,7 @@ protected:
             isSimulation ? client.simulationFrame({frame}) : client.frame({frame});
         }
         const auto update = client.updateNow();
-        return update.message.isNull() ? "" : wavedeck::driver::MessageText().write(*update.message);
+        return update.message.isNull() ? "" : MessageText().write(*update.message);
     }
 };
 
@@ -124,7 +87,7 @@ protected:
 /// gives that has never failed.
 TEST_P(AllocationFailure, LeavesAClientThatCanBeSetUpAnew) {
     const auto untouched = [] {
-        DeckClient client(facts());
+        DeckClient client(factsOf(GetParam().kind, {realSignal(1, 1e-3, frameSize)}));
         addStages(client);
         return play(client);
     }();
@@ -142,8 +105,10 @@ TEST_P(AllocationFailure, LeavesAClientThatCanBeSetUpAnew) {
             failed = testsupport::hasAllocationFailed();
             testsupport::failAllocationAfter(0);
         };
-        countFailure([] { const DeckClient made(facts()); });  // leaves no name behind that would then be taken
-        DeckClient client(facts());
+        countFailure([] {
+            const DeckClient made(factsOf(GetParam().kind, {realSignal(1, 1e-3, frameSize)}));
+        });  // leaves no name behind that would then be taken
+        DeckClient client(factsOf(GetParam().kind, {realSignal(1, 1e-3, frameSize)}));
         addStages(client);
         countFailure([&] { play(client); });
         ASSERT_TRUE(play(client) == untouched) << "allocation " << count;

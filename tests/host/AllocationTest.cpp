@@ -1,40 +1,26 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
-
 #include "AllocationCounter.h"
-#include "DeckClient.h"
+#include "DriverTest.h"
 #include "wavedeck/WaveDeckTransformImpl.h"
 
 namespace {
 
-using testsupport::allocations;
-using wavedeck::driver::ChainKind;
-
 /// Hands the data on.
 class CopyStage : public wavedeck::WaveDeckTransformImpl {
 public:
-    void filterImpl(const double* data, std::vector<double>& out, int) override {
-        out.assign(data, data + inputLength);
-    }
+    void filterImpl(const double* data, Values& out, int) override { out.assign(data, data + inputLength); }
     bool isReadOnly() override { return false; }
 };
 
 TEST(DeckClient, AllocatesNothingInAFrameOfTheSteadyState) {
     for (const ChainKind kind : {ChainKind::Time, ChainKind::Spectrum, ChainKind::Frame}) {
-        wavedeck::driver::ClientFacts facts;
-        facts.name = "allocations";
-        facts.kind = kind;
-        facts.signals.resize(2);
-        wavedeck::driver::DeckClient client(facts);
+        DeckClient client(factsOf(kind, {realSignal(1, 1.0, 1024), realSignal(1, 1.0, 1024)}));
         client.addStage("tap", std::make_shared<wavedeck::WaveDeckTransformImpl>());
         client.addStage("copy", std::make_shared<CopyStage>());
         client.addStage("channel_measurements_filter", std::make_shared<wavedeck::WaveDeckTransformImpl>());
         const long atFirst = allocations;
         client.setup();
         EXPECT_GT(allocations, atFirst) << "the driver's own allocations are counted";
-        const std::vector<std::vector<double>> frame(2, std::vector<double>(1024, 1.0));
+        const std::vector<Values> frame(2, Values(1024, 1.0));
         for (int i = 0; i < 40; ++i) {
             client.frame(frame);
         }

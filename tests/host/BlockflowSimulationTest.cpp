@@ -1,23 +1,8 @@
 #include "BlockflowSimulation.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <vector>
-
 #include "DriverRig.h"
-#include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace {
-
-using wavedeck::SimStatus;
-using wavedeck::WaveDeckClientInfo;
-using wavedeck::driver::BlockflowSimulation;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::SignalFacts;
-using wavedeck::driver::SimulationInput;
-using wavedeck::driver::StepResult;
 
 /// Signal s counts 100 s, 100 s + 1, ... over `steps` frames; the second channel is the first negated. Ports deliver a
 /// value in even frames only.
@@ -27,7 +12,7 @@ public:
         restart();
     }
 
-    bool read(std::size_t signal, std::size_t frameSize, std::vector<double>& frame) override {
+    bool read(std::size_t signal, std::size_t frameSize, Values& frame) override {
         if (read_[signal]++ >= steps_) {
             return false;
         }
@@ -56,7 +41,7 @@ private:
     std::vector<SignalFacts> signals_;
     int steps_;
     std::vector<int> read_;
-    std::vector<double> next_;
+    Values next_;
 };
 
 /// A Blockflow time client with a record, a pacer and a tap, and its simulation.
@@ -68,6 +53,13 @@ struct SimulationRig : DriverRig {
         client.setup();
     }
 
+    /// Steps that are delivered one by one.
+    void run(int steps) {
+        for (int i = 0; i < steps; ++i) {
+            simulation.step();
+            simulation.deliver();
+        }
+    }
     int status() {
         int value = 0;
         client.withInfo([&](const WaveDeckClientInfo& info) { value = info.getSimStatus(); });
@@ -91,8 +83,8 @@ TEST(BlockflowSimulation, HandsHeadsAndExpandsThemToOneTimeASample) {
         EXPECT_EQ(rig.simulation.step(), StepResult::Stepped);
     }
     EXPECT_EQ(rig.simulation.deliver(2), 2U);
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{0, 0.5, 0, 1, 2, 3, -0.0, -1, -2, -3}));
-    EXPECT_EQ(rig.tap->seen[0], (std::vector<double>{0, 0.25, 0.5, 0.75, 0, 1, 2, 3, -0.0, -1, -2, -3}));
+    EXPECT_EQ(rig.record->seen[0], (Values{0, 0.5, 0, 1, 2, 3, -0.0, -1, -2, -3}));
+    EXPECT_EQ(rig.tap->seen[0], (Values{0, 0.25, 0.5, 0.75, 0, 1, 2, 3, -0.0, -1, -2, -3}));
     EXPECT_EQ(rig.clientTime(), 1.0) << "the simulation is ahead of what was delivered";
     EXPECT_EQ(rig.simulation.deliver(), 1U);
     rig.client.update();
@@ -102,18 +94,15 @@ TEST(BlockflowSimulation, HandsHeadsAndExpandsThemToOneTimeASample) {
 
 TEST(BlockflowSimulation, AStepBackRollsTheStagesBackAndHandsTheFrameReachedOnceMore) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.25, 2)}));
-    for (int i = 0; i < 4; ++i) {
-        rig.simulation.step();
-        rig.simulation.deliver();
-    }
+    rig.run(4);
     rig.log->clear();
     EXPECT_TRUE(rig.simulation.stepBack());
     EXPECT_EQ(rig.log->front(), "bf_simulation_meta_data_filter rollback onRollback");
-    EXPECT_EQ(optionValues<double>(rig.tap->last, "rollbacktime"), std::vector<double>{1.25});
+    EXPECT_EQ(optionValues<double>(rig.tap->last, "rollbacktime"), Values{1.25});
     EXPECT_EQ(rig.clientTime(), 1.0);
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{1.0, 4, 5}));
+    EXPECT_EQ(rig.record->seen[0], (Values{1.0, 4, 5}));
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
     // Forward again over the step that is known, and over a new one.
     for (const double first : {6.0, 8.0}) {
         EXPECT_EQ(rig.simulation.step(), StepResult::Stepped);
@@ -129,7 +118,7 @@ TEST(BlockflowSimulation, AStepBackRollsTheStagesBackAndHandsTheFrameReachedOnce
     while (rig.simulation.stepBack()) {
     }
     EXPECT_EQ(rig.simulation.time(), 0.0);
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{0, 0, 1}));
+    EXPECT_EQ(rig.record->seen[0], (Values{0, 0, 1}));
 }
 
 TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
@@ -138,7 +127,7 @@ TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
         int steps;
         std::uint64_t expected;
     };
-    const double never = std::numeric_limits<double>::infinity();
+    const double never = infinity;
     for (const Case& c : {Case{1.0, 1000, 11}, Case{0.99, 1000, 10}, Case{never, 7, 7}, Case{never, 0, 0}}) {
         ClientFacts facts = factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.1, 1)});
         facts.stopTime = c.stopTime;
@@ -146,7 +135,7 @@ TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
         while (rig.simulation.step() == StepResult::Stepped) {
         }
         EXPECT_EQ(rig.simulation.stepsTaken(), c.expected);
-        EXPECT_EQ(rig.simulation.status(), SimStatus::Ended);
+        EXPECT_EQ(rig.simulation.status(), wavedeck::SimStatus::Ended);
         if (c.expected > 1) {
             EXPECT_EQ(rig.status(), 1) << "for the client it runs until the last step is delivered";
             rig.simulation.deliver(c.expected - 1);
@@ -174,10 +163,7 @@ TEST(BlockflowSimulation, PausesAndIsHeldWhileTheDisplayHasSomethingLeftToShow) 
 
 TEST(BlockflowSimulation, AFastRestartResetsTheStagesAndSetsThemUpOnceMore) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.5, 2)}));
-    for (int i = 0; i < 3; ++i) {
-        rig.simulation.step();
-        rig.simulation.deliver();
-    }
+    rig.run(3);
     rig.log->clear();
     rig.simulation.restart(true);
     EXPECT_EQ(*rig.log, (CallLog{"bf_simulation_meta_data_filter reset", "tap reset",
@@ -185,9 +171,9 @@ TEST(BlockflowSimulation, AFastRestartResetsTheStagesAndSetsThemUpOnceMore) {
     rig.client.withInfo([](const WaveDeckClientInfo& info) { EXPECT_TRUE(info.isOrWasFastRestartActive()); });
     rig.simulation.step();
     rig.simulation.deliver();
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{0, 0, 1}));
+    EXPECT_EQ(rig.record->seen[0], (Values{0, 0, 1}));
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.5, 0, 1}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.5, 0, 1}));
 }
 
 TEST(BlockflowSimulation, OtherFrameSizesKeepTheFramePeriod) {
@@ -198,13 +184,12 @@ TEST(BlockflowSimulation, OtherFrameSizesKeepTheFramePeriod) {
         rig.simulation.step();
     }
     rig.simulation.deliver();
-    EXPECT_EQ(rig.tap->seen[0], (std::vector<double>{1, 1.125, 1.25, 1.375, 4, 5, 6, 7}));
+    EXPECT_EQ(rig.tap->seen[0], (Values{1, 1.125, 1.25, 1.375, 4, 5, 6, 7}));
     EXPECT_EQ(RecordingStage::action(rig.tap->last), "onInputSizeChange");
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0],
-              (std::vector<double>{0, 0.25, 0.5, 0.75, 1, 1.125, 1.25, 1.375, 0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 1.125, 1.25, 1.375, 0, 1, 2, 3, 4, 5, 6, 7}));
     EXPECT_TRUE(rig.simulation.stepBack()) << "back over the change";
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{0.5, 2, 3}));
+    EXPECT_EQ(rig.record->seen[0], (Values{0.5, 2, 3}));
 }
 
 TEST(BlockflowSimulation, ASpectrumChainHasPortsBehindItsDataAndJoinsSlots) {
@@ -223,10 +208,10 @@ TEST(BlockflowSimulation, ASpectrumChainHasPortsBehindItsDataAndJoinsSlots) {
         out = {1, data[2], data[3]};  // one slot of a simulation frame
     });
     rig.client.setup();
-    EXPECT_EQ(optionValues<double>(ports->last, "numSignals"), std::vector<double>{2.0});
-    EXPECT_EQ(optionValues<double>(tap->last, "numSignals"), std::vector<double>{1.0});
+    EXPECT_EQ(optionValues<double>(ports->last, "numSignals"), Values{2.0});
+    EXPECT_EQ(optionValues<double>(tap->last, "numSignals"), Values{1.0});
     EXPECT_EQ(optionValues<int>(tap->last, "frameSize"), std::vector<int>{2});
-    EXPECT_EQ(optionValues<double>(estimator->last, "sampleTime"), (std::vector<double>{0.5, 0.5}));
+    EXPECT_EQ(optionValues<double>(estimator->last, "sampleTime"), (Values{0.5, 0.5}));
     rig.client.withInfo([](WaveDeckClientInfo& info) {
         EXPECT_TRUE(info.usingStreamPlugInBF());
         info.getClientSettings().addCustomSetting("spectrumLength", 2UL);
@@ -242,25 +227,22 @@ TEST(BlockflowSimulation, ASpectrumChainHasPortsBehindItsDataAndJoinsSlots) {
     rig.client.update();
     EXPECT_EQ(rig.strategy->data, (Buffers{{1, 2, 3}, {}})) << "without a spectrogram the latest alone";
     EXPECT_EQ(rig.strategy->numPoints[0], 2);
-    rig.client.tune("channel_measurements_filter", wavedeck::PropertyList().addLogical("showSpectrogram", true));
+    rig.client.tune("channel_measurements_filter", optionList("showSpectrogram=true"));
     for (int i = 0; i < 2; ++i) {
         simulation.step();
         simulation.deliver();
     }
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{1, 1, 4, 5, 6, 7})) << "headers, then slots";
+    EXPECT_EQ(rig.strategy->data[0], (Values{1, 1, 4, 5, 6, 7})) << "headers, then slots";
     EXPECT_EQ(rig.strategy->numSignals, 2);
 }
 
 TEST(BlockflowSimulation, AReplayHasTheHeadOfTheStoredFrames) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.25, 2)}));
-    for (int i = 0; i < 3; ++i) {
-        rig.simulation.step();
-        rig.simulation.deliver();
-    }
+    rig.run(3);
     rig.client.replay();
-    EXPECT_EQ(rig.record->seen[0], (std::vector<double>{0, 0.5, 1, 0, 1, 2, 3, 4, 5}));
-    EXPECT_EQ(rig.tap->seen[0], (std::vector<double>{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(rig.record->seen[0], (Values{0, 0.5, 1, 0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(rig.tap->seen[0], (Values{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
 }
 
 }  // namespace

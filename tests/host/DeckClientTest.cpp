@@ -1,25 +1,10 @@
 #include "DeckClient.h"
 
-#include <gtest/gtest.h>
+#include <thread>
 
-#include <limits>
-#include <string>
-#include <vector>
-
-#include "DriverError.h"
 #include "DriverRig.h"
-#include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace {
-
-using wavedeck::PropertyList;
-using wavedeck::WaveDeckClientInfo;
-using wavedeck::WaveDeckClientRegistry;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::DeckClient;
-using wavedeck::driver::DriverError;
-using wavedeck::driver::SignalFacts;
 
 TEST(DeckClient, CallsStageByStageAndWithinAStageSignalBySignal) {
     DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.5, 2), realSignal(2, 0.25, 2)}));
@@ -46,12 +31,12 @@ TEST(DeckClient, SetupListsCarryTheRawCountsForEveryStage) {
     for (const auto& stage : {doubling, behind}) {
         EXPECT_EQ(optionText(stage->last, "action"), "setup");
         EXPECT_EQ(optionText(stage->last, "clientID"), "driver test");
-        EXPECT_EQ(optionValues<double>(stage->last, "numSignals"), std::vector<double>{2.0});
+        EXPECT_EQ(optionValues<double>(stage->last, "numSignals"), Values{2.0});
         EXPECT_EQ(optionValues<int>(stage->last, "numChannels"), (std::vector<int>{3, 2}));
         EXPECT_EQ(optionValues<int>(stage->last, "frameSize"), (std::vector<int>{4, 8}));
     }
     // The display span is what the plain cache holds of signal 0.
-    EXPECT_EQ(optionValues<double>(doubling->last, "timeRange"), (std::vector<double>{2500.0, 2500.0}));
+    EXPECT_EQ(optionValues<double>(doubling->last, "timeRange"), (Values{2500.0, 2500.0}));
     EXPECT_EQ(optionValues<bool>(doubling->last, "magPhaseData"), (std::vector<bool>{false, false}));
     EXPECT_FALSE(behind->last.find("timeRange"));
 
@@ -61,7 +46,7 @@ TEST(DeckClient, SetupListsCarryTheRawCountsForEveryStage) {
     rig.client.resize({1, 4}, {16, 2});
     EXPECT_EQ(optionText(behind->last, "action"), "onInputSizeChange");
     EXPECT_EQ(optionValues<int>(behind->last, "numChannels"), (std::vector<int>{1, 4}));
-    rig.client.rollback("behind", PropertyList().addDouble("rollbacktime", 1.0));
+    rig.client.rollback("behind", optionList("rollbacktime=1.0"));
     EXPECT_EQ(rig.log->back(), "behind rollback onRollback");
     rig.client.reset("behind");
     EXPECT_EQ(rig.log->back(), "behind reset");
@@ -71,7 +56,7 @@ TEST(DeckClient, AnOptionGivenTakesThePlaceOfTheDriversOwn) {
     DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 4)}));
     const auto stage = rig.add("stage");
     rig.client.setup("stage", PropertyList().addDouble("numChannels", 7.0));
-    EXPECT_EQ(optionValues<double>(stage->last, "numChannels"), std::vector<double>{7.0});
+    EXPECT_EQ(optionValues<double>(stage->last, "numChannels"), Values{7.0});
     EXPECT_EQ(optionValues<int>(stage->last, "frameSize"), std::vector<int>{4});
     rig.client.sendAsIs("stage", PropertyList().addDouble("only", 1.0));
     EXPECT_FALSE(stage->last.find("action"));
@@ -111,9 +96,9 @@ TEST(DeckClient, AReplacingStageThatPutsNothingOutEndsTheSignalsRoadForThisFrame
     rig.client.frame(Buffers{{5, 6}, {7, 8}});
     EXPECT_EQ(*rig.log,
               (CallLog{"estimator pre", "tap pre", "estimator filter 0", "estimator filter 1", "tap filter 1"}));
-    EXPECT_EQ(rig.client.output("estimator", 0), std::vector<double>{});
-    EXPECT_EQ(rig.client.output("estimator", 1), (std::vector<double>{0, 1, 7, 8}));
-    EXPECT_EQ(rig.client.output("tap", 1), std::vector<double>{}) << "a tap's output is ignored";
+    EXPECT_EQ(rig.client.output("estimator", 0), Values{});
+    EXPECT_EQ(rig.client.output("estimator", 1), (Values{0, 1, 7, 8}));
+    EXPECT_EQ(rig.client.output("tap", 1), Values{}) << "a tap's output is ignored";
     rig.client.update();
     EXPECT_EQ(rig.strategy->data, (Buffers{{0, 1, -1, 2}, {0, 1, 7, 8}})) << "the last output is kept";
 }
@@ -173,7 +158,7 @@ TEST(DeckClient, TakesNothingOfAFrameOfWhichOneSignalIsWrong) {
     EXPECT_THROW(rig.client.frame(Buffers{{1, 2}, {1, 2, 3}}), DriverError);
     rig.client.frame(Buffers{{1, 2}, {1, 2, 3, 4}});
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 1, 1, 2}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 1, 1, 2}));
 }
 
 TEST(DeckClient, StagesGoWithTheClientAndTheBoardStaysWithItsHolders) {
@@ -214,6 +199,35 @@ TEST(DeckClient, UpdatesAreDueByStreamTime) {
     EXPECT_EQ(nothing.event, "onProcessNoData");
     EXPECT_TRUE(nothing.message.isNull());
     EXPECT_FALSE(rig.client.updateNow().message.isNull());
+}
+
+// Meant for the thread sanitizer.
+TEST(DeckClient, OperationsOfAClientRunOneAfterAnother) {
+    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.01, 8)}));
+    rig.add("stage");
+    rig.client.setup();
+    const Buffers frame{Values(8, 1.0)};
+    const std::vector<std::function<void()>> jobs = {
+        [&] { rig.client.frame(frame); },
+        [&] { rig.client.updateDue() ? void(rig.client.update()) : void(rig.client.streamTime()); },
+        [&] { rig.client.tune("stage", PropertyList().addDouble("x", 1.0)); },
+        [&] {
+            rig.client.query([](int, nbArray** plhs, int, const nbArray**) { plhs[0] = nbCreateDoubleScalar(1.0); });
+        },
+        [&] { rig.client.resize({1}, {8}); },
+    };
+    std::vector<std::thread> threads;
+    for (const auto& job : jobs) {
+        threads.emplace_back([&job] {
+            for (int i = 0; i < 300; ++i) {
+                job();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_DOUBLE_EQ(rig.client.streamTime(), 24.0);
 }
 
 }  // namespace

@@ -1,23 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <numeric>
-#include <vector>
-
 #include "DriverRig.h"
 #include "SampleHistory.h"
-#include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace {
 
-using wavedeck::PropertyList;
-using wavedeck::WaveDeckClientInfo;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::SampleHistory;
-using wavedeck::driver::SignalFacts;
-
-std::vector<double> ramp(double first, std::size_t count) {
-    std::vector<double> values(count);
+Values ramp(double first, std::size_t count) {
+    Values values(count);
     std::iota(values.begin(), values.end(), first);
     return values;
 }
@@ -30,16 +17,16 @@ TEST(SampleHistory, KeepsTheNewestPointsForAnySplitIntoFrames) {
             history.configure(2, capacity);
             for (std::size_t first = 0; first < total; first += frame) {
                 const std::size_t n = std::min(frame, total - first);
-                std::vector<double> block = ramp(static_cast<double>(first), n);
-                const std::vector<double> channel = ramp(static_cast<double>(first) + 1000.0, n);
+                Values block = ramp(static_cast<double>(first), n);
+                const Values channel = ramp(static_cast<double>(first) + 1000.0, n);
                 block.insert(block.end(), channel.begin(), channel.end());
                 history.append(block.data(), n);
             }
             const std::size_t kept = std::min(capacity, total);
-            std::vector<double> expected = ramp(static_cast<double>(total - kept), kept);
-            const std::vector<double> channel = ramp(static_cast<double>(total - kept) + 1000.0, kept);
+            Values expected = ramp(static_cast<double>(total - kept), kept);
+            const Values channel = ramp(static_cast<double>(total - kept) + 1000.0, kept);
             expected.insert(expected.end(), channel.begin(), channel.end());
-            std::vector<double> blocks;
+            Values blocks;
             history.layOut(blocks);
             EXPECT_EQ(blocks, expected) << capacity << " " << frame;
             history.grow(200);
@@ -52,16 +39,16 @@ TEST(SampleHistory, KeepsTheNewestPointsForAnySplitIntoFrames) {
 TEST(SampleHistory, ForgetsWhatLiesBehindATime) {
     SampleHistory history;
     history.configure(1, 5);
-    const std::vector<double> times = ramp(0, 8);
+    const Values times = ramp(0, 8);
     history.append(times.data(), 8);
     history.dropNewerThan(5.5);
-    std::vector<double> left;
+    Values left;
     history.layOut(left);
-    EXPECT_EQ(left, (std::vector<double>{3, 4, 5}));
-    const std::vector<double> again{4, 4.5};
+    EXPECT_EQ(left, (Values{3, 4, 5}));
+    const Values again{4, 4.5};
     history.appendTimed(again.data(), 2);
     history.layOut(left);
-    EXPECT_EQ(left, (std::vector<double>{3, 4, 4.5}));
+    EXPECT_EQ(left, (Values{3, 4, 4.5}));
     history.dropNewest(9);
     EXPECT_EQ(history.size(), 0U);
 }
@@ -103,13 +90,13 @@ TEST(Display, HistoryIsDroppedWhenTheChannelsChange) {
     rig.client.frame(Buffers{{1, 2}});
     rig.client.tune("magnitude_phase_filter", {});
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 1, 1, 2})) << "a tune alone leaves the samples";
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 1, 1, 2})) << "a tune alone leaves the samples";
     rig.client.tune("magnitude_phase_filter", PropertyList().addLogical("mark", true));
     rig.client.updateNow();
-    EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
+    EXPECT_EQ(rig.strategy->data[0], Values{});
     rig.client.frame(Buffers{{3, 4}});
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{2, 3, 3, 4, 0, 180}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{2, 3, 3, 4, 0, 180}));
     EXPECT_EQ(rig.strategy->numChannels[0], 2);
     // Marks alone change what the channels mean, as for a complex signal.
     rig.client.withInfo([](WaveDeckClientInfo& info) {
@@ -117,7 +104,7 @@ TEST(Display, HistoryIsDroppedWhenTheChannelsChange) {
     });
     rig.client.reset();
     rig.client.updateNow();
-    EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
+    EXPECT_EQ(rig.strategy->data[0], Values{});
 }
 
 TEST(Display, AFrameStandsAgainstItsOwnSamples) {
@@ -129,7 +116,7 @@ TEST(Display, AFrameStandsAgainstItsOwnSamples) {
     rig.client.frame(Buffers{{1, 2}});
     rig.client.frame(Buffers{{3, 4}});
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.5, 3, 4}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.5, 3, 4}));
 }
 
 /// A spectrum client whose estimator puts out `lines` lines of 2 points for 2 channels: values channel + line / 10.
@@ -159,24 +146,23 @@ struct SpectrumRig : DriverRig {
 
 TEST(Display, ASpectrogramsLinesAreGatheredAndTapsSeeTheNewest) {
     SpectrumRig rig;
-    rig.client.tune("spectrum_estimator_filter", PropertyList().addLogical("showSpectrogram", true));
+    rig.client.tune("spectrum_estimator_filter", optionList("showSpectrogram=true"));
     const Buffers frame{{1, 2, 3, 4}};
     rig.client.frame(frame);
     rig.lines = 2;
     rig.client.frame(frame);
-    EXPECT_EQ(rig.tap->seen[0], (std::vector<double>{10, 20, 1.2, 1.2, 2.2, 2.2}));
+    EXPECT_EQ(rig.tap->seen[0], (Values{10, 20, 1.2, 1.2, 2.2, 2.2}));
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0],
-              (std::vector<double>{10, 20, 0, 0, 0, 0, 1, 1, 1.1, 1.1, 1.2, 1.2, 2, 2, 2.1, 2.1, 2.2, 2.2}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{10, 20, 0, 0, 0, 0, 1, 1, 1.1, 1.1, 1.2, 1.2, 2, 2, 2.1, 2.1, 2.2, 2.2}));
     EXPECT_EQ(rig.strategy->numPoints[0], 6);
     rig.lines = 1;
     rig.client.frame(frame);
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{10, 20, 1.3, 1.3, 2.3, 2.3})) << "lines go out once";
+    EXPECT_EQ(rig.strategy->data[0], (Values{10, 20, 1.3, 1.3, 2.3, 2.3})) << "lines go out once";
 }
 
 TEST(Display, EveryActionOnAReplacingStageDropsItsOutput) {
-    using Act = void (*)(wavedeck::driver::DeckClient&);
+    using Act = void (*)(DeckClient&);
     const std::vector<Act> actions = {
         [](auto& client) { client.setup("spectrum_estimator_filter", {}); },
         [](auto& client) { client.tune("spectrum_estimator_filter", {}); },
@@ -191,7 +177,7 @@ TEST(Display, EveryActionOnAReplacingStageDropsItsOutput) {
             rig.client.frame(Buffers{{1, 2, 3, 4}});
             act(rig.client);
             rig.client.updateNow();
-            EXPECT_EQ(rig.strategy->data[0], std::vector<double>{});
+            EXPECT_EQ(rig.strategy->data[0], Values{});
         }
         rig.client.frame(Buffers{{1, 2, 3, 4}});
         rig.client.tune("channel_measurements_filter", {});
@@ -224,9 +210,9 @@ TEST(Display, ARollbackMovesTheStreamBack) {
         rig.client.rollback(PropertyList().addDouble("rollbacktime", time));
         EXPECT_EQ(rig.client.streamTime(), 1.0);
         rig.client.frame(Buffers{{-1}});
-        EXPECT_EQ(stage->seen[0], (std::vector<double>{1.0, -1}));
+        EXPECT_EQ(stage->seen[0], (Values{1.0, -1}));
         rig.client.update();
-        EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{0, 0.25, 0.5, 0.75, 1, 0, 1, 2, 3, -1}));
+        EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 0, 1, 2, 3, -1}));
     }
 }
 

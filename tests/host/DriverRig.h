@@ -1,29 +1,7 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "DeckClient.h"
+#include "DriverTest.h"
 #include "RecordingStage.h"
-
-using Buffers = std::vector<std::vector<double>>;
-
-/// Facts of a client for a test.
-inline wavedeck::driver::ClientFacts factsOf(wavedeck::driver::ChainKind kind,
-                                             std::vector<wavedeck::driver::SignalFacts> signals) {
-    wavedeck::driver::ClientFacts facts;
-    facts.name = "driver test";
-    facts.kind = kind;
-    facts.signals = std::move(signals);
-    return facts;
-}
-
-/// A signal "a" of real channels.
-inline wavedeck::driver::SignalFacts realSignal(int channels, double sampleTime, int frameSize) {
-    return {"a", channels, false, sampleTime, 0.0, frameSize, false};
-}
 
 /// A client with recording stages and a recording strategy.
 struct DriverRig {

@@ -1,13 +1,8 @@
 // The host's declarations as stages and callers use them: arrays, property lists, board, registry, nb functions.
 
-#include <gtest/gtest.h>
-
 #include <boost/any.hpp>
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
+#include "Test.h"
 #include "foundation/numbenchdata/Array.h"
 #include "numbench/nbArray.h"
 #include "streamplug/PropertyList.h"
@@ -43,7 +38,7 @@ TEST(Array, IsReadAsItsOwnKindOnly) {
     const Array text = ArrayFactory::createChar(u"h\u00e9");
     const Array strings = ArrayFactory::createString({u"a", OptionalString()});
     const Array cells = ArrayFactory::createCell({text, doubles});
-    EXPECT_EQ(walk<double>(doubles), (std::vector<double>{1.5, -2.0}));
+    EXPECT_EQ(walk<double>(doubles), (Values{1.5, -2.0}));
     EXPECT_TRUE(walk<double>(Array()).empty());
     EXPECT_EQ(walk<int>(ints), std::vector<int>{3});
     EXPECT_EQ(walk<bool>(logicals), (std::vector<bool>{true, false, true}));

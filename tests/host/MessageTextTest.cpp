@@ -1,26 +1,17 @@
 #include "MessageText.h"
 
 #include <Poco/JSON/Object.h>
-#include <gtest/gtest.h>
-
 #include <bit>
-#include <cmath>
-#include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <nlohmann/json.hpp>
-#include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
+#include "DriverTest.h"
 #include "NumberText.h"
 
 namespace {
 
 using Poco::JSON::Array;
 using Poco::JSON::Object;
-using wavedeck::driver::MessageText;
 
 std::string pocoText(const Object& object) {
     std::ostringstream stream;
@@ -29,8 +20,8 @@ std::string pocoText(const Object& object) {
 }
 
 std::string textOf(double value) {
-    char text[wavedeck::driver::longestNumberText];
-    return {text, wavedeck::driver::writeNumber(value, text)};
+    char text[longestNumberText];
+    return {text, writeNumber(value, text)};
 }
 
 std::string pocoNumber(double value) {
@@ -38,7 +29,7 @@ std::string pocoNumber(double value) {
 }
 
 TEST(NumberText, IsPocosForFiniteNumbers) {
-    std::vector<double> values{0.0, -0.0, 1.0, -1.0, 0.1, 1e15, 1e-15, 123456789012345.0, 999999999999999.9};
+    Values values{0.0, -0.0, 1.0, -1.0, 0.1, 1e15, 1e-15, 123456789012345.0, 999999999999999.9};
     const auto limits = std::numeric_limits<double>{};
     for (const double extreme : {limits.max(), limits.min(), limits.denorm_min(), limits.epsilon(), 0x1p53}) {
         values.push_back(extreme);
@@ -66,7 +57,7 @@ TEST(NumberText, IsPocosForFiniteNumbers) {
 }
 
 TEST(NumberText, IsNullForWhatJsonDoesNotHave) {
-    for (const double value : {std::nan(""), -std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    for (const double value : {nan, -nan, HUGE_VAL, -HUGE_VAL}) {
         EXPECT_EQ(textOf(value), "null");
     }
 }
@@ -137,7 +128,7 @@ TEST(MessageText, WritesNullForNonFiniteNumbers) {
     values->add(1);
     Object message;
     message.set("values", values);
-    message.set("x", std::nan(""));
+    message.set("x", nan);
     EXPECT_EQ(MessageText().write(message), R"({"values":[null,null,1],"x":null})");
 }
 

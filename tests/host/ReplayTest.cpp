@@ -1,15 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "DriverRig.h"
-#include "wavedeck/WaveDeckClientRegistry.h"
 
 namespace {
-
-using wavedeck::PropertyList;
-using wavedeck::WaveDeckClientInfo;
-using wavedeck::driver::ChainKind;
 
 TEST(Replay, HandsTheStoredHistoryAsOneFrameWithItsTimes) {
     DriverRig rig(factsOf(ChainKind::Time, {realSignal(2, 0.5, 2)}));
@@ -20,8 +11,8 @@ TEST(Replay, HandsTheStoredHistoryAsOneFrameWithItsTimes) {
     rig.client.frame(Buffers{{3, 4, 7, 8}});
     rig.client.update();
     EXPECT_TRUE(rig.client.replay());
-    EXPECT_EQ(record->seen[0], (std::vector<double>{1, 2, 3, 4, 5, 6, 7, 8}));
-    EXPECT_EQ(tap->seen[0], (std::vector<double>{0, 0.5, 1, 1.5, 1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(record->seen[0], (Values{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(tap->seen[0], (Values{0, 0.5, 1, 1.5, 1, 2, 3, 4, 5, 6, 7, 8}));
     rig.client.update();
     EXPECT_EQ(rig.strategy->data[0], tap->seen[0]);
     // Given data is replayed without being stored, and shown in the place of the history.
@@ -50,7 +41,7 @@ TEST(Replay, EndsWhenNewDataComesOrAStageSaysSo) {
     ends = true;
     EXPECT_FALSE(rig.client.replay());
     rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (std::vector<double>{1, 2, 3, 4}));
+    EXPECT_EQ(rig.strategy->data[0], (Values{1, 2, 3, 4}));
 }
 
 TEST(Replay, ASetupInBetweenKeepsWhatIsStored) {
@@ -61,7 +52,7 @@ TEST(Replay, ASetupInBetweenKeepsWhatIsStored) {
     rig.client.setReplaying(true);
     rig.client.setup();
     rig.client.replay();
-    EXPECT_EQ(tap->seen[0], (std::vector<double>{1, 2}));
+    EXPECT_EQ(tap->seen[0], (Values{1, 2}));
 }
 
 TEST(Replay, ReachesBackToAllThatTheNextOutputNeeds) {
@@ -77,7 +68,7 @@ TEST(Replay, ReachesBackToAllThatTheNextOutputNeeds) {
     });
     rig.client.setup();
     for (int i = 0; i < 200; ++i) {
-        rig.client.frame(Buffers{std::vector<double>(1000, i)});
+        rig.client.frame(Buffers{Values(1000, i)});
     }
     rig.client.replay();
     EXPECT_GE(estimator->seen[0].size(), 40000U);
@@ -91,7 +82,7 @@ TEST(Replay, AFrameDisplayReplaysItsLastFrame) {
     rig.client.frame(Buffers{{1, 2, 3, 4}});
     rig.client.frame(Buffers{{5, 6, 7}});
     rig.client.replay();
-    EXPECT_EQ(tap->seen[0], (std::vector<double>{0, 0.5, 1, 5, 6, 7}));
+    EXPECT_EQ(tap->seen[0], (Values{0, 0.5, 1, 5, 6, 7}));
 }
 
 }  // namespace

@@ -1,29 +1,21 @@
 #include "StageLibrary.h"
 
-#include <gtest/gtest.h>
-
-#include "DeckClient.h"
-#include "DriverError.h"
 #include "DriverRig.h"
-#include "MessageText.h"
 
 namespace {
-
-using wavedeck::driver::DriverError;
-using wavedeck::driver::StageLibrary;
 
 TEST(StageLibrary, LoadsByNameAndMakesStagesThatRun) {
     const StageLibrary library(FAKEDECK_PATH);
     EXPECT_EQ(library.version(), "1.2.3");
     EXPECT_EQ(library.buildDate(), "");
-    wavedeck::driver::DeckClient client(factsOf(wavedeck::driver::ChainKind::Frame, {realSignal(1, 0.5, 2)}));
+    DeckClient client(factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)}));
     client.addStage("fake_tap_filter", library.makeFilter("fake_tap_filter"));
     client.addStage("fake_gain_filter", library.makeFilter("fake_gain_filter"));
     client.setStrategy("fake_strategy", library.makeStrategy("fake_strategy"));
     client.setup();
     client.frame(Buffers{{1, 2, 3}});
     const auto update = client.update();
-    EXPECT_EQ(wavedeck::driver::MessageText().write(*update.message), R"({"size":6})");
+    EXPECT_EQ(MessageText().write(*update.message), R"({"size":6})");
     const auto seen = client.query(library.query("getDoublesSeenImpl"));
     ASSERT_EQ(seen.size(), 1U);
     EXPECT_EQ(nbGetScalar(seen[0].get()), 6.0);

@@ -1,15 +1,10 @@
 #include "MagPhaseFilter.h"
 
-#include <gtest/gtest.h>
-
 #include "Board.h"
+#include "Test.h"
 #include "TestClient.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::TestClient;
 
 TEST(MagPhaseFilter, replacesMarkedSignals) {
     TestClient client({2, 2, 1});
@@ -20,21 +15,21 @@ TEST(MagPhaseFilter, replacesMarkedSignals) {
     EXPECT_FALSE(filter.isActive());
     filter.tuneImpl(TestClient::tune().addLogicals("magPhaseData", {true, true}));
     EXPECT_TRUE(filter.isActive());
-    EXPECT_EQ((std::vector<double>{2, 1, 1}), client->channelSizeFactors);
+    EXPECT_EQ((Values{2, 1, 1}), client->channelSizeFactors);
 
-    const std::vector<double> real = feed(filter, std::vector<double>(30, -2.0), 0);
+    const Values real = feed(filter, Values(30, -2.0), 0);
     ASSERT_EQ(50u, real.size());
     EXPECT_EQ(-2.0, real[9]);
     EXPECT_EQ(2.0, real[29]);
     EXPECT_EQ(180.0, real[30]);
-    const std::vector<double> complex = feed(filter, {0, 1, 0, 3, 1, 4}, 1);
-    EXPECT_EQ((std::vector<double>{0, 1, 1, 5, 90}), std::vector<double>(complex.begin(), complex.begin() + 5));
+    const Values complex = feed(filter, {0, 1, 0, 3, 1, 4}, 1);
+    EXPECT_EQ((Values{0, 1, 1, 5, 90}), Values(complex.begin(), complex.begin() + 5));
     EXPECT_EQ(6u, complex.size());
-    EXPECT_EQ((std::vector<double>{0, -2}), feed(filter, {0, -2}, 2));  // not marked
+    EXPECT_EQ((Values{0, -2}), feed(filter, {0, -2}, 2));  // not marked
     filter.tuneImpl(TestClient::tune().addLogicals("magPhaseData", {false, false}));
-    EXPECT_EQ((std::vector<double>{0, -2, 1}), feed(filter, {0, -2, 1}, 0));
+    EXPECT_EQ((Values{0, -2, 1}), feed(filter, {0, -2, 1}, 0));
     EXPECT_FALSE(filter.isActive());
-    EXPECT_EQ((std::vector<double>{1, 1, 1}), client->channelSizeFactors);
+    EXPECT_EQ((Values{1, 1, 1}), client->channelSizeFactors);
 }
 
 TEST(MagPhaseFilter, publishesMarksAndSpans) {
@@ -44,18 +39,13 @@ TEST(MagPhaseFilter, publishesMarksAndSpans) {
     filter.tuneImpl(TestClient::list("setup").addChar("clientID", client.name()).addInts("numChannels", {1}));
     EXPECT_EQ(7.0, board::read<double>(client.board(), MagPhaseFilter::customSpan));  // was there
     EXPECT_EQ((std::vector<std::string>{"autoSpan", "customSpan", "magPhaseData", "timeRange"}), client.board().keys());
-    filter.tuneImpl(TestClient::tune()
-                        .addLogicals("magPhaseData", {true})
-                        .addLogical("autoSpan", true)
-                        .addDouble("customSpan", 2.5)
-                        .addDoubles("timeRange", {5, 6}));
+    filter.tuneImpl(TestClient::tune("autoSpan=true customSpan=2.5 timeRange=5,6").addLogicals("magPhaseData", {true}));
     EXPECT_TRUE(board::read<bool>(client.board(), MagPhaseFilter::autoSpan));
     EXPECT_TRUE(filter.getAutoSpan());
     EXPECT_EQ(2.5, filter.getCustomSpanSeconds());
     EXPECT_EQ(2.5, board::read<double>(client.board(), MagPhaseFilter::customSpan));
     EXPECT_EQ(std::vector<bool>{true}, board::read<std::vector<bool>>(client.board(), MagPhaseFilter::magPhaseData));
-    EXPECT_EQ((std::vector<double>{5, 6}), board::read<std::vector<double>>(client.board(), MagPhaseFilter::timeRange));
+    EXPECT_EQ((Values{5, 6}), board::read<Values>(client.board(), MagPhaseFilter::timeRange));
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,27 +1,19 @@
 #include "MagPhase.h"
 
-#include <gtest/gtest.h>
+#include "Test.h"
 
-#include <cmath>
-#include <limits>
-#include <vector>
-
-namespace dspwavedecks {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TEST(MagPhase, realSamples) {
     // Squares of 1e200 and 1e-200 would leave the range of doubles: the magnitude is exact all the same.
-    const std::vector<double> in = {10, 11, 12,   13,    14,  // times
-                                    -2, 0,  -0.0, 1e200, -1e-200, infinity, -infinity, nan, 5e-324, 3};
+    const Values in = {10, 11, 12,   13,    14,  // times
+                       -2, 0,  -0.0, 1e200, -1e-200, infinity, -infinity, nan, 5e-324, 3};
     MagPhase magPhase(2, false);
-    std::vector<double> out(25, 99.0);
+    Values out(25, 99.0);
     magPhase.computeMagPhase(in.data(), out, 5);
-    const std::vector<double> expected = {10,  11, 12, 13,    14,                                          // times
-                                          2,   0,  0,  1e200, 1e-200, infinity, infinity, nan, 5e-324, 3,  // magnitudes
-                                          180, 0,  0,  0,     180,    0,        180,      nan, 0,      0};
+    const Values expected = {10,  11, 12, 13,    14,                                          // times
+                             2,   0,  0,  1e200, 1e-200, infinity, infinity, nan, 5e-324, 3,  // magnitudes
+                             180, 0,  0,  0,     180,    0,        180,      nan, 0,      0};
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_TRUE(expected[i] == out[i] || (std::isnan(expected[i]) && std::isnan(out[i]))) << i << ": " << out[i];
     }
@@ -29,18 +21,17 @@ TEST(MagPhase, realSamples) {
 
 TEST(MagPhase, complexSamples) {
     // Two channels of three points: real parts of both, then imaginary parts of both.
-    const std::vector<double> in = {0, 1, 2, /* re */ 0, 3, -1, -5, 0, -2, /* im */ 1, 4, 0, -0.0, 0, 2};
+    const Values in = {0, 1, 2, /* re */ 0, 3, -1, -5, 0, -2, /* im */ 1, 4, 0, -0.0, 0, 2};
     MagPhase magPhase;
     magPhase.setNumChannels(4);
     magPhase.setIsInputComplex(true);
-    std::vector<double> out(15);
+    Values out(15);
     magPhase.computeMagPhase(in.data(), out, 3);
     const double degrees = std::atan(4.0 / 3.0) * 57.295779513082320877;
-    const std::vector<double> expected = {0, 1, 2, 1, 5, 1, 5, 0, std::sqrt(8.0), 90, degrees, 180, -180, 0, 135};
+    const Values expected = {0, 1, 2, 1, 5, 1, 5, 0, std::sqrt(8.0), 90, degrees, 180, -180, 0, 135};
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_NEAR(expected[i], out[i], 1e-13 * std::fabs(expected[i])) << i;
     }
 }
 
 }  // namespace
-}  // namespace dspwavedecks

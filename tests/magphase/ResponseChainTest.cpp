@@ -1,59 +1,28 @@
 // The response chain as the host runs it: stages by name from the library, coefficients in, client messages out.
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <numbers>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "DeckClient.h"
-#include "StageLibrary.h"
+#include "DriverTest.h"
 #include "StrategyTestSupport.h"
 
 namespace {
 
-using testsupport::at;
-using testsupport::ObjectPointer;
-using wavedeck::PropertyList;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::DeckClient;
-
-const wavedeck::driver::StageLibrary& library() {
-    static const wavedeck::driver::StageLibrary loaded(STAGE_LIBRARY);
-    return loaded;
-}
-
-ClientFacts responseFacts() {
-    ClientFacts facts;
-    facts.name = "response";
-    facts.kind = ChainKind::Response;
-    facts.signals.resize(1);
-    facts.signals[0].id = "taps";
-    facts.signals[0].frameSize = 2;
-    return facts;
-}
-
 struct ResponseClient {
-    ResponseClient() : deck(responseFacts()) {
+    ResponseClient() : deck(factsOf(ChainKind::Response, {realSignal(1, 1.0, 2)})) {
         for (const char* name : {"simulation_meta_data_filter", "digital_filter_frequency_response_filter",
                                  "magnitude_phase_response_filter", "peak_finder_filter"}) {
-            deck.addStage(name, library().makeFilter(name));
+            deck.addStage(name, stageLibrary().makeFilter(name));
         }
         const std::string strategy = "magnitude_phase_response_data_strategy";
-        deck.setStrategy(strategy, library().makeStrategy(strategy));
+        deck.setStrategy(strategy, stageLibrary().makeStrategy(strategy));
         deck.setup();
     }
 
     /// The message that the coefficients give.
-    ObjectPointer update(const std::vector<double>& coefficients) {
-        deck.frame(std::vector<std::vector<double>>{coefficients});
+    ObjectPointer update(const Values& coefficients) {
+        deck.frame(std::vector<Values>{coefficients});
         return deck.updateNow().message;
     }
     /// Its signal 0.
-    ObjectPointer respond(const std::vector<double>& coefficients) { return at(update(coefficients), "signals", 0); }
+    ObjectPointer respond(const Values& coefficients) { return at(update(coefficients), "signals", 0); }
 
     DeckClient deck;
 };
@@ -75,7 +44,7 @@ TEST(ResponseChain, TurnsCoefficientsIntoAMessage) {
         EXPECT_NEAR(valueAt(mean, 1, "data", point), -180.0 * f / 44100.0, 1e-10);
     }
 
-    client.deck.tune("magnitude_phase_response_filter", PropertyList().addChar("magnitudeDisplay", "Magnitude"));
+    client.deck.tune("magnitude_phase_response_filter", optionList("magnitudeDisplay=Magnitude"));
     client.deck.resizeFrames({3});
     const ObjectPointer sum = client.respond({1.0, 2.0, 3.0});
     EXPECT_EQ(at(sum, "channel", 0)->getArray("data")->size(), 2048U);
@@ -87,10 +56,10 @@ TEST(ResponseChain, TurnsCoefficientsIntoAMessage) {
 /// The mean of eight has its zeros at multiples of an eighth of the sample rate and a sidelobe between each two.
 TEST(ResponseChain, TellsThePeaksOfTheMagnitude) {
     ResponseClient client;
-    const std::vector<double> mean(8, 0.125);
+    const Values mean(8, 0.125);
     EXPECT_FALSE(client.update(mean)->getObject("measurements")->has("peaks"));
-    client.deck.tune("magnitude_phase_response_filter", PropertyList().addChar("magnitudeDisplay", "Magnitude"));
-    client.deck.tune("peak_finder_filter", PropertyList().addLogical("peakFinderEnabled", true).addInt("numPeaks", 2));
+    client.deck.tune("magnitude_phase_response_filter", optionList("magnitudeDisplay=Magnitude"));
+    client.deck.tune("peak_finder_filter", optionList("peakFinderEnabled=true numPeaks=2"));
     const ObjectPointer peaks = client.update(mean)->getObject("measurements")->getObject("peaks");
     EXPECT_EQ(peaks->getValue<int>("numPeaks"), 2);
     const auto first = [&](const char* key) { return std::stod(peaks->getValue<std::string>(key).substr(1)); };
@@ -108,34 +77,6 @@ TEST(ResponseChain, KeepsTheLastResponseWhenAFrameHasNone) {
     client.respond({2.0, 2.0});
     const ObjectPointer kept = client.respond({});
     EXPECT_NEAR(valueAt(kept, 0, "data", 0), 20.0 * std::log10(4.0), 1e-12);
-}
-
-/// A person who changes everything while coefficients come in; the sanitizers look on.
-TEST(ResponseChain, SurvivesRandomUse) {
-    std::mt19937 engine(7);
-    const auto upTo = [&](int largest) { return std::uniform_int_distribution<int>(0, largest)(engine); };
-    const char* const scales[] = {"Magnitude", "Magnitude (dB)", "Magnitude squared", "?"};
-    ResponseClient client;
-    for (int step = 0; step < 60; ++step) {
-        switch (upTo(4)) {
-            case 0:
-                client.deck.tune("magnitude_phase_response_filter",
-                                 PropertyList().addChar("magnitudeDisplay", scales[upTo(3)]));
-                break;
-            case 1:
-                client.deck.resize({upTo(3)}, {upTo(5)});
-                break;
-            case 2:
-                client.deck.setup();
-                break;
-            default: {
-                const int channels = client.deck.facts().signals[0].numChannels;
-                client.deck.frame(std::vector<std::vector<double>>{
-                    std::vector<double>(static_cast<std::size_t>(channels * upTo(4)), 0.25)});
-                EXPECT_TRUE(client.deck.updateNow().message->has("signals"));
-            }
-        }
-    }
 }
 
 }  // namespace

@@ -1,21 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <numbers>
-#include <vector>
-
 #include "Board.h"
 #include "DigitalFilterFrequencyResponseFilter.h"
 #include "MagPhaseResponseFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 #include "streamplug/Exceptions.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::TestClient;
 
 PropertyList tuneOf(const TestClient& client) {
     return TestClient::tune().addChar("clientID", client.name());
@@ -26,9 +16,9 @@ TEST(DigitalFilterFrequencyResponseFilter, TakesAFrameAsCoefficients) {
     DigitalFilterFrequencyResponseFilter filter;
     filter.tuneImpl(client.setup());
     EXPECT_TRUE(filter.isActive() && !filter.isReadOnly() && filter.changesChannelSize());
-    EXPECT_EQ(client->channelSizeFactors, std::vector<double>{1.0});
+    EXPECT_EQ(client->channelSizeFactors, Values{1.0});
 
-    const std::vector<double> out = feed(filter, {0.5, 0.5});
+    const Values out = feed(filter, {0.5, 0.5});
     ASSERT_EQ(out.size(), 3U * 2048);
     EXPECT_EQ(out[0], 0.0);
     EXPECT_EQ(out[2047], 22050.0);
@@ -52,10 +42,10 @@ TEST(DigitalFilterFrequencyResponseFilter, UsesTheFirstChannelOnly) {
 
 TEST(DigitalFilterFrequencyResponseFilter, LeavesOtherFramesAlone) {
     TestClient client({1, 1});
-    const std::vector<double> frame{1.0, 2.0};
-    const std::vector<double> before{7.0};
+    const Values frame{1.0, 2.0};
+    const Values before{7.0};
     const auto expectIgnored = [&](BaseFilter& filter, const double* data, unsigned long length, int signal) {
-        std::vector<double> out = before;
+        Values out = before;
         filter.setInputLength(length);
         filter.filterImpl(data, out, signal);
         EXPECT_EQ(out, before);
@@ -88,7 +78,7 @@ protected:
 };
 
 TEST_F(MagPhaseResponse, ShowsThreeScales) {
-    const std::vector<double> frame{10.0, 20.0, 30.0, 0.0, 1.0, -3.0, 0.0, 0.0, 0.0};
+    const Values frame{10.0, 20.0, 30.0, 0.0, 1.0, -3.0, 0.0, 0.0, 0.0};
     const double floor = 20.0 * std::log10(std::numeric_limits<double>::denorm_min());
     const struct {
         const char* scale;
@@ -103,7 +93,7 @@ TEST_F(MagPhaseResponse, ShowsThreeScales) {
     EXPECT_EQ(feed(filter, frame)[4], 0.0);  // decibels from the start
     for (const auto& row : rows) {
         show(row.scale);
-        const std::vector<double> out = feed(filter, frame);
+        const Values out = feed(filter, frame);
         ASSERT_EQ(out.size(), 9U);
         for (std::size_t k = 0; k < 3; ++k) {
             EXPECT_EQ(out[k], frame[k]);
@@ -119,9 +109,9 @@ TEST_F(MagPhaseResponse, ShowsThreeScales) {
 TEST_F(MagPhaseResponse, FollowsTheCoefficients) {
     DigitalFilterFrequencyResponseFilter coefficients;
     coefficients.tuneImpl(client.setup());
-    std::vector<double> delay(65, 0.0);
+    Values delay(65, 0.0);
     delay.back() = 10.0;
-    const std::vector<double> out = feed(filter, feed(coefficients, delay));
+    const Values out = feed(filter, feed(coefficients, delay));
     ASSERT_EQ(out.size(), 3U * 2048);
     for (std::size_t k = 0; k < 2048; k += 7) {
         EXPECT_NEAR(out[2048 + k], 20.0, 1e-12);
@@ -133,9 +123,9 @@ TEST_F(MagPhaseResponse, CountsRealSignalsTwiceAlsoAfterASizeChange) {
     TestClient mixed({1, 2}, "mixed");
     mixed->setIsComplex({0, 1});
     filter.tuneImpl(mixed.setup());
-    const std::vector<double> frame{1.0, 2.0, 3.0, 0.0, 0.0, 4.0};  // 3 + 0j and 0 + 4j at 1 and 2
-    filter.tuneImpl(TestClient::tune().addChar("clientID", "mixed").addChar("magnitudeDisplay", "Magnitude"));
-    const std::vector<double> expected{1.0, 2.0, 3.0, 4.0, 0.0, 90.0};
+    const Values frame{1.0, 2.0, 3.0, 0.0, 0.0, 4.0};  // 3 + 0j and 0 + 4j at 1 and 2
+    filter.tuneImpl(TestClient::tune("clientID=mixed magnitudeDisplay=Magnitude"));
+    const Values expected{1.0, 2.0, 3.0, 4.0, 0.0, 90.0};
     for (int pass = 0; pass < 2; ++pass) {
         EXPECT_EQ(feed(filter, frame, 0), expected);
         EXPECT_EQ(feed(filter, frame, 1), expected);
@@ -147,10 +137,8 @@ TEST_F(MagPhaseResponse, CountsRealSignalsTwiceAlsoAfterASizeChange) {
 TEST_F(MagPhaseResponse, PublishesMarksAndSpans) {
     EXPECT_EQ(board::read<double>(client.board(), MagPhaseResponseFilter::customSpan, -1.0), 0.0);
     EXPECT_THROW(filter.tuneImpl(TestClient::tune()), streamplug::kit::array::OptionNotFound);
-    filter.tuneImpl(tuneOf(client)
-                        .addLogicals("magPhaseData", {true, false})
-                        .addLogical("autoSpan", true)
-                        .addDouble("customSpan", 2.5));
+    filter.tuneImpl(
+        tuneOf(client).addLogicals("magPhaseData", {true, false}).append(optionList("autoSpan=true customSpan=2.5")));
     filter.tuneImpl(tuneOf(client));
     EXPECT_EQ(board::read<std::vector<bool>>(client.board(), MagPhaseResponseFilter::magPhaseData),
               (std::vector{true, false}));
@@ -160,14 +148,13 @@ TEST_F(MagPhaseResponse, PublishesMarksAndSpans) {
 
 TEST_F(MagPhaseResponse, TakesOddFramesWithoutReachingOutside) {
     for (const std::size_t length : {0U, 1U, 2U, 4U, 5U}) {
-        const std::vector<double> frame(length, 1.0);
+        const Values frame(length, 1.0);
         EXPECT_EQ(feed(filter, frame).size(), length / 3 * 3);
         EXPECT_EQ(feed(filter, frame, 9).size(), length);  // no such signal: no channels
     }
-    std::vector<double> out{1.0};
+    Values out{1.0};
     filter.filterImpl(nullptr, out, 0);
     EXPECT_EQ(out, std::vector{1.0});
 }
 
 }  // namespace
-}  // namespace dspwavedecks

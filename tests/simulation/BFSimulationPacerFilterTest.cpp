@@ -1,25 +1,17 @@
 #include "BFSimulationPacerFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "Board.h"
 #include "SimulationMetaDataFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::TestClient;
 
 TEST(BFSimulationPacerFilter, holdsOneFrameAfterTheDrift) {
     TestClient client({1, 1});
     board::addIfAbsent<double>(client.board(), SimulationMetaDataFilter::simTime);
     BFSimulationPacerFilter pacer;
     pacer.tuneImpl(client.setup());
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         double simulation, data, rate;
         bool proceeds;
@@ -47,10 +39,9 @@ TEST(BFSimulationPacerFilter, answersTheSetupAlone) {
     TestClient client;
     BFSimulationPacerFilter pacer;
     EXPECT_TRUE(pacer.isActive());
-    pacer.tuneImpl(
-        client.setup().addLogical("enableSimDriftRateThreshold", false).addDouble("simDriftRateThreshold", 0));
+    pacer.tuneImpl(client.setup("enableSimDriftRateThreshold=false simDriftRateThreshold=0"));
     EXPECT_FALSE(pacer.isActive());
-    pacer.tuneImpl(TestClient::tune().addLogical("enableSimDriftRateThreshold", true));
+    pacer.tuneImpl(TestClient::tune("enableSimDriftRateThreshold=true"));
     pacer.tuneImpl(TestClient::list("onInputSizeChange"));  // would miss its options if it were answered
     EXPECT_FALSE(pacer.isActive());
 
@@ -72,4 +63,3 @@ TEST(BFSimulationPacerFilter, outlivesItsClient) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

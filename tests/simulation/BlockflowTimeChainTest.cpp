@@ -1,10 +1,5 @@
 // The time chain of a simulation under the driver: it measures what the chain of a stream measures, tells when its
 // cache is full, and is held by its pacer while the display is behind.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "BFBilevelMeasurementsFilter.h"
 #include "BFMeasurementsDataCacheFilter.h"
@@ -13,28 +8,18 @@
 #include "BFTimePeakFinderFilter.h"
 #include "BFTimeSignalStatisticsFilter.h"
 #include "BFTriggerFilter.h"
-#include "BlockflowSimulation.h"
-#include "DeckClient.h"
+#include "DriverTest.h"
 #include "MagPhaseFilter.h"
-#include "MessageText.h"
 #include "TimeDataStrategy.h"
 
-namespace dspwavedecks {
 namespace {
 
-using wavedeck::PropertyList;
-using wavedeck::driver::BlockflowSimulation;
-using wavedeck::driver::ChainKind;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::DeckClient;
-using wavedeck::driver::StepResult;
-
 /// Two channels, pulses of a period of 37 ms and the same turned over and five times as large, for a number of steps.
-class Pulses : public wavedeck::driver::SimulationInput {
+class Pulses : public SimulationInput {
 public:
     explicit Pulses(std::size_t steps) : steps_(steps) {}
 
-    bool read(std::size_t, std::size_t frameSize, std::vector<double>& frame) override {
+    bool read(std::size_t, std::size_t frameSize, Values& frame) override {
         frame.resize(2 * frameSize);
         for (std::size_t i = 0; i < frameSize; ++i) {
             const auto phase = static_cast<double>((next_ + i) % 37);
@@ -90,10 +75,10 @@ struct TimeChain {
     }
     template <class Statistics, class Peaks, class Bilevel>
     void addMeasurements(const std::string& prefix, double span, PropertyList options) {
-        options.addDouble("customSpan", span).addLogical("signalStatisticsEnabled", true);
-        options.addLogical("peakFinderEnabled", true).addInt("numPeaks", 5);
-        options.addLogical("bilevelMeasurementsEnabled", true);
-        options.addLogical("showTransitions", true).addLogical("showCycles", true).addLogical("showAberrations", true);
+        options.addDouble("customSpan", span)
+            .append(optionList("signalStatisticsEnabled=true peakFinderEnabled=true numPeaks=5 "
+                               "bilevelMeasurementsEnabled=true showTransitions=true showCycles=true "
+                               "showAberrations=true"));
         add<Statistics>(prefix + "time_signal_statistics_filter", options);
         add<Peaks>(prefix + "time_peak_finder_filter", options);
         add<Bilevel>(prefix + "bilevel_measurements_filter", options);
@@ -110,14 +95,14 @@ struct TimeChain {
         measurements->getObject("stats")->remove("timeRange");
         update->remove("simulation");
         measurements->remove("isMaximumCacheMemoryUsed");
-        return wavedeck::driver::MessageText().write(*update);
+        return MessageText().write(*update);
     }
 
     DeckClient client;
 };
 
 TEST(BlockflowTimeChain, MeasuresWhatThatOfAStreamMeasures) {
-    const PropertyList second = PropertyList().addInt("measurementChannel", 1);
+    const PropertyList second = optionList("measurementChannel=1");
     const struct {
         int frameSize;
         std::size_t steps;
@@ -131,7 +116,7 @@ TEST(BlockflowTimeChain, MeasuresWhatThatOfAStreamMeasures) {
             TimeChain chain(kind, frameSize, span, measured);
             Pulses input(steps);
             if (kind == ChainKind::Time) {
-                for (std::vector<double> frame; input.read(0, static_cast<std::size_t>(frameSize), frame);) {
+                for (Values frame; input.read(0, static_cast<std::size_t>(frameSize), frame);) {
                     chain.client.frame({frame});
                 }
             } else {
@@ -198,4 +183,3 @@ TEST(BlockflowTimeChain, ASlowDisplayHoldsTheSimulationAndItGoesOn) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,18 +1,13 @@
 #include "SimulationMetaDataFilter.h"
 
-#include <gtest/gtest.h>
-
 #include "BFAppSimulationMetaDataFilter.h"
 #include "BFSimulationMetaDataFilter.h"
 #include "Board.h"
+#include "Test.h"
 #include "TestClient.h"
 #include "streamplug/Exceptions.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::TestClient;
 
 struct Counters {
     unsigned long frames, samples;
@@ -36,7 +31,7 @@ TEST(SimulationMetaDataFilter, countsPlainStreams) {
     SimulationMetaDataFilter filter;
     EXPECT_EQ((Counters{0, 0, 0}), read(client));
     filter.tuneImpl(client.setup());
-    const std::vector<double> real(4), complex(8);
+    const Values real(4), complex(8);
     feed(filter, real, 0);
     EXPECT_EQ((Counters{0, 0, 0}), read(client));  // the board is written on the last signal
     feed(filter, complex, 1);
@@ -76,8 +71,8 @@ TEST(SimulationMetaDataFilter, findsItsPlacesAfterASetupDuringReplay) {
 }
 
 /// A buffer in head form: one time a frame, then the data.
-std::vector<double> headForm(const std::vector<double>& times, int channels, int frameSize) {
-    std::vector<double> buffer = times;
+Values headForm(const Values& times, int channels, int frameSize) {
+    Values buffer = times;
     buffer.resize(times.size() * static_cast<std::size_t>(1 + channels * frameSize));
     return buffer;
 }
@@ -119,23 +114,23 @@ TEST(BFSimulationMetaDataFilter, countsAndTakesBackSampleBasedFrames) {
     client->setIsComplex({1, 0});
     client->setTimeBased(false);
     BFSimulationMetaDataFilter filter;
-    filter.tuneImpl(client.setup().addDouble("compiledStepSize", 0.5));
+    filter.tuneImpl(client.setup("compiledStepSize=0.5"));
     client->setSimulationTime(100);
-    feed(filter, std::vector<double>(8), 0);
-    feed(filter, std::vector<double>(3), 1);
+    feed(filter, Values(8), 0);
+    feed(filter, Values(3), 1);
     // The first signal was timed before the frame was counted, one step before 0; the second after it.
     EXPECT_EQ((Counters{1, 7, 0.0}), read(client));
-    feed(filter, std::vector<double>(8), 0);
-    feed(filter, std::vector<double>(3), 1);
+    feed(filter, Values(8), 0);
+    feed(filter, Values(3), 1);
     EXPECT_EQ((Counters{2, 14, 0.5}), read(client));
     client->setSimulationTime(-1);
-    feed(filter, std::vector<double>(8), 0);
-    feed(filter, std::vector<double>(3), 1);
+    feed(filter, Values(8), 0);
+    feed(filter, Values(3), 1);
     EXPECT_EQ((Counters{1, 7, 0.5}), read(client));  // signal 0 was timed at two frames
-    filter.tuneImpl(TestClient::tune().addLogical("useBlockflowSimTime", true));
+    filter.tuneImpl(TestClient::tune("useBlockflowSimTime=true"));
     client->setSimulationTime(42);
-    feed(filter, std::vector<double>(8), 0);
-    feed(filter, std::vector<double>(3), 1);
+    feed(filter, Values(8), 0);
+    feed(filter, Values(3), 1);
     EXPECT_EQ((Counters{2, 14, 42}), read(client));
 }
 
@@ -164,4 +159,3 @@ TEST(BFAppSimulationMetaDataFilter, hasNoStepBack) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,22 +1,11 @@
 #include "BFFrequencyDataStrategy.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "BFInputPortParametersHandlerFilter.h"
 #include "BFSpectrumDataAggregatorFilter.h"
 #include "StrategyTestSupport.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::at;
-using testsupport::publish;
-using testsupport::TestClient;
-using testsupport::text;
-using testsupport::update;
-using Values = std::vector<double>;
 
 /// The signal of a message about one buffer.
 /// frameSize  points of a slot
@@ -89,8 +78,6 @@ TEST(BFFrequencyDataStrategy, findsTheSpectraOfABufferLaidOutByHand) {
 }
 
 TEST(BFFrequencyDataStrategy, leavesOutWhatDoesNotFit) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     const struct {
         const char* what;
         unsigned long length;
@@ -204,7 +191,7 @@ TEST(BFFrequencyDataStrategy, keepsQuietAboutInputPorts) {
     publish(client, 1);
     client.frameSize = {1, 1, 1};
     BFInputPortParametersHandlerFilter ports;
-    ports.tuneImpl(client.setup().addLogical("inputPortRBW", true));
+    ports.tuneImpl(client.setup("inputPortRBW=true"));
     BFFrequencyDataStrategy strategy;
     const std::vector<Values> data(3, Values{1, 5});
     EXPECT_EQ(3u, update(strategy, client, data)->getArray("signals")->size());
@@ -261,4 +248,3 @@ TEST(BFSpectrumDataAggregatorFilter, countsComplexChannelsOnce) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,22 +1,10 @@
 #include "FrameDataStrategy.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "MagPhaseFilter.h"
 #include "StrategyTestSupport.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::at;
-using testsupport::TestClient;
-using testsupport::text;
-using testsupport::update;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TEST(FrameDataStrategy, makesTheMessage) {
     TestClient client({1, 1, 2});
@@ -45,7 +33,7 @@ TEST(FrameDataStrategy, makesTheMessage) {
 
 TEST(FrameDataStrategy, searchesItsLimitsByComparison) {
     const struct {
-        std::vector<double> buffer;
+        Values buffer;
         int channels;
         bool marked;
         std::string smallest, largest;
@@ -74,11 +62,10 @@ TEST(FrameDataStrategy, sendsTheWholeFrameAndItsMeasurements) {
     FrameDataStrategy strategy;  // no marks on the board count as none
     testsupport::activate(client, "signal_statistics_filter");
     testsupport::activate(client, "peak_finder_filter");
-    const auto message = update(strategy, client, {std::vector<double>(200000, 1.0)});
+    const auto message = update(strategy, client, {Values(200000, 1.0)});
     EXPECT_EQ(100000u, at(at(message, "signals", 0), "channel", 0)->getArray("data")->size());
     EXPECT_TRUE(message->getObject("measurements")->has("stats"));
     EXPECT_TRUE(message->getObject("measurements")->has("peaks"));
 }
 
 }  // namespace
-}  // namespace dspwavedecks

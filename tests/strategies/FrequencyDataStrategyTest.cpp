@@ -1,31 +1,17 @@
 #include "FrequencyDataStrategy.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <numeric>
-
 #include "Board.h"
 #include "PhaseNoiseFilter.h"
 #include "SpectrumEstimatorFilter.h"
 #include "SpectrumThinnerFilter.h"
 #include "StrategyTestSupport.h"
+#include "Test.h"
 #include "phaseNoiseStruct.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::at;
-using testsupport::publish;
-using testsupport::TestClient;
-using testsupport::text;
-using testsupport::update;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-std::vector<double> counted(std::size_t count) {
-    std::vector<double> values(count);
+Values counted(std::size_t count) {
+    Values values(count);
     std::iota(values.begin(), values.end(), 0.0);
     return values;
 }
@@ -79,8 +65,8 @@ TEST(FrequencyDataStrategy, sendsTheNewestLinesFirst) {
     record.showSpectrogram = true;
     record.numSpectrogramLines = 10;
     FrequencyDataStrategy strategy;
-    std::vector<double> buffer = counted(800);  // four lines in the buffer
-    buffer[400 + 100 + 2] = nan;                // line 2, third point
+    Values buffer = counted(800);  // four lines in the buffer
+    buffer[400 + 100 + 2] = nan;   // line 2, third point
     auto channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
     EXPECT_EQ(400u, channel->getArray("data")->size());
     EXPECT_EQ(700.0, channel->getArray("data")->getElement<double>(0));
@@ -131,7 +117,7 @@ TEST(FrequencyDataStrategy, staysInsideTheBuffer) {
 
 TEST(FrequencyDataStrategy, countsThePointsBetweenUnevenFrequencies) {
     const struct {
-        std::vector<double> grid;
+        Values grid;
         double step;
         int points;
     } rows[] = {
@@ -150,7 +136,7 @@ TEST(FrequencyDataStrategy, countsThePointsBetweenUnevenFrequencies) {
         auto& record = publish(client, row.grid.size());
         record.linearFrequencyVector = false;
         record.minDeltaF = row.step;
-        std::vector<double> buffer = row.grid;
+        Values buffer = row.grid;
         buffer.resize(2 * row.grid.size());
         FrequencyDataStrategy strategy;
         auto signal = at(update(strategy, client, {buffer}), "signals", 0);
@@ -182,7 +168,7 @@ TEST(FrequencyDataStrategy, attachesWhatIsActive) {
     record.maxHoldTrace = {1, 2, 3, 4};
     record.numChannels = {1, 1};
     FrequencyDataStrategy strategy;
-    const std::vector<std::vector<double>> data = {{0, 1, 5, 6}, {0, 1, 7, 8}};
+    const std::vector<Values> data = {{0, 1, 5, 6}, {0, 1, 7, 8}};
     auto message = update(strategy, client, data);
     EXPECT_EQ("[[3,4]]", text(at(message, "signals", 1)->getObject("traceHold"), "maxHold"));
     EXPECT_FALSE(at(message, "signals", 1)->getObject("traceHold")->has("minHold"));
@@ -207,4 +193,3 @@ TEST(FrequencyDataStrategy, attachesWhatIsActive) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

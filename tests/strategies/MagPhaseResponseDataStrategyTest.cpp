@@ -1,26 +1,16 @@
 #include "MagPhaseResponseDataStrategy.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "StrategyTestSupport.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::at;
-using testsupport::TestClient;
-using testsupport::text;
-using testsupport::update;
 
 TEST(MagPhaseResponseDataStrategy, SendsMagnitudeAndPhaseOfRealAndComplexSignals) {
     TestClient client({1, 2});
     client->setIsComplex({0, 1});
     client->setOffsets({100, 0});
     MagPhaseResponseDataStrategy strategy;
-    const std::vector<double> response{0, 1, 2, -3, -40, -9, 90, 0, -90};
+    const Values response{0, 1, 2, -3, -40, -9, 90, 0, -90};
     const auto message = update(strategy, client, {response, response}, {"low", "high"});
     EXPECT_EQ(message->size(), 3U);
     EXPECT_EQ(message->getObject("measurements")->size(), 0U);
@@ -47,7 +37,7 @@ TEST(MagPhaseResponseDataStrategy, SendsMagnitudeAndPhaseOfRealAndComplexSignals
 /// The stretch of the phases begins one point early, and an odd count of channels counts one more as magnitudes.
 TEST(MagPhaseResponseDataStrategy, FindsItsLimitsAsTold) {
     const struct {
-        std::vector<double> buffer;
+        Values buffer;
         int channels;
         bool isComplex;
         std::string smallest, largest;
@@ -79,4 +69,3 @@ TEST(MagPhaseResponseDataStrategy, AttachesPeaksButNoStatistics) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

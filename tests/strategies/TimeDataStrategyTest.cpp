@@ -1,27 +1,14 @@
 #include "TimeDataStrategy.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <numeric>
-
 #include "MagPhaseFilter.h"
 #include "StrategyTestSupport.h"
+#include "Test.h"
 #include "wavedeck/DataStorageFilterUtils.h"
 #include "wavedeck/WaveDeckStatics.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::at;
-using testsupport::TestClient;
-using testsupport::text;
-using testsupport::update;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-void setBoard(const TestClient& client, std::vector<bool> marks, std::vector<double> timeRange) {
+void setBoard(const TestClient& client, std::vector<bool> marks, Values timeRange) {
     client.board().addCustomSetting(MagPhaseFilter::magPhaseData, marks);
     client.board().addCustomSetting(MagPhaseFilter::timeRange, timeRange);
 }
@@ -29,7 +16,7 @@ void setBoard(const TestClient& client, std::vector<bool> marks, std::vector<dou
 TEST(TimeDataStrategy, choosesTheNewestPoints) {
     const struct {
         int points;
-        std::vector<double> timeRange;
+        Values timeRange;
         double sampleTime;
         bool replay;
         int start;
@@ -63,7 +50,7 @@ TEST(TimeDataStrategy, makesTheMessage) {
     client->setSampleTimes({1, 1, 1});
     setBoard(client, {true, false}, {2, 100});
     TimeDataStrategy strategy;
-    const std::vector<std::vector<double>> data = {
+    const std::vector<Values> data = {
         {0, 1, 2, 3, /* magnitudes */ 9, 1, nan, 3, /* phases */ 0, infinity, -90, 45}, {}, {0, 1, nan, infinity}};
     const auto message = update(strategy, client, data, {"a", "b", "c"});
     EXPECT_EQ(3u, message->size());
@@ -97,8 +84,9 @@ TEST(TimeDataStrategy, makesTheMessage) {
     EXPECT_EQ(2u, message->getArray("signals")->getObject(0)->getArray("channel")->size());  // not written over
     EXPECT_EQ("[1,0,3]", text(magnitude, "data"));
     client.numChannels = {11, 1, 1};
-    EXPECT_EQ("db10", at(at(update(strategy, client, {std::vector<double>(24)}), "signals", 0), "channel", 10)
-                          ->getValue<std::string>("dbid"));
+    EXPECT_EQ(
+        "db10",
+        at(at(update(strategy, client, {Values(24)}), "signals", 0), "channel", 10)->getValue<std::string>("dbid"));
 }
 
 TEST(TimeDataStrategy, attachesWhatIsActive) {
@@ -133,7 +121,7 @@ TEST(TimeDataStrategy, countsItsUpdates) {
 }
 
 TEST(DataStrategy, asksWhetherSignalsHaveData) {
-    const std::vector<std::vector<double>> data = {{1}, {}};
+    const std::vector<Values> data = {{1}, {}};
     EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 0));
     EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 1));
     EXPECT_FALSE(DataStrategy::areAllChannelDataValid(data, 2));
@@ -141,4 +129,3 @@ TEST(DataStrategy, asksWhetherSignalsHaveData) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

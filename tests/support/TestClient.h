@@ -4,14 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "streamplug/PropertyList.h"
+#include "OptionText.h"
 #include "wavedeck/WaveDeckClientInfo.h"
 #include "wavedeck/WaveDeckClientRegistry.h"
 #include "wavedeck/WaveDeckTransformImpl.h"
 
 namespace testsupport {
-
-using streamplug::interfaces::device::PropertyList;
 
 /// A client of the stand-in host that is there for the length of one test.
 class TestClient {
@@ -31,15 +29,18 @@ public:
     wavedeck::WaveDeckClientSettings& board() const { return info->getClientSettings(); }
     const std::string& name() const { return name_; }
 
-    /// A list with an action and nothing else, to be added to.
-    static PropertyList list(const std::string& action) { return PropertyList().addChar("action", action); }
-    static PropertyList tune() { return list("tune"); }
+    /// A list with an action and options as text, to be added to.
+    static PropertyList list(const std::string& action, const std::string& options = "") {
+        return PropertyList().addChar("action", action).append(optionList(options));
+    }
+    static PropertyList tune(const std::string& options = "") { return list("tune", options); }
 
-    /// The list of a setup as the host makes it.
-    PropertyList setup() const {
+    /// The list of a setup as the host makes it, and options.
+    PropertyList setup(const std::string& options = "") const {
         PropertyList result = list("setup");
         result.addChar("clientID", name_).addDouble("numSignals", static_cast<double>(numChannels.size()));
-        return result.addInts("numChannels", numChannels).addInts("frameSize", frameSize);
+        result.addInts("numChannels", numChannels).addInts("frameSize", frameSize);
+        return result.append(optionList(options));
     }
     PropertyList sizeChange() const {
         return list("onInputSizeChange").addInts("numChannels", numChannels).addInts("frameSize", frameSize);

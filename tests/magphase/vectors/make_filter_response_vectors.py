@@ -1,7 +1,9 @@
 #!/usr/bin/python3
-"""Writes FilterResponseVectors.h: responses by scipy.signal.freqz of filters that scipy designed.
+"""Writes filter_responses.txt: responses by scipy.signal.freqz of filters that scipy designed.
 
-Run with scipy 1.10:  make_filter_response_vectors.py > FilterResponseVectors.h
+Run with scipy 1.10:  make_filter_response_vectors.py > filter_responses.txt
+For each filter a line with its name, then one each with its numerator, its denominator, and the real and imaginary parts
+of its response at points from 0 to half the sample rate.
 """
 import numpy
 from scipy import signal
@@ -19,26 +21,6 @@ filters = {
 }
 
 
-def values(array):
-    return "{" + ", ".join(repr(float(value)) for value in array) + "}"
-
-
-print("// Made by make_filter_response_vectors.py with scipy", __import__("scipy").__version__ + "; do not edit.")
-print("// clang-format off")
-print("#pragma once\n")
-print("#include <vector>\n")
-print("struct FilterResponseVector {")
-print("    const char* name;")
-print("    std::vector<double> numerator;")
-print("    std::vector<double> denominator;")
-print("    std::vector<double> real;")
-print("    std::vector<double> imag;")
-print("};\n")
-print(f"/// Responses at {POINTS} points from 0 to half the sample rate.")
-print(f"inline constexpr double vectorSampleRate = {SAMPLE_RATE};")
-print("inline const std::vector<FilterResponseVector> filterResponseVectors{")
 for name, (b, a) in filters.items():
-    frequencies = numpy.linspace(0, SAMPLE_RATE / 2, POINTS)
-    _, h = signal.freqz(b, a, worN=frequencies, fs=SAMPLE_RATE)
-    print(f'    {{"{name}",\n     {values(b)},\n     {values(a)},\n     {values(h.real)},\n     {values(h.imag)}}},')
-print("};")
+    _, h = signal.freqz(b, a, worN=numpy.linspace(0, SAMPLE_RATE / 2, POINTS), fs=SAMPLE_RATE)
+    print(name, *(" ".join(repr(float(value)) for value in row) for row in (b, a, h.real, h.imag)), sep="\n")

@@ -1,19 +1,12 @@
 #include "MeasurementsDataCache.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <new>
-#include <random>
-#include <stdexcept>
-#include <vector>
 
-namespace dspwavedecks {
+#include "Test.h"
+
 namespace {
 
-using Numbers = std::vector<double>;
+using Numbers = Values;
 
 /// A frame of two channels, the second of which holds ten times the time.
 void add(MeasurementsDataCache& cache, const Numbers& times) {
@@ -89,7 +82,7 @@ TEST(MeasurementsDataCache, followsRollbacks) {
         {0.75, {}},           // before the first sample, behind the start
         {0.5, {}},            // at the start
         {-7.0, {}},           // before the start
-        {std::nan(""), {1, 2, 3, 4}},
+        {nan, {1, 2, 3, 4}},
     };
     for (const Row& row : rows) {
         MeasurementsDataCache cache;
@@ -133,7 +126,7 @@ TEST(MeasurementsDataCache, searchesAgreeWithScans) {
             for (std::size_t i = 0; i <= random() % 20; ++i) {
                 now += static_cast<double>(random() % 3);
                 const bool odd = run % 2 == 0 && random() % 50 == 0;
-                times.push_back(odd ? (random() % 4 ? now - 5.0 : std::nan("")) : now);
+                times.push_back(odd ? (random() % 4 ? now - 5.0 : nan) : now);
             }
             add(cache, times);
             if (random() % 6 == 0) {
@@ -155,4 +148,3 @@ TEST(MeasurementsDataCache, searchesAgreeWithScans) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

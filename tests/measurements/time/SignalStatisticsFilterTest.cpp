@@ -1,21 +1,11 @@
 #include "SignalStatisticsFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "Board.h"
 #include "MagPhaseFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::TestClient;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 signalStatsStruct read(const TestClient& client) {
     return board::read<signalStatsStruct>(client.board(), SignalStatisticsFilter::signalStats);
@@ -25,11 +15,11 @@ TEST(SignalStatisticsFilter, measuresTheChosenChannel) {
     TestClient client({2, 1});
     client.board().addCustomSetting(MagPhaseFilter::magPhaseData, std::vector<bool>{false, true});
     SignalStatisticsFilter filter;
-    filter.tuneImpl(client.setup().addInt("measurementChannel", 1));
+    filter.tuneImpl(client.setup("measurementChannel=1"));
     EXPECT_FALSE(filter.isActive());
-    filter.tuneImpl(TestClient::tune().addLogical("signalStatisticsEnabled", true));
+    filter.tuneImpl(TestClient::tune("signalStatisticsEnabled=true"));
     EXPECT_TRUE(filter.isActive());
-    const std::vector<double> frame = {0, 1, 2, /* first */ 9, 9, 9, /* second */ 1, 5, 3};
+    const Values frame = {0, 1, 2, /* first */ 9, 9, 9, /* second */ 1, 5, 3};
     EXPECT_TRUE(feed(filter, frame).empty());
     EXPECT_EQ(3.0, read(client).mean);
     EXPECT_EQ(1.0, read(client).xMax);
@@ -39,10 +29,10 @@ TEST(SignalStatisticsFilter, measuresTheChosenChannel) {
     EXPECT_EQ(3.0, read(client).mean);
 
     // The other signal holds magnitude and phase: two channels where the host counts one.
-    filter.tuneImpl(TestClient::tune().addInt("measurementSignal", 1));
+    filter.tuneImpl(TestClient::tune("measurementSignal=1"));
     feed(filter, {0, 1, /* magnitude */ 4, 8, /* phase */ 180, 90}, 1);
     EXPECT_EQ(135.0, read(client).mean);
-    filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 2));
+    filter.tuneImpl(TestClient::tune("measurementChannel=2"));
     feed(filter, {0, 1, 4, 8, 180, 90}, 1);  // there is no third
     EXPECT_TRUE(std::isnan(read(client).mean));
 }
@@ -53,7 +43,7 @@ TEST(SignalStatisticsFilter, writesTextsForTheClient) {
     stats.xMin = 3;
     stats.yMin = -0.1;
     stats.mean = std::copysign(nan, 1.0);
-    stats.rms = std::numeric_limits<double>::infinity();
+    stats.rms = infinity;
     stats.varianceValid = false;
     stats.timeRange = {0.5, 2};
     client.board().addCustomSetting(SignalStatisticsFilter::signalStats, stats);
@@ -67,7 +57,7 @@ TEST(SignalStatisticsFilter, writesTextsForTheClient) {
     EXPECT_EQ("NaN", text("variance"));
     EXPECT_EQ("NaN", text("standardDeviation"));
     EXPECT_EQ("0.5, 2", text("timeRange"));
-    for (const std::vector<double>& range : {std::vector<double>{1}, {1, nan}, {stats.rms, 1}}) {
+    for (const Values& range : {Values{1}, {1, nan}, {stats.rms, 1}}) {
         stats.timeRange = range;
         stats.minMaxValid = false;
         stats.meanValid = false;
@@ -112,4 +102,3 @@ TEST(SignalStatisticsFilter, hasAnOptionForEachFigure) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,24 +1,16 @@
 // The cache and the measurements of the displayed span as stages: what they take from lists, frames and board, and what
 // they leave there.
-#include <gtest/gtest.h>
-
-#include <cmath>
 
 #include "BilevelMeasurementsFilter.h"
 #include "Board.h"
 #include "DisplayedSpan.h"
 #include "MeasurementsDataCacheFilter.h"
+#include "Test.h"
 #include "TimeChainRig.h"
 #include "TimePeakFinderFilter.h"
 #include "TimeSignalStatisticsFilter.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::frameOf;
-using testsupport::TestClient;
-using testsupport::timesFrom;
 
 MeasurementsDataCache& cacheOf(const TestClient& client) {
     return *MeasurementsDataCacheFilter::findCache(client.board());
@@ -35,23 +27,23 @@ double square(double time) {
 TEST(MeasurementsDataCacheFilter, keepsTheMeasuredChannel) {
     TestClient client({2, 1});
     MeasurementsDataCacheFilter filter;
-    const auto expectTimes = [&](const std::vector<double>& times) { EXPECT_EQ(cacheOf(client).getTime(), times); };
+    const auto expectTimes = [&](const Values& times) { EXPECT_EQ(cacheOf(client).getTime(), times); };
     const auto rollback = [&](double time) {
         filter.rollbackImpl(TestClient::list("onRollback").addDouble("rollbacktime", time));
     };
-    filter.tuneImpl(client.setup().addInt("measurementChannel", 1));
+    filter.tuneImpl(client.setup("measurementChannel=1"));
     feed(filter, {0, 1, 2, /* first */ 5, 5, 5, /* second */ 7, 8, 9});
     feed(filter, {0, 1, 2, 0, 0, 0}, 1);  // another signal
-    EXPECT_EQ(cacheOf(client).getData(), std::vector<double>({7, 8, 9}));
+    EXPECT_EQ(cacheOf(client).getData(), Values({7, 8, 9}));
     EXPECT_EQ(1, BaseFilter::packageImpl(client.name())->getValue<int>("channel"));
-    filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 2));
+    filter.tuneImpl(TestClient::tune("measurementChannel=2"));
     feed(filter, {3, 4, 0, 0, 0, 0});                     // there is no third channel
     filter.rollbackImpl(TestClient::list("onRollback"));  // without a time nothing happens
     expectTimes({0, 1, 2});
     rollback(1.0);
     expectTimes({0, 1});
     client->setIsDataSourceRepository(true);  // a replay is not cached, and its setup empties nothing
-    filter.tuneImpl(client.setup().addInt("measurementChannel", 0));
+    filter.tuneImpl(client.setup("measurementChannel=0"));
     feed(filter, {3, 4, 0, 0, 0, 0});
     expectTimes({0, 1});
     client->setIsDataSourceRepository(false);
@@ -103,13 +95,13 @@ TEST(DisplayedSpan, rangeIsCutAtTheFirstSampleThatIsNotOlder) {
     MeasurementsDataCache cache;
     EXPECT_EQ(newestRange(nullptr, 1.0), std::vector<unsigned long>({0, 0}));
     EXPECT_EQ(newestRange(&cache, 1.0), std::vector<unsigned long>({0, 0}));
-    const std::vector<double> frame(2 * 12, 9.0);
+    const Values frame(2 * 12, 9.0);
     cache.addData(frameOf(timesFrom(0, 10, 1.0), {square}).data(), 0, 10);
     cache.addData(frame.data(), 0, 2);  // the newest time three times over
     const struct {
         double span;
         unsigned long start;
-    } rows[] = {{3.5, 6}, {3.0, 6}, {0.0, 9}, {9.0, 0}, {100.0, 0}, {-1.0, 0}, {std::nan(""), 0}};
+    } rows[] = {{3.5, 6}, {3.0, 6}, {0.0, 9}, {9.0, 0}, {100.0, 0}, {-1.0, 0}, {nan, 0}};
     for (const auto& row : rows) {
         EXPECT_EQ(newestRange(&cache, row.span), std::vector<unsigned long>({row.start, 12})) << row.span;
     }
@@ -127,7 +119,7 @@ struct Span {
         filter.setForceComputeSpan(false);
         feed(filter, {0, 1});  // nothing cached yet: the record stays
     }
-    void feedBoth(const std::vector<double>& frame) {
+    void feedBoth(const Values& frame) {
         feed(cacheFilter, frame);
         feed(filter, frame);
     }
@@ -149,20 +141,20 @@ TEST(TimeSignalStatisticsFilter, measuresTheSpanInTimesOfTheDisplay) {
     expectPositions(102.0, 105.0);  // from 2 s on: 1 1 1 6 3
     EXPECT_DOUBLE_EQ(statsOf(span.client).mean, 2.4);
     EXPECT_TRUE(statsOf(span.client).timeRange.empty());
-    span.filter.tuneImpl(TestClient::tune().addLogical("showMax", false));
+    span.filter.tuneImpl(TestClient::tune("showMax=false"));
     span.feedBoth({7, /* value */ 8});
-    expectPositions(103.0, std::nan(""));  // a position that is not computed is no time
+    expectPositions(103.0, nan);  // a position that is not computed is no time
     // A rollback before the oldest sample leaves an empty cache, and the record as it is.
     span.cacheFilter.rollbackImpl(TestClient::list("onRollback").addDouble("rollbacktime", -1.0));
     feed(span.filter, {8, 8});
-    expectPositions(103.0, std::nan(""));
+    expectPositions(103.0, nan);
     // A replay is measured as its frame, and the cache is left alone.
     span.client->setIsDataSourceRepository(true);
-    span.filter.tuneImpl(TestClient::tune().addLogical("showMax", true));
+    span.filter.tuneImpl(TestClient::tune("showMax=true"));
     span.feedBoth({50, 60, 70, /* values */ 2, 1, 9});
     expectPositions(160.0, 170.0);
     EXPECT_EQ(cacheOf(span.client).size(), 0u);
-    span.filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 3));
+    span.filter.tuneImpl(TestClient::tune("measurementChannel=3"));
     feed(span.filter, {50, 60, 70, 2, 1, 9});
     EXPECT_TRUE(std::isnan(statsOf(span.client).mean));
 }
@@ -190,11 +182,11 @@ TEST(BilevelMeasurementsFilter, measuresTheSpanAndTellsTexts) {
     };
     EXPECT_EQ(BilevelMeasurementsFilter::packageImpl(span.client.name())->size(), 25u);
     EXPECT_EQ(package("amplitude"), "nan");
-    span.filter.tuneImpl(TestClient::tune().addLogical("autoStateLevel", false).addDouble("highStateLevel", 1.0));
+    span.filter.tuneImpl(TestClient::tune("autoStateLevel=false highStateLevel=1.0"));
     span.feedBoth(frameOf(timesFrom(0, 60, 1.0), {square}));
     EXPECT_EQ(package("amplitude"), "1");
     EXPECT_EQ(package("posEdges"), "nan");
-    span.filter.tuneImpl(TestClient::tune().addLogical("showTransitions", true).addLogical("showCycles", true));
+    span.filter.tuneImpl(TestClient::tune("showTransitions=true showCycles=true"));
     feed(span.filter, frameOf({60}, {square}));
     // From 24 to 59: rising at 24.5, 34.5, 44.5 and 54.5, falling in between.
     EXPECT_EQ(package("posEdges") + " " + package("negEdges") + " " + package("period"), "4 3 10");
@@ -206,4 +198,3 @@ TEST(BilevelMeasurementsFilter, measuresTheSpanAndTellsTexts) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,20 +1,15 @@
 // The kernels for each instruction set against their one-line versions, at lengths around those of vectors.
+
 #include "SpanKernels.h"
 
-#include <gtest/gtest.h>
+#include "Test.h"
 
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <vector>
-
-namespace dspwavedecks {
 namespace {
 
-std::vector<double> valuesOf(std::size_t count, bool odd) {
+Values valuesOf(std::size_t count, bool odd) {
     std::mt19937 random(static_cast<unsigned>(count));
-    const double oddValues[] = {std::nan(""), INFINITY, -INFINITY, 0.0, 1e308};
-    std::vector<double> values;
+    const double oddValues[] = {nan, INFINITY, -INFINITY, 0.0, 1e308};
+    Values values;
     for (std::size_t i = 0; i < count; ++i) {
         values.push_back(odd && random() % 20 == 0 ? oddValues[random() % 5]
                                                    : static_cast<double>(random() % 1001) / 100);
@@ -22,7 +17,7 @@ std::vector<double> valuesOf(std::size_t count, bool odd) {
     return values;
 }
 
-void expectPlain(const SpanKernels& kernels, std::vector<double> values) {
+void expectPlain(const SpanKernels& kernels, Values values) {
     const std::size_t count = values.size();
     ScannedExtremes expected{INFINITY, -INFINITY, false};
     // Multiples of 0.1 in a range of 10: each second value lies on the border of a bin.
@@ -44,7 +39,7 @@ void expectPlain(const SpanKernels& kernels, std::vector<double> values) {
         EXPECT_EQ(static_cast<double>(bins[i]), bin >= 0 && std::isfinite(bin) ? std::min(bin, 99.0) : 0.0) << x;
     }
     // Off the borders by more than the margin the guess must be right, on one it must say that it knows nothing.
-    std::vector<double> inside(8 * (count / 8));
+    Values inside(8 * (count / 8));
     for (std::size_t i = 0; i < inside.size(); ++i) {
         inside[i] = std::fmod(static_cast<double>(i * i), 100.0) / 10.0 + 1e-12 * static_cast<double>(1 + i % 40);
     }
@@ -79,4 +74,3 @@ TEST(SpanKernels, agreeWithTheirPlainVersions) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,8 +1,5 @@
 #include "FftFixture.h"
-
-#include <cstdint>
-#include <limits>
-#include <string>
+#include "Test.h"
 
 namespace {
 
@@ -23,7 +20,7 @@ TEST_P(Transform, EqualsTheDefiningSumAndKeepsItsInput) {
     Signal in(length * howMany, inOffset);
     Signal out(length * howMany, outOffset);
     in.fillWithNoise(7);
-    const std::vector<double> before = in.copy();
+    const Values before = in.copy();
     fftbridge::FftPlanCache cache;
     fftbridge::interleavedFFT1D<double, 2>({}, cache, in.data(), out.data(), length, howMany, sign, false);
     EXPECT_EQ(in.copy(), before);

@@ -1,13 +1,13 @@
-#include "FftFixture.h"
-
 #include <sys/resource.h>
 #include <sys/wait.h>
-
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <thread>
+
+#include "FftFixture.h"
+#include "Test.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ TEST(PlanImprovement, GoesOnBesideTransformsAndPlanningInOtherThreads) {
     std::atomic<bool> stop{false};
     std::atomic<int> started{0};
     std::vector<std::thread> threads;
-    std::vector<double> errors(3);
+    Values errors(3);
     for (unsigned t = 0; t < 3; ++t) {
         threads.emplace_back([&, t] {
             fftbridge::FftPlanCache cache;

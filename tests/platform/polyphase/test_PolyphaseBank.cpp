@@ -3,19 +3,10 @@
 #include "PlainPolyphase.h"
 #include "PolyphaseBank.h"
 #include "PolyphaseKernels.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-#include <string>
+#include "Test.h"
 
 namespace {
 
-using dspwavedecks::AlignedVector;
-using dspwavedecks::InstructionSet;
-namespace polyphase = dspwavedecks::polyphase;
 using Complex = std::complex<double>;
 
 constexpr double guard = -12345;
@@ -56,15 +47,15 @@ struct Case {
     const Setting* setting;
 };
 
-std::vector<double> noise(std::size_t n, unsigned seed) {
+Values noise(std::size_t n, unsigned seed) {
     std::mt19937 random(seed);
     std::normal_distribution<double> normal;
-    std::vector<double> values(n);
+    Values values(n);
     std::generate(values.begin(), values.end(), [&] { return normal(random); });
     return values;
 }
 
-std::vector<double> magnitudes(std::vector<double> values) {
+Values magnitudes(Values values) {
     std::transform(values.begin(), values.end(), values.begin(), [](double x) { return std::abs(x); });
     return values;
 }
@@ -72,7 +63,7 @@ std::vector<double> magnitudes(std::vector<double> values) {
 /// Rows of the plain bank, and beside each value the sum of the magnitudes that its rounding error goes by.
 class Expectation {
 public:
-    Expectation(const Setting& setting, const std::vector<double>& branches)
+    Expectation(const Setting& setting, const Values& branches)
         : bank_(branches, setting.numBands, setting.numTaps),
           magnitudes_(magnitudes(branches), setting.numBands, setting.numTaps),
           row_(setting.numBands),
@@ -108,7 +99,7 @@ private:
 
 /// Taps and a channel's past for the bank under test.
 struct Stores {
-    Stores(const Setting& setting, const std::vector<double>& branches, polyphase::SampleKind kind)
+    Stores(const Setting& setting, const Values& branches, polyphase::SampleKind kind)
         : taps(polyphase::tapStoreSize(setting.numBands, setting.numTaps)),
           delays(polyphase::delayStoreSize(setting.numBands, setting.numTaps, kind) + 1) {
         polyphase::arrangeTaps(branches.data(), setting.numBands, setting.numTaps, taps.data());
@@ -127,7 +118,7 @@ TEST_P(PolyphaseBank, EqualsThePlainBankInAnyOrderOfCalls) {
         GTEST_SKIP() << "not on this machine";
     }
     const bool isComplex = kind == polyphase::SampleKind::complex;
-    const std::vector<double> branches = noise(setting.numBands * setting.numTaps, 3);
+    const Values branches = noise(setting.numBands * setting.numTaps, 3);
     Stores stores(setting, branches, kind);
     Expectation expected(setting, branches);
     const std::size_t stride = 2 * setting.numBands + 3;
@@ -135,8 +126,8 @@ TEST_P(PolyphaseBank, EqualsThePlainBankInAnyOrderOfCalls) {
     for (const auto& [length, numSegments] : setting.calls) {
         SCOPED_TRACE(std::to_string(numSegments) + " segments of " + std::to_string(length));
         const std::size_t planes = isComplex ? 2 : 1;
-        const std::vector<double> samples = noise(length * numSegments * planes, ++seed);
-        std::vector<double> rows(numSegments * stride, guard);
+        const Values samples = noise(length * numSegments * planes, ++seed);
+        Values rows(numSegments * stride, guard);
         polyphase::analyzeWith(polyphase::groupKernelFor(set), {setting.numBands, setting.numTaps, stores.taps.data()},
                                kind, stores.delays.data(), samples.data(), length, numSegments,
                                polyphase::Output::complexRows, rows.data(), stride);
@@ -179,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, PolyphaseBank, testing::ValuesIn(allCases()),
 
 TEST(PolyphaseKernels, AreTheBankWithOneSegmentACall) {
     const Setting setting{"", 36, 4, {}};
-    const std::vector<double> branches = noise(setting.numBands * setting.numTaps, 3);
+    const Values branches = noise(setting.numBands * setting.numTaps, 3);
     Stores real(setting, branches, polyphase::SampleKind::real);
     Stores complex(setting, branches, polyphase::SampleKind::complex);
     Expectation expectedReal(setting, branches);
@@ -187,14 +178,14 @@ TEST(PolyphaseKernels, AreTheBankWithOneSegmentACall) {
     const int one = 1;
     const std::size_t n = setting.numBands;
     for (unsigned segment = 0; segment < 20; ++segment) {
-        const std::vector<double> samples = noise(2 * n, 100 + segment);
+        const Values samples = noise(2 * n, 100 + segment);
         std::vector<Complex> realSamples(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(n));
         std::vector<Complex> complexSamples(n);
         for (std::size_t i = 0; i < n; ++i) {
             complexSamples[i] = {samples[2 * i], samples[2 * i + 1]};
         }
-        std::vector<double> upper(n, guard);
-        std::vector<double> lower(n, guard);
+        Values upper(n, guard);
+        Values lower(n, guard);
         std::vector<Complex> complexUpper(n, guard);
         std::vector<Complex> complexLower(n, guard);
         processHalide_PolyphaseAnalysisRRD(samples.data(), real.taps.data(), real.delays.data(), upper.data(),
@@ -213,10 +204,10 @@ TEST(PolyphaseKernels, AreTheBankWithOneSegmentACall) {
 TEST(PolyphaseBank, KeepsWhatIsNotFiniteInItsBand) {
     constexpr std::size_t n = 20;
     const Setting setting{"", n, 3, {}};
-    Stores stores(setting, std::vector<double>(3 * n, 1.0), polyphase::SampleKind::real);
-    std::vector<double> samples(6 * n, 1.0);
-    samples[5] = std::numeric_limits<double>::infinity();
-    std::vector<double> rows(6 * 2 * n);
+    Stores stores(setting, Values(3 * n, 1.0), polyphase::SampleKind::real);
+    Values samples(6 * n, 1.0);
+    samples[5] = infinity;
+    Values rows(6 * 2 * n);
     polyphase::analyze({n, 3, stores.taps.data()}, polyphase::SampleKind::real, stores.delays.data(), samples.data(), n,
                        6, rows.data(), 2 * n);
     for (std::size_t g = 0; g < 6; ++g) {

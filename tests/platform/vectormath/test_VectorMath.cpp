@@ -1,25 +1,15 @@
+#include <bit>
+
 #include "AlignedVector.h"
 #include "ScalarFormulas.h"
+#include "Test.h"
 #include "VectorKernels.h"
 #include "VectorMath.h"
 
-#include <gtest/gtest.h>
-
-#include <bit>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <random>
-#include <vector>
-
 namespace {
 
-using dspwavedecks::InstructionSet;
-using dspwavedecks::vectormath::smallestPower;
-using dspwavedecks::vectormath::VectorKernels;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+using vectormath::smallestPower;
+using vectormath::VectorKernels;
 
 double lastPlace(double x) {
     return std::nextafter(std::abs(x), infinity) - std::abs(x);
@@ -38,18 +28,18 @@ protected:
     }
     double uniform(double low, double high) { return std::uniform_real_distribution(low, high)(random_); }
 
-    const VectorKernels& kernels_ = dspwavedecks::vectormath::kernelsFor(GetParam());
+    const VectorKernels& kernels_ = vectormath::kernelsFor(GetParam());
     std::mt19937_64 random_{5};
 };
 
 TEST_P(Kernels, DecibelsKeepTheirErrorBoundOverTheWholeRange) {
-    std::vector<double> power;
+    Values power;
     for (int i = 0; i < 300000; ++i) {
         power.push_back(std::bit_cast<double>(random_() % std::bit_cast<std::uint64_t>(infinity)));  // any exponent
         power.push_back(std::pow(10.0, uniform(-10, 10)));
         power.push_back(1 + uniform(-0.5, 0.5) * std::exp2(-uniform(0, 52)));  // the level crosses zero
     }
-    std::vector<double> level(power.size());
+    Values level(power.size());
     kernels_.toDecibels(power.data(), level.data(), power.size(), 0, 0);
     double worst = 0;
     for (std::size_t i = 0; i < power.size(); ++i) {
@@ -63,12 +53,12 @@ TEST_P(Kernels, DecibelsKeepTheirErrorBoundOverTheWholeRange) {
 
 TEST_P(Kernels, DecibelsOfSpecialValuesAreExact) {
     const double smallestNormal = std::numeric_limits<double>::min();
-    const std::vector<double> power{0.0, -0.0, infinity, nan, -1.0, -infinity, -smallestPower, 1.0, 100.0, 1e15};
-    const std::vector<double> expected{-infinity, -infinity, infinity, nan, nan, nan, nan, 0, 20, 150};
+    const Values power{0.0, -0.0, infinity, nan, -1.0, -infinity, -smallestPower, 1.0, 100.0, 1e15};
+    const Values expected{-infinity, -infinity, infinity, nan, nan, nan, nan, 0, 20, 150};
     for (std::size_t i = 0; i < power.size(); ++i) {
         // The neighbours take the usual way through the same vector.
-        const std::vector<double> mixed{10.0, power[i], smallestNormal, 1000.0, power[i]};
-        std::vector<double> level(5);
+        const Values mixed{10.0, power[i], smallestNormal, 1000.0, power[i]};
+        Values level(5);
         kernels_.toDecibels(mixed.data(), level.data(), 5, 0, 0);
         EXPECT_TRUE(isSame(level[1], expected[i]) && isSame(level[4], expected[i])) << power[i] << " " << level[1];
         EXPECT_EQ(level[0], 10);
@@ -86,15 +76,15 @@ TEST_P(Kernels, DecibelsOfSpecialValuesAreExact) {
 }
 
 TEST_P(Kernels, PowersOfTenKeepTheirErrorBoundOverTheWholeRange) {
-    std::vector<double> level;
+    Values level;
     for (int i = 0; i < 200000; ++i) {
         level.push_back(uniform(-3240, 3090));
         level.push_back(uniform(-100, 100));
         level.push_back(std::exp2(-uniform(0, 60)));
     }
-    std::vector<double> power(level.size());
+    Values power(level.size());
     kernels_.fromDecibels(level.data(), power.data(), level.size(), 0);
-    std::vector<double> square(level.size());
+    Values square(level.size());
     kernels_.squareFromDecibels(level.data(), square.data(), level.size(), 0, 1);
     double worst = 0;
     double worstSquare = 0;
@@ -111,9 +101,9 @@ TEST_P(Kernels, PowersOfTenKeepTheirErrorBoundOverTheWholeRange) {
     }
     EXPECT_LE(worst, 2);
     EXPECT_LE(worstSquare, 5);
-    const std::vector<double> special{infinity, -infinity, nan, 4000, -4000, 0, 30, 1e300, -1e300};
-    const std::vector<double> expected{infinity, 0, nan, infinity, 0, 1, 1000, infinity, 0};
-    std::vector<double> result(special.size());
+    const Values special{infinity, -infinity, nan, 4000, -4000, 0, 30, 1e300, -1e300};
+    const Values expected{infinity, 0, nan, infinity, 0, 1, 1000, infinity, 0};
+    Values result(special.size());
     kernels_.fromDecibels(special.data(), result.data(), special.size(), 0);
     for (std::size_t i = 0; i < special.size(); ++i) {
         EXPECT_TRUE(isSame(result[i], expected[i])) << special[i] << " gives " << result[i];
@@ -123,7 +113,7 @@ TEST_P(Kernels, PowersOfTenKeepTheirErrorBoundOverTheWholeRange) {
 /// One call of every kernel on arrays that begin `offset` doubles behind a cache line, with a guard behind each.
 class EveryLengthAndAddress : public Kernels {
 protected:
-    using Array = dspwavedecks::AlignedVector<double>;
+    using Array = AlignedVector<double>;
     static constexpr double guard = -12345;
 
     Array makeArray(std::size_t size, std::size_t offset) {
@@ -246,18 +236,18 @@ INSTANTIATE_TEST_SUITE_P(Sets, EveryLengthAndAddress, testing::ValuesIn(allSets)
 TEST(VectorMath, HandsItsArgumentsToTheKernels) {
     const double two[] = {2, 3, 5, 7};
     double out[4]{};
-    dspwavedecks::vectormath::toDecibels(two, out, 1, 1);
+    vectormath::toDecibels(two, out, 1, 1);
     EXPECT_NEAR(out[0], 1 + 10 * std::log10(2.0), 1e-14);
-    dspwavedecks::vectormath::rootToDecibels(two, out, 1, 4, 120);
+    vectormath::rootToDecibels(two, out, 1, 4, 120);
     EXPECT_NEAR(out[0], 120 - 10 * std::log10(8.0), 1e-13);
-    dspwavedecks::vectormath::squareFromDecibels(two, out, 1, 1, 50);
+    vectormath::squareFromDecibels(two, out, 1, 1, 50);
     EXPECT_NEAR(out[0], std::pow(10.0, 0.1) / 50, 1e-15);
-    dspwavedecks::vectormath::windowComplex(two, two + 2, out, 1);
+    vectormath::windowComplex(two, two + 2, out, 1);
     EXPECT_EQ(out[1], 15);
-    dspwavedecks::vectormath::scaledPower(two, 10, out, 2);
+    vectormath::scaledPower(two, 10, out, 2);
     EXPECT_EQ(out[1], 740);
     double row = 8;
-    EXPECT_FALSE(dspwavedecks::vectormath::averageExponentially(&row, out, 1, 0.25, false));
+    EXPECT_FALSE(vectormath::averageExponentially(&row, out, 1, 0.25, false));
     EXPECT_EQ(row, 2 + 0.75 * 130);
 }
 

@@ -1,20 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <numbers>
-#include <random>
-#include <vector>
-
 #include "SpectrumEstimator.h"
+#include "Test.h"
 
 namespace spectrumtest {
 
-using namespace dspwavedecks;
-using Values = std::vector<double>;
 using Method = SpectrumEstimator::Method;
 using Range = SpectrumEstimator::FrequencyRange;
 using Resolution = SpectrumEstimator::FrequencyResolutionMethod;
@@ -143,3 +133,9 @@ private:
 };
 
 }  // namespace spectrumtest
+
+namespace {
+
+using namespace spectrumtest;
+
+}  // namespace

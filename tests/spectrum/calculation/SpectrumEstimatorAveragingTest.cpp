@@ -1,17 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-
 #include "EstimatorSupport.h"
 
 namespace {
 
-using namespace spectrumtest;
-
 constexpr std::size_t L = 100;
-constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /// Frames of one segment each, without overlap.
 Bench makeBench() {
@@ -68,7 +59,7 @@ TEST(SpectrumEstimatorAveraging, WeighsByForgettingFactorCountAndVideoBandwidth)
 
 TEST(SpectrumEstimatorAveraging, KeepsNaNOutUnlessAskedTo) {
     Values samples = colouredNoise(6, 3 * L);
-    samples[L + 5] = std::numeric_limits<double>::quiet_NaN();
+    samples[L + 5] = nan;
     const Values first = periodograms(samples)[0];
     for (const bool use : {false, true}) {
         Bench bench = makeBench();

@@ -1,18 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <stdexcept>
-#include <string>
-
 #include "EstimatorSupport.h"
 
 namespace {
 
-using namespace spectrumtest;
 using Estimator = SpectrumEstimator;
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 void setUp(Estimator& estimator, int frame = 256) {
     estimator.setup(1, {frame}, {frame}, {1}, {0}, true);
@@ -23,6 +13,11 @@ void setBand(Estimator& e, double sampleRate, double start, double stop, double 
     e.setFrequencySpan(Span::startAndStopFrequencies);
     e.setStartFrequency(start);
     e.setStopFrequency(stop);
+    e.setAutoRBW(false);
+    e.setRBW(rbw);
+}
+
+void setRBW(Estimator& e, double rbw) {
     e.setAutoRBW(false);
     e.setRBW(rbw);
 }
@@ -46,18 +41,9 @@ TEST(SpectrumEstimatorConfiguration, DerivesTheFiguresOfASetting) {
          5000},
         {"two-sided computes as one-sided", [](Estimator& e) { e.setFrequencyRange(Range::twoSided); }, 4.8828125, 3072,
          3072, 3072, 1537, 0, 5000},
-        {"rectangular, RBW 15 Hz",
-         [](Estimator& e) {
-             e.setWindow(Window::rectangular);
-             e.setAutoRBW(false);
-             e.setRBW(15);
-         },
-         10000.0 / 667, 667, 1024, 667, 1024, -511 * 9.765625, 5000},
-        {"window of 1000, half overlapping",
-         [](Estimator& e) {
-             setWindowLength(e, 1000);
-             e.setOverlapPercent(50);
-         },
+        {"rectangular, RBW 15 Hz", [](Estimator& e) { e.setWindow(Window::rectangular), setRBW(e, 15); }, 10000.0 / 667,
+         667, 1024, 667, 1024, -511 * 9.765625, 5000},
+        {"window of 1000, half overlapping", [](Estimator& e) { setWindowLength(e, 1000), e.setOverlapPercent(50); },
          15, 1000, 1024, 500, 1024, -511 * 9.765625, 5000},
         {"window of 2000", [](Estimator& e) { setWindowLength(e, 2000); }, 7.5, 2000, 2000, 2000, 2000, -999 * 5.0,
          5000},
@@ -72,27 +58,16 @@ TEST(SpectrumEstimatorConfiguration, DerivesTheFiguresOfASetting) {
         {"bands of a frame", [](Estimator& e) { e.setFrequencyResolutionMethod(Resolution::numFrequencyBands); },
          15000.0 / 1024, 1024, 256, 1024, 256, -127 * 10000.0 / 256, 5000},
         {"custom window gives the length",
-         [](Estimator& e) {
-             e.setWindow(Window::custom);
-             e.setCustomWindow(Values(300, 0.5));
-         },
-         10000.0 / 300, 300, 1024, 300, 1024, -511 * 9.765625, 5000},
+         [](Estimator& e) { e.setWindow(Window::custom), e.setCustomWindow(Values(300, 0.5)); }, 10000.0 / 300, 300,
+         1024, 300, 1024, -511 * 9.765625, 5000},
         {"filter bank does not overlap",
-         [](Estimator& e) {
-             e.setMethod(Method::filterBank);
-             e.setOverlapPercent(50);
-             e.setAutoRBW(false);
-             e.setRBW(20);
-         },
-         20, 500, 500, 500, 500, -249 * 20.0, 5000},
+         [](Estimator& e) { e.setMethod(Method::filterBank), e.setOverlapPercent(50), setRBW(e, 20); }, 20, 500, 500,
+         500, 500, -249 * 20.0, 5000},
         {"same samples an update for all windows", [](Estimator& e) { e.setWindowInvariantSamplesPerUpdate(true); },
          15000.0 / 1024, 1024, 1024, 1024, 1024, -511 * 9.765625, 5000},
         {"longest segment 1000",
-         [](Estimator& e) {
-             e.setEnableMaxSegmentLengthThreshold(true);
-             e.setMaximumSegmentLength(1000);
-         },
-         15, 1000, 1024, 1536, 1024, -511 * 9.765625, 5000},
+         [](Estimator& e) { e.setEnableMaxSegmentLengthThreshold(true), e.setMaximumSegmentLength(1000); }, 15, 1000,
+         1024, 1536, 1024, -511 * 9.765625, 5000},
         // 40800 / 6002 leaves 6; Fs' = 8000 and bins of 4 Hz
         {"zoom by 6", [](Estimator& e) { setBand(e, 48000, -999.5, 3001, 6); }, 6, 2000, 2000, 12000, 1002, -1000,
          3004},
@@ -103,11 +78,8 @@ TEST(SpectrumEstimatorConfiguration, DerivesTheFiguresOfASetting) {
          -2999 * 8.0, 24000},
         // bin 613 is the last at or below 1000 Hz; the grid ends at 5000 Hz, and the stop lies one past its end
         {"spectrogram of a span beyond the band",
-         [](Estimator& e) {
-             setBand(e, 10000, 1000, 6000, 15);
-             e.setShowSpectrogram(true);
-         },
-         15, 1000, 1024, 1000, 412, 102 * 9.765625, 5000 + 9.765625},
+         [](Estimator& e) { setBand(e, 10000, 1000, 6000, 15), e.setShowSpectrogram(true); }, 15, 1000, 1024, 1000, 412,
+         102 * 9.765625, 5000 + 9.765625},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
@@ -227,8 +199,8 @@ TEST(SpectrumEstimatorConfiguration, SurvivesSettingsThatMakeNoSense) {
         [](Estimator& e) { e.setAutoFFTLength(false), e.setFFTLength(0); },
         [](Estimator& e) { e.setAutoFFTLength(false), e.setFFTLength(1); },
         [](Estimator& e) { e.setAutoFFTLength(false), e.setFFTLength(2), e.setMethod(Method::filterBank); },
-        [](Estimator& e) { e.setAutoRBW(false), e.setRBW(-4); },
-        [](Estimator& e) { e.setMaximumSegmentLength(50), e.setAutoRBW(false), e.setRBW(0); },
+        [](Estimator& e) { setRBW(e, -4); },
+        [](Estimator& e) { e.setMaximumSegmentLength(50), setRBW(e, 0); },
         [](Estimator& e) { setBand(e, 10000, 3000, -3000, 15), e.setShowSpectrogram(true); },
         [](Estimator& e) { setBand(e, 10000, nan, 3000, 15), e.setShowSpectrogram(true); },
         [](Estimator& e) { setBand(e, 10000, 8000, 9000, 15), e.setShowSpectrogram(true); },

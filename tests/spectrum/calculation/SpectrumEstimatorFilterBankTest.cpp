@@ -1,14 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <complex>
-
 #include "EstimatorSupport.h"
 
 namespace {
-
-using namespace spectrumtest;
 
 constexpr double sampleRate = 6400.0;
 constexpr std::size_t bands = 64;

@@ -1,15 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <numeric>
-#include <string>
-
 #include "EstimatorSupport.h"
 
 namespace {
-
-using namespace spectrumtest;
 
 constexpr double sampleRate = 10000.0;
 
@@ -21,56 +12,6 @@ Bench::Signal whiteNoise(std::size_t n, double deviation, bool isComplex) {
         std::generate(column.begin(), column.end(), [&] { return gauss(random); });
     }
     return signal;
-}
-
-double decibels(double ratio) {
-    return 10.0 * std::log10(ratio);
-}
-
-// A sine of amplitude 2 on a bin has 2 W into 1 ohm, a root mean square of sqrt(2) V.
-TEST(SpectrumEstimatorScaling, SineReadsItsPowerInEveryUnit) {
-    const double rbw = 1.5 * sampleRate / 1000;  // of a hann window of 1000 samples
-    const struct {
-        Units units;
-        Type type;
-        double load;
-        double expected;
-    } rows[] = {
-        {Units::watts, Type::power, 1, 2},
-        {Units::watts, Type::power, 50, 0.04},
-        {Units::dbw, Type::power, 50, decibels(0.04)},
-        {Units::dbm, Type::power, 1, decibels(2) + 30},
-        {Units::dbm, Type::power, 75, decibels(2.0 / 75) + 30},
-        {Units::dbfs, Type::power, 50, decibels(2.0 / 16)},  // full scale 4, and no load
-        {Units::vrms, Type::rms, 50, std::sqrt(2.0)},
-        {Units::dbv, Type::rms, 50, decibels(2)},
-        {Units::dbuv, Type::rms, 50, decibels(2) + 120},
-        {Units::automatic, Type::power, 1, 2},
-        {Units::wattsPerHz, Type::powerDensity, 50, 0.04 / rbw},
-        {Units::dbwPerHz, Type::powerDensity, 50, decibels(0.04 / rbw)},
-        {Units::dbmPerHz, Type::powerDensity, 75, decibels(2 / rbw / 75) + 30},
-        {Units::dbfsPerHz, Type::powerDensity, 75, decibels(2 / rbw / 16)},
-    };
-    const Bench::Signal signal{{tone(1250, 2, 5000, sampleRate)}, false};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(static_cast<int>(row.units));
-        Bench bench;
-        bench.usePlainSettings(sampleRate, 1000, 1000);
-        bench.estimator.setFrequencyRange(Range::oneSided);
-        bench.estimator.setSpectrumUnits(row.units);
-        bench.estimator.setSpectrumType(row.type);
-        bench.estimator.setReferenceLoad(row.load);
-        bench.estimator.setInputRange({4.0});
-        bench.estimator.setPlotMaxHoldTrace(true);
-        bench.feed({signal}, 1000);
-        const std::size_t bin = bench.binOf(1250);
-        // 1000 rounded sums, and 5 updates whose averages and maxima differ by that much
-        EXPECT_NEAR(bench.row()[bin], row.expected, 1e-12 * std::max(std::abs(row.expected), 10.0));
-        EXPECT_EQ(bench.grid()[bin], 1250.0);
-        if (row.units != Units::automatic) {
-            EXPECT_NEAR(bench.record().maxHoldTrace[bin], row.expected, 1e-12 * std::max(std::abs(row.expected), 10.0));
-        }
-    }
 }
 
 // The level of a tone on a bin and the density of white noise hold at once only if window, noise bandwidth and power
@@ -113,69 +54,6 @@ TEST(SpectrumEstimatorScaling, ToneAndNoiseAreRightForEveryWindowAndLength) {
                 EXPECT_LT(std::abs(decibels(*std::max_element(inner.begin(), inner.end()) / expected)), 5 * 0.43);
                 EXPECT_LT(std::abs(decibels(*std::min_element(inner.begin(), inner.end()) / expected)), 5 * 0.5);
             }
-        }
-    }
-}
-
-TEST(SpectrumEstimatorScaling, SidesAndSingleBinsAreCountedRight) {
-    const auto measure = [](const Bench::Signal& signal, std::size_t N, Range range) {
-        Bench bench;
-        bench.usePlainSettings(sampleRate, N, N);
-        bench.estimator.setWindow(Window::rectangular);
-        bench.estimator.setFrequencyRange(range);
-        bench.feed({signal}, N);
-        return bench;
-    };
-    // exp(j 2 pi f t) stands at +f alone.
-    Bench::Signal turning{{tone(1250, 1, 800, sampleRate, 0.0), tone(1250, 1, 800, sampleRate, -M_PI / 2)}, true};
-    const Bench complex = measure(turning, 800, Range::centered);
-    EXPECT_NEAR(complex.row()[complex.binOf(1250)], 1.0, 1e-12);
-    EXPECT_LT(complex.row()[complex.binOf(-1250)], 1e-24);
-    // A constant and an alternating sequence have all their power in one bin.
-    for (const std::size_t N : {100U, 101U}) {
-        for (const Range range : {Range::oneSided, Range::centered}) {
-            Values alternating(N);
-            for (std::size_t i = 0; i < N; ++i) {
-                alternating[i] = 3.0 + (N % 2 == 0 && i % 2 != 0 ? -2.0 : N % 2 == 0 ? 2.0 : 0.0);
-            }
-            const Bench bench = measure({{alternating}, false}, N, range);
-            EXPECT_NEAR(bench.row()[bench.binOf(0)], 9.0, 1e-12);
-            EXPECT_NEAR(bench.row().back(), N % 2 == 0 ? 4.0 : 0.0, 1e-12);
-            const Values row = bench.row();
-            EXPECT_NEAR(std::accumulate(row.begin(), row.end(), 0.0), N % 2 == 0 ? 13.0 : 9.0, 1e-11);
-        }
-    }
-}
-
-// The bandwidth asked for is the one that noise sees: the response to a tone swept past a bin, integrated, is the RBW
-// times the response on the bin.
-TEST(SpectrumEstimatorScaling, SweptToneMeasuresTheRBW) {
-    for (const char* window : {"hann", "flat-top", "kaiser", "rectangular"}) {
-        for (const double rbw : {31.0, 97.5}) {
-            SpectrumEstimator probe;
-            probe.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
-            probe.setAutoRBW(false);
-            probe.setRBW(rbw);
-            probe.setup(1, {64}, {64}, {1}, {0}, true);
-            const std::size_t L = probe.getSpectrumMetaData().segmentLength;
-            const std::size_t steps = 8;  // a bin: the response has no finer structure than 1 / (2 L)
-            double area = 0.0;
-            const double bin = sampleRate / static_cast<double>(L);
-            Bench bench;
-            bench.usePlainSettings(sampleRate, L, L);
-            bench.estimator.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
-            bench.estimator.setForgettingFactor(0.0);
-            for (std::size_t step = 0; step < steps; ++step) {
-                const double f = (20.0 + static_cast<double>(step) / steps) * bin;
-                const Bench::Signal signal{{tone(f, 1, L, sampleRate, 0.0), tone(f, 1, L, sampleRate, -M_PI / 2)},
-                                           true};
-                bench.feed({signal}, L);
-                // All bins at once see the tone at all distances.
-                const Values row = bench.row();
-                area += std::accumulate(row.begin(), row.end(), 0.0) * bin / steps;
-            }
-            EXPECT_NEAR(area / bench.record().rbw, 1.0, 1e-9) << window;
-            EXPECT_NEAR(area, rbw, rbw / static_cast<double>(L) * 3) << "lengths are whole samples";
         }
     }
 }

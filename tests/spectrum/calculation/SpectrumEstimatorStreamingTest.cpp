@@ -1,15 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <string>
-
 #include "EstimatorSupport.h"
 
 namespace {
 
-using namespace spectrumtest;
 using Set = std::function<void(SpectrumEstimator&)>;
 
 Bench::Signal noise(std::uint64_t seed, std::size_t n, std::size_t columns, bool isComplex) {
@@ -42,24 +34,11 @@ const struct Setting {
     Set set;
 } settings[] = {
     {"welch", [](SpectrumEstimator& e) { e.setOverlapPercent(50); }},
-    {"welch without averaging",
-     [](SpectrumEstimator& e) {
-         e.setOverlapPercent(99);
-         e.setForgettingFactor(0);
-     }},
+    {"welch without averaging", [](SpectrumEstimator& e) { e.setOverlapPercent(99), e.setForgettingFactor(0); }},
     {"zoom", zoom},
-    {"zoom with overlap",
-     [](SpectrumEstimator& e) {
-         zoom(e);
-         e.setOverlapPercent(70);
-     }},
+    {"zoom with overlap", [](SpectrumEstimator& e) { zoom(e), e.setOverlapPercent(70); }},
     {"bank", bank},
-    {"bank in a zoom",
-     [](SpectrumEstimator& e) {
-         zoom(e);
-         bank(e);
-         e.setRBW(30);
-     }},
+    {"bank in a zoom", [](SpectrumEstimator& e) { zoom(e), bank(e), e.setRBW(30); }},
 };
 
 Bench makeBench(const Setting& setting) {
@@ -186,24 +165,6 @@ TEST(SpectrumEstimatorStreaming, GrowsWithoutTheThreshold) {
     zoom(atOnce.estimator);
     atOnce.feed({carrier}, 0, 720, 720);
     EXPECT_EQ(zoomed.row(), atOnce.row()) << "updates on the way leave no trace";
-}
-
-TEST(SpectrumEstimatorStreaming, RepeatsTheLastRowsOfARecording) {
-    Bench bench;
-    bench.usePlainSettings(10000.0, 256, 256);
-    const Bench::Signal signal = noise(6, 1024, 2, false);
-    bench.feed({signal}, 512);
-    const Values live = bench.outs[0];
-    Values again;
-    bench.estimator.setIsProcessingNewData(false);
-    bench.estimator.setUseCachedSpectrumData(true);
-    bench.estimator.computeSpectrum(nullptr, again, 0);
-    EXPECT_EQ(again, live);
-    bench.estimator.release(false);
-    bench.estimator.setup(1, {512}, {512}, {2}, {0}, false);
-    again.clear();
-    bench.estimator.computeSpectrum(nullptr, again, 0);
-    EXPECT_EQ(again, live);
 }
 
 }  // namespace

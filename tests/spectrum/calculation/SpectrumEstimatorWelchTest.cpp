@@ -1,17 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <fstream>
-#include <numeric>
-#include <sstream>
-#include <string>
-
 #include "EstimatorSupport.h"
 
 namespace {
-
-using namespace spectrumtest;
 
 /// Bins as a transform numbers them, from 0 Hz up; a centred spectrum begins with the negative frequencies.
 double binFromZero(const Values& row, std::size_t bin, bool centered) {

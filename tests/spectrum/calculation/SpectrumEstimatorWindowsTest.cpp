@@ -1,20 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstddef>
-#include <fstream>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
 #include "SpectrumEstimator.h"
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
 using Window = SpectrumEstimator::Window;
-using Values = std::vector<double>;
 
 // The independent windows come from other formulas in double precision, or better. Windows are at most 1 and their
 // terms few, so that both sides are good to some 1e-15 times the terms of the longest series.

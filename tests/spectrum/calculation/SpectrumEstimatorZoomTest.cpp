@@ -1,13 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-
 #include "EstimatorSupport.h"
 
 namespace {
-
-using namespace spectrumtest;
 
 constexpr double sampleRate = 48000.0;
 

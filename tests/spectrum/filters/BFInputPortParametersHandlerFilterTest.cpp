@@ -1,15 +1,11 @@
 #include "BFInputPortParametersHandlerFilter.h"
 
-#include <gtest/gtest.h>
-
 #include "SpectrumEstimatorFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::feed;
-using testsupport::TestClient;
 using Handler = BFInputPortParametersHandlerFilter;
 
 struct Ports {
@@ -36,14 +32,14 @@ struct Rig {
 };
 
 // Two simulation frames in hand: two times, then the values.
-const std::vector<double> frequencies = {0, 1, 10, 20, 30, 11, 21, 31};
-const std::vector<double> bandwidths = {0, 1, 5, 7};
+const Values frequencies = {0, 1, 10, 20, 30, 11, 21, 31};
+const Values bandwidths = {0, 1, 5, 7};
 
 TEST(BFInputPortParametersHandlerFilter, findsItsPortsBehindTheData) {
     for (int bits = 0; bits < 8; ++bits) {
         const Ports ports{(bits & 4) != 0, (bits & 2) != 0, (bits & 1) != 0};
         std::vector<int> sizes = {4};
-        std::vector<std::vector<double>> frames = {{0, 4, 4, 4, 4}};
+        std::vector<Values> frames = {{0, 4, 4, 4, 4}};
         if (ports.frequencyVector) {
             sizes.push_back(3);
             frames.push_back(frequencies);
@@ -64,8 +60,7 @@ TEST(BFInputPortParametersHandlerFilter, findsItsPortsBehindTheData) {
             feed(rig.handler, frames[s], static_cast<int>(s));
         }
         EXPECT_TRUE(rig.comesIn(ports)) << bits;
-        EXPECT_EQ(Handler::getFrequencyVector(id),
-                  ports.frequencyVector ? std::vector<double>({10, 20, 30}) : std::vector<double>());
+        EXPECT_EQ(Handler::getFrequencyVector(id), ports.frequencyVector ? Values({10, 20, 30}) : Values());
         const double first = ports.frequencyVector ? 10 : 9;
         EXPECT_EQ(Handler::getRBW(id), ports.rbw ? first : 0);
         EXPECT_EQ(Handler::getVBW(id), ports.vbw ? first + (ports.rbw ? 1 : 0) : 0);
@@ -78,7 +73,7 @@ TEST(BFInputPortParametersHandlerFilter, keepsWhatThePortsDeliveredLast) {
     const auto nothing = [&] {
         for (int s = 0; s < 4; ++s) {
             rig.handler.setInputLength(0);
-            std::vector<double> out;
+            Values out;
             rig.handler.filterImpl(nullptr, out, s);
         }
     };
@@ -100,9 +95,9 @@ TEST(BFInputPortParametersHandlerFilter, keepsWhatThePortsDeliveredLast) {
     rig.client.frameSize[1] = 2;
     rig.handler.tuneImpl(rig.client.sizeChange());
     feed(rig.handler, {0, 1, 2}, 1);
-    EXPECT_EQ(Handler::getFrequencyVector(id), std::vector<double>({1, 2}));
+    EXPECT_EQ(Handler::getFrequencyVector(id), Values({1, 2}));
     // A port that is switched off is one of the data for all who ask.
-    rig.handler.tuneImpl(TestClient::tune().addLogical("inputPortRBW", false));
+    rig.handler.tuneImpl(TestClient::tune("inputPortRBW=false"));
     EXPECT_TRUE(rig.comesIn({true, false, true}));
     // What another stage left under a key reads as nothing.
     rig.client.board().addCustomSetting(Handler::vbw, std::string("wide"));
@@ -111,4 +106,3 @@ TEST(BFInputPortParametersHandlerFilter, keepsWhatThePortsDeliveredLast) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

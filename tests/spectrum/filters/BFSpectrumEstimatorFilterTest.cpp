@@ -1,32 +1,21 @@
 #include "BFSpectrumEstimatorFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "BFInputPortParametersHandlerFilter.h"
 #include "SpectrumFilterTestSupport.h"
+#include "Test.h"
 #include "foundation/numbenchdata/Array.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::feed;
-using testsupport::noise;
-using testsupport::record;
-using testsupport::TestClient;
-
 /// A frame in head form: times, then values.
-std::vector<double> withHead(std::size_t times, const std::vector<double>& values) {
-    std::vector<double> frame(times, 1e6);
+Values withHead(std::size_t times, const Values& values) {
+    Values frame(times, 1e6);
     frame.insert(frame.end(), values.begin(), values.end());
     return frame;
 }
 
 PropertyList plain(PropertyList list) {
-    list.addDouble("sampleRate", 6400).addChar("window", "rectangular").addDouble("forgettingFactor", 0);
-    return list.addChar("frequencyRange", "one-sided");
+    return list.append(optionList("sampleRate=6400 window=rectangular forgettingFactor=0 frequencyRange=one-sided"));
 }
 
 /// An estimator of a simulation, set up with these options.
@@ -35,7 +24,7 @@ struct Rig {
         client->setUsingStreamPlugInBF(true);
         client.frameSize = std::move(sizes);
     }
-    PropertyList setup() const { return plain(client.setup()); }
+    PropertyList setup(const std::string& options) const { return plain(client.setup(options)); }
 
     TestClient client;
     BFSpectrumEstimatorFilter filter;
@@ -44,17 +33,13 @@ struct Rig {
 TEST(BFSpectrumEstimatorFilter, takesParametersFromPortsThatNeverReachTheEstimator) {
     Rig rig({1, 1, 1, 1}, {16, 16, 1, 1});
     BFInputPortParametersHandlerFilter ports;
-    const PropertyList setup = rig.setup()
-                                   .addLogical("autoRBW", false)
-                                   .addLogical("autoVBW", false)
-                                   .addChar("averagingMethod", "vbw")
-                                   .addLogical("inputPortRBW", true)
-                                   .addLogical("inputPortVBW", true);
+    const PropertyList setup =
+        rig.setup("autoRBW=false autoVBW=false averagingMethod=vbw inputPortRBW=true inputPortVBW=true");
     ports.tuneImpl(setup);
     rig.filter.tuneImpl(setup);
     EXPECT_EQ(2, rig.filter.getNumDataSignals());
-    const auto run = [&](const std::vector<double>& rbw, const std::vector<double>& vbw) {
-        const std::vector<double> frames[] = {withHead(1, noise(16)), withHead(1, noise(16)), rbw, vbw};
+    const auto run = [&](const Values& rbw, const Values& vbw) {
+        const Values frames[] = {withHead(1, noise(16)), withHead(1, noise(16)), rbw, vbw};
         for (int signal = 0; signal < 4; ++signal) {
             feed(ports, frames[signal], signal);
         }
@@ -64,7 +49,7 @@ TEST(BFSpectrumEstimatorFilter, takesParametersFromPortsThatNeverReachTheEstimat
         }
         return outputs;
     };
-    const std::vector<double> nothing;
+    const Values nothing;
     EXPECT_EQ(0u, run({0, 200}, {0, 5}));
     EXPECT_EQ(32u, record(rig.client).segmentLength);
     EXPECT_EQ(5.0, record(rig.client).vbw);
@@ -79,7 +64,7 @@ TEST(BFSpectrumEstimatorFilter, takesParametersFromPortsThatNeverReachTheEstimat
     EXPECT_EQ(16u, record(rig.client).segmentLength);
     EXPECT_EQ(7.0, record(rig.client).vbw);
     // Another number of data signals is another layout.
-    rig.filter.tuneImpl(TestClient::tune().addLogical("inputPortVBW", false));
+    rig.filter.tuneImpl(TestClient::tune("inputPortVBW=false"));
     run(nothing, {0, 5});
     EXPECT_EQ((std::vector<int>{1, 1, 1}), record(rig.client).numChannels);
 }
@@ -113,12 +98,11 @@ TEST(BFSpectrumEstimatorFilter, followsAGridFromAPort) {
 
 // The range that the first frame shows is the full scale of all that follow: as if it had been told.
 TEST(BFSpectrumEstimatorFilter, measuresTheFullScaleInTheFirstFrame) {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         const char* what;
         bool isComplex;
         const char16_t* dataType;
-        std::vector<double> first;
+        Values first;
         double range;
     } rows[] = {
         {"silence", false, u"double", {0, 0, 0, 0}, 1},
@@ -134,19 +118,19 @@ TEST(BFSpectrumEstimatorFilter, measuresTheFullScaleInTheFirstFrame) {
         Rig rig({row.isComplex ? 2 : 1}, {row.isComplex ? 2 : 4});
         rig.client->setIsComplex({row.isComplex ? 1 : 0});
         const auto types = foundation::numbenchdata::ArrayFactory::createString({std::u16string(row.dataType)});
-        const PropertyList setup = rig.setup().addChar("spectrumUnits", "dbfs").add("inputDataType", types);
+        const PropertyList setup = rig.setup("spectrumUnits=dbfs").add("inputDataType", types);
         rig.filter.tuneImpl(setup);
         feed(rig.filter, withHead(1, row.first));
         TestClient other(rig.client.numChannels, "other");
         other->setIsComplex({row.isComplex ? 1 : 0});
         SpectrumEstimatorFilter told;
-        told.tuneImpl(plain(other.setup()).addChar("spectrumUnits", "dbfs").addDoubles("inputRange", {row.range}));
+        told.tuneImpl(plain(other.setup("spectrumUnits=dbfs")).addDoubles("inputRange", {row.range}));
         feed(told, row.first);
         // Averages begin anew, without what is no number.
-        rig.filter.tuneImpl(TestClient::tune().addDouble("forgettingFactor", 0.5));
-        told.tuneImpl(TestClient::tune().addDouble("forgettingFactor", 0.5));
+        rig.filter.tuneImpl(TestClient::tune("forgettingFactor=0.5"));
+        told.tuneImpl(TestClient::tune("forgettingFactor=0.5"));
         for (const std::uint64_t seed : {1u, 2u}) {
-            const std::vector<double> samples = noise(8192, seed);
+            const Values samples = noise(8192, seed);
             const auto expected = feed(told, samples);
             rig.client.frameSize = {static_cast<int>(samples.size()) / rig.client.numChannels[0]};
             rig.filter.tuneImpl(rig.client.sizeChange());
@@ -159,7 +143,7 @@ TEST(BFSpectrumEstimatorFilter, measuresTheFullScaleInTheFirstFrame) {
 
 TEST(BFSpectrumEstimatorFilter, takesANewFrameSizeForANewSampleRate) {
     Rig rig({1}, {64});
-    rig.filter.tuneImpl(rig.setup().addDouble("defaultSegmentLength", 64).addDoubles("sampleTime", {0.01}));
+    rig.filter.tuneImpl(rig.setup("defaultSegmentLength=64 sampleTime=0.01"));
     feed(rig.filter, withHead(1, noise(64)));
     const auto length = static_cast<int>(record(rig.client).segmentLength);
     ASSERT_EQ(128, length);
@@ -172,7 +156,7 @@ TEST(BFSpectrumEstimatorFilter, takesANewFrameSizeForANewSampleRate) {
     // Two simulation frames in one.
     EXPECT_EQ(0u, feed(rig.filter, withHead(2, noise(64))).size());
     EXPECT_NE(0u, feed(rig.filter, withHead(2, noise(64))).size());
-    for (const std::vector<double>& noRate : {std::vector<double>{0.0}, {}, {-1.0}}) {
+    for (const Values& noRate : {Values{0.0}, {}, {-1.0}}) {
         rig.filter.tuneImpl(TestClient::tune().addDoubles("sampleTime", noRate));
         rig.client.frameSize = {16};
         rig.filter.tuneImpl(rig.client.sizeChange());
@@ -183,7 +167,7 @@ TEST(BFSpectrumEstimatorFilter, takesANewFrameSizeForANewSampleRate) {
 
 TEST(BFSpectrumEstimatorFilter, publishesNothingWithoutData) {
     Rig rig({1, 0}, {64, 64});
-    rig.filter.tuneImpl(rig.setup().addDouble("defaultSegmentLength", 16));
+    rig.filter.tuneImpl(rig.setup("defaultSegmentLength=16"));
     EXPECT_TRUE(feed(rig.filter, {0.0}, 1).empty()) << "no channels";
     EXPECT_TRUE(feed(rig.filter, {}, 0).empty());
     EXPECT_TRUE(feed(rig.filter, withHead(1, noise(64)), 2).empty()) << "no such signal";
@@ -199,4 +183,3 @@ TEST(BFSpectrumEstimatorFilter, publishesNothingWithoutData) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,32 +1,16 @@
 #include "SpectrumEstimatorFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-
 #include "Board.h"
 #include "SpectrumFilterTestSupport.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::noise;
-using testsupport::record;
-using testsupport::sine;
-using testsupport::TestClient;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 /// Segments of 64 samples at 6400 Hz without a window: bins 100 Hz apart, exact for tones on them.
 PropertyList plain(PropertyList list) {
-    list.addDouble("sampleRate", 6400)
-        .addChar("frequencyResolutionMethod", "window-length")
-        .addDouble("windowLength", 64);
-    list.addChar("window", "rectangular").addChar("frequencyRange", "one-sided");
-    list.addLogical("autoFFTLength", false).addDouble("fftLength", 64);
-    return list.addChar("spectrumUnits", "watts").addDouble("forgettingFactor", 0);
+    return list.append(optionList(
+        "sampleRate=6400 frequencyResolutionMethod=window-length windowLength=64 autoFFTLength=false fftLength=64 "
+        "window=rectangular frequencyRange=one-sided spectrumUnits=watts forgettingFactor=0"));
 }
 
 // A tone of amplitude A on a bin has the power A^2 / 2, whatever the cuts of the stream.
@@ -37,15 +21,15 @@ TEST(SpectrumEstimatorFilter, publishesWhatItEstimates) {
         SpectrumEstimatorFilter filter;
         filter.tuneImpl(plain(client.setup()));
         EXPECT_TRUE(filter.isActive());
-        EXPECT_EQ((std::vector<double>{1.0, 0.5}), client->channelSizeFactors);
-        std::vector<double> out;
+        EXPECT_EQ((Values{1.0, 0.5}), client->channelSizeFactors);
+        Values out;
         for (std::size_t from = 0; from < 256; from += cut) {
-            std::vector<double> frame = sine(cut, 2.0, 5.0 / 64, from);
-            const std::vector<double> second = sine(cut, 4.0, 9.0 / 64, from);
+            Values frame = sine(cut, 2.0, 5.0 / 64, from);
+            const Values second = sine(cut, 4.0, 9.0 / 64, from);
             frame.insert(frame.end(), second.begin(), second.end());
-            const std::vector<double> result = feed(filter, frame, 0);
+            const Values result = feed(filter, frame, 0);
             out = result.empty() ? out : result;
-            feed(filter, std::vector<double>(2 * cut, 1.0), 1);
+            feed(filter, Values(2 * cut, 1.0), 1);
         }
         ASSERT_EQ(3u * 33u, out.size()) << cut;
         EXPECT_EQ(500.0, out[5]);
@@ -57,8 +41,8 @@ TEST(SpectrumEstimatorFilter, publishesWhatItEstimates) {
         EXPECT_EQ(100.0, SpectrumEstimatorFilter::getRBW(client.name()));
         EXPECT_TRUE(published.isNewDataReady);
         EXPECT_EQ((std::vector<int>{2, 1}), published.numChannels);
-        EXPECT_EQ(std::vector<double>(out.begin(), out.begin() + 33), published.frequencyVector);
-        EXPECT_EQ(std::vector<double>(out.begin() + 33, out.end()), published.spectrumData[0]);
+        EXPECT_EQ(Values(out.begin(), out.begin() + 33), published.frequencyVector);
+        EXPECT_EQ(Values(out.begin() + 33, out.end()), published.spectrumData[0]);
         EXPECT_EQ(33u, published.spectrumData[1].size());
     }
 }
@@ -71,26 +55,21 @@ TEST(SpectrumEstimatorFilter, keepsAndResetsAsItsTunesAsk) {
     EXPECT_EQ(66u, run().size());
     const auto updates = [&] { return record(client).numUpdatesProcessed; };
     EXPECT_EQ(1u, updates());
-    filter.tuneImpl(TestClient::tune());                      // nothing
-    filter.tuneImpl(TestClient::tune().addDouble("rbw", 5));  // ignored while the RBW is automatic
+    filter.tuneImpl(TestClient::tune());         // nothing
+    filter.tuneImpl(TestClient::tune("rbw=5"));  // ignored while the RBW is automatic
     run();
     EXPECT_EQ(2u, updates());
     EXPECT_EQ(100.0, record(client).rbw);
-    filter.tuneImpl(TestClient::tune().addChar("spectrumUnits", "dbw"));  // new units, the counters go on
+    filter.tuneImpl(TestClient::tune("spectrumUnits=dbw"));  // new units, the counters go on
     EXPECT_NEAR(10.0 * std::log10(0.5), run()[33 + 5], 1e-12);
     EXPECT_EQ(3u, updates());
     const auto* const board = SpectrumEstimatorFilter::getSpectrumEstimatorMetaData(client.name());
     EXPECT_NEAR(10.0 * std::log10(0.5), board->maxHoldTrace[5], 1e-12);
     // A custom window counts from the same list on that chooses it.
-    filter.tuneImpl(
-        TestClient::tune().addChar("window", "custom").addDoubles("customWindow", std::vector<double>(64, 3.0)));
+    filter.tuneImpl(TestClient::tune("window=custom").addDoubles("customWindow", Values(64, 3.0)));
     EXPECT_NEAR(10.0 * std::log10(0.5), run()[33 + 5], 1e-12);
     EXPECT_EQ(64u, record(client).segmentLength);
-    filter.tuneImpl(TestClient::tune()
-                        .addChar("frequencyResolutionMethod", "rbw")
-                        .addChar("window", "rectangular")
-                        .addLogical("autoRBW", false)
-                        .addDouble("rbw", 200));
+    filter.tuneImpl(TestClient::tune("frequencyResolutionMethod=rbw window=rectangular autoRBW=false rbw=200"));
     run();
     EXPECT_EQ(200.0, record(client).rbw);
     // A setup begins anew.
@@ -120,14 +99,14 @@ TEST(SpectrumEstimatorFilter, givesOutTheLastUpdateDuringAReplay) {
         SpectrumEstimatorFilter filter;
         PropertyList list = plain(client.setup()).addLogical("showSpectrogram", isAggregated);
         filter.tuneImpl(list.addLogical("autoTimeResolution", !isAggregated).addDouble("timeResolution", 0.02));
-        const std::vector<double> live = feed(filter, noise(256));
+        const Values live = feed(filter, noise(256));
         ASSERT_FALSE(live.empty());
         client->setIsDataSourceRepository(true);
         filter.tuneImpl(client.setup());
         EXPECT_EQ(live, feed(filter, noise(256, 2))) << isAggregated;
         EXPECT_TRUE(client->isDataSourceRepository());
         // A changed setting lets the stored frame be computed again; too short a frame gives nothing and ends it.
-        filter.tuneImpl(TestClient::tune().addChar("window", "hann"));
+        filter.tuneImpl(TestClient::tune("window=hann"));
         EXPECT_TRUE(feed(filter, noise(2)).empty());
         EXPECT_FALSE(client->isDataSourceRepository());
     }
@@ -157,7 +136,6 @@ TEST(SpectrumEstimatorFilter, packagesHoldTraces) {
     stored.plotMaxHoldTrace = true;
     stored.plotMinHoldTrace = true;
     stored.numChannels = {1, 2};
-    const double infinity = std::numeric_limits<double>::infinity();
     stored.maxHoldTrace = {9, 9, 1, -infinity, 3, nan};
     stored.minHoldTrace = {-7, infinity, 1, 2};
     client.board().addCustomSetting(SpectrumEstimatorFilter::spectrumEstimatorMetaData, stored);
@@ -177,4 +155,3 @@ TEST(SpectrumEstimatorFilter, packagesHoldTraces) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,7 +1,5 @@
 #include "SpectrumQueries.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <thread>
 
@@ -9,14 +7,10 @@
 #include "QueryStructure.h"
 #include "SimulationMetaDataFilter.h"
 #include "SpectrumFilterTestSupport.h"
+#include "Test.h"
 #include "numbench/Exception.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::noise;
-using testsupport::TestClient;
 
 using Query = void (*)(nbArray**, const nbArray**);
 
@@ -34,7 +28,7 @@ std::vector<NbArrayPointer> ask(Query query, const std::string& client) {
     return answers;
 }
 
-std::vector<double> values(const NbArrayPointer& array) {
+Values values(const NbArrayPointer& array) {
     const double* const first = nbGetDoubles(array.get());
     return {first, first + nbGetNumberOfElements(array.get())};
 }
@@ -64,9 +58,9 @@ TEST(SpectrumQueries, giveTheRecord) {
     auto answers = ask(answerSpectrumData, client.name());
     ASSERT_EQ(11u, answers.size());
     EXPECT_EQ(2.5, nbGetScalar(answers[0].get()));
-    EXPECT_EQ((std::vector<double>{0, 100}), values(answers[1]));
+    EXPECT_EQ((Values{0, 100}), values(answers[1]));
     EXPECT_EQ(1u, nbGetColumns(answers[1].get()));
-    EXPECT_EQ((std::vector<double>{3, 4, 7, 8, 11, 12}), values(answers[2]));  // the newest of each channel
+    EXPECT_EQ((Values{3, 4, 7, 8, 11, 12}), values(answers[2]));  // the newest of each channel
     EXPECT_EQ(2u, nbGetRows(answers[2].get()));
     EXPECT_EQ(3u, nbGetColumns(answers[2].get()));
     for (const int off : {3, 4, 5}) {
@@ -85,9 +79,9 @@ TEST(SpectrumQueries, giveTheRecord) {
     record->plotMinHoldTrace = true;
     answers = ask(answerSpectrumData, client.name());
     EXPECT_EQ(0u, nbGetNumberOfElements(answers[2].get()));
-    EXPECT_EQ((std::vector<double>{9, 10, 11, 12}), values(answers[3]));  // all lines of the selected channel
-    EXPECT_EQ(std::vector<double>(12, 0.0), values(answers[4]));          // no trace there
-    EXPECT_EQ((std::vector<double>{1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0}), values(answers[5]));
+    EXPECT_EQ((Values{9, 10, 11, 12}), values(answers[3]));  // all lines of the selected channel
+    EXPECT_EQ(Values(12, 0.0), values(answers[4]));          // no trace there
+    EXPECT_EQ((Values{1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0}), values(answers[5]));
     for (const std::uint64_t odd : {0u, 9u}) {  // no lines, a channel that is not there
         record->spectrogramChannel = odd;
         record->numSpectrumBlocks = odd;
@@ -95,7 +89,7 @@ TEST(SpectrumQueries, giveTheRecord) {
     }
     record->spectrogramChannel = ~std::uint64_t{0};  // a channel of -1
     record->numSpectrumBlocks = 2;
-    EXPECT_EQ(std::vector<double>(4, 0.0), values(ask(answerSpectrumData, client.name())[3]));
+    EXPECT_EQ(Values(4, 0.0), values(ask(answerSpectrumData, client.name())[3]));
 
     EXPECT_TRUE(nbGetScalar(ask(answerIsSpectrumAvailable, client.name())[0].get()));
     answers = ask(answerIsNewSpectrumReady, client.name());
@@ -110,7 +104,7 @@ TEST(SpectrumQueries, giveTheRecord) {
 TEST(SpectrumQueries, tellOnceThatTheCounterBeganAgain) {
     TestClient client;
     SpectrumEstimatorFilter filter;
-    filter.tuneImpl(client.setup().addDouble("defaultSegmentLength", 64));
+    filter.tuneImpl(client.setup("defaultSegmentLength=64"));
     const auto isReset = [&] {
         return nbGetScalar(ask(answerResetCachedNumSamplesProcessed, client.name())[0].get()) != 0.0;
     };
@@ -134,10 +128,7 @@ TEST(SpectrumQueries, mayComeFromAnotherThread) {
     SpectrumEstimatorFilter filter;
     const auto setUp = [&] {
         metaData.tuneImpl(client.setup());
-        filter.tuneImpl(client.setup()
-                            .addDouble("defaultSegmentLength", 64)
-                            .addLogical("plotMaxHoldTrace", true)
-                            .addLogical("showSpectrogram", true));
+        filter.tuneImpl(client.setup("defaultSegmentLength=64 plotMaxHoldTrace=true showSpectrogram=true"));
     };
     setUp();
     std::atomic<bool> isRunning{true};
@@ -154,7 +145,7 @@ TEST(SpectrumQueries, mayComeFromAnotherThread) {
     });
     JsonArrayPool arrays;
     for (int i = 0; i < 300; ++i) {
-        const std::vector<double> frame = noise(2 * 100);
+        const Values frame = noise(2 * 100);
         feed(metaData, frame);
         feed(filter, frame);
         if (i % 10 == 3) {
@@ -171,4 +162,3 @@ TEST(SpectrumQueries, mayComeFromAnotherThread) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

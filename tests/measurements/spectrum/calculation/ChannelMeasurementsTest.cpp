@@ -1,26 +1,13 @@
 #include "ChannelMeasurements.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <numbers>
-#include <vector>
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-using Values = std::vector<double>;
 using Type = ChannelMeasurementEnum::Type;
 using FilterShape = ChannelMeasurementEnum::FilterShape;
 using enum SpectrumMeasurementsEnum::SpectrumType;
 using enum SpectrumMeasurementsEnum::SpectrumUnits;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-double decibels(double ratio) {
-    return 10 * std::log10(ratio);
-}
 
 /// Bins of 10 Hz from -995 to 995 Hz: they cover -1000 .. 1000 Hz.
 Values grid() {
@@ -165,7 +152,7 @@ TEST(ChannelMeasurements, TakesAnOffsetAndKeepsTheFiguresOfTheOtherType) {
     EXPECT_NEAR(result.occupiedBW, 198, 1e-10);
     EXPECT_NEAR(result.channelPower, decibels(400), 1e-11);
     EXPECT_TRUE(result.acprLower.empty());
-    measurement.setRBW(std::numeric_limits<double>::infinity());
+    measurement.setRBW(infinity);
     EXPECT_TRUE(std::isnan(measure(measurement, Values(200, 2.0)).channelPower));
     EXPECT_THROW(measurement.getTypeEnum("obw"), std::out_of_range);
 }

@@ -1,22 +1,15 @@
 #include "DistortionMeasurements.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <map>
-#include <vector>
+
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
 using Type = DistortionMeasurementEnum::Type;
-using Values = std::vector<double>;
 using enum SpectrumMeasurementsEnum::SpectrumType;
 using enum SpectrumMeasurementsEnum::SpectrumUnits;
 
-double decibels(double ratio) {
-    return 10 * std::log10(ratio);
-}
 double ratio(double level) {
     return std::pow(10, level / 10);
 }
@@ -140,7 +133,7 @@ TEST(DistortionMeasurements, MeasuresTheThirdOrderIntercept) {
     // 2 f2 - f1 beyond the grid: the leftover about the lower product, whose own hill is wiped by then.
     const auto beyond = measure(measurement, levels({{250, 0}, {330, -3}, {170, -60}}));
     EXPECT_NEAR(beyond.harmonicPower[2], -60, tolerance);
-    EXPECT_EQ(beyond.harmonicPower[3], -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(beyond.harmonicPower[3], -infinity);
 }
 
 TEST(DistortionMeasurements, ReadsNaNWhereThereIsNothingToMeasure) {
@@ -156,7 +149,7 @@ TEST(DistortionMeasurements, ReadsNaNWhereThereIsNothingToMeasure) {
     }
     DistortionMeasurements unbounded;
     unbounded.setSpectrumType(powerDensity);
-    unbounded.setRBW(std::numeric_limits<double>::infinity());
+    unbounded.setRBW(infinity);
     EXPECT_TRUE(
         std::isnan(unbounded.computeDistortion(Values{0, 10, 20}.data(), Values{-9, 0, -9}.data(), {0, 3}).thd));
     DistortionMeasurements none;
@@ -171,7 +164,7 @@ TEST(DistortionMeasurements, ReadsNaNWhereThereIsNothingToMeasure) {
     DistortionMeasurements wide;  // windows that reach past either end, and tones on the first and last bins
     for (const std::size_t place : {0u, 1u, 5u}) {
         measure(wide, levels({{place, 0}}, 6));
-        measure(wide, levels({{place, std::numeric_limits<double>::quiet_NaN()}}, 6));
+        measure(wide, levels({{place, nan}}, 6));
     }
     EXPECT_THROW(wide.getTypeEnum("Harmonic"), std::out_of_range);
 }

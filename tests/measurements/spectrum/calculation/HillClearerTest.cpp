@@ -1,17 +1,11 @@
 #include "HillClearer.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
-#include <vector>
+#include "Test.h"
 
 namespace {
 
-using dspwavedecks::HillClearer;
-
 /// One bin after the other, without a memory of what was wiped before.
-std::size_t clearBinByBin(std::vector<double>& psd, std::size_t index) {
+std::size_t clearBinByBin(Values& psd, std::size_t index) {
     std::size_t first = index;
     while (first >= 1 && psd[first - 1] <= psd[first]) {
         --first;
@@ -27,10 +21,10 @@ std::size_t clearBinByBin(std::vector<double>& psd, std::size_t index) {
 }
 
 TEST(HillClearer, WipesAPeakDownToTheValleysOnBothSides) {
-    std::vector<double> psd{5, 1, 2, 2, 9, 3, 3, 4};
+    Values psd{5, 1, 2, 2, 9, 3, 3, 4};
     HillClearer hills;
     EXPECT_EQ(hills.clear(psd, 4), 6u);
-    EXPECT_EQ(psd, (std::vector<double>{5, 0, 0, 0, 0, 0, 0, 4}));
+    EXPECT_EQ(psd, (Values{5, 0, 0, 0, 0, 0, 0, 4}));
     EXPECT_EQ(hills.clear(psd, 0), 7u) << "what was wiped before counts again";
 }
 
@@ -39,12 +33,12 @@ TEST(HillClearer, AgreesWithTheWalkBinByBin) {
     std::mt19937 random(3);
     const auto draw = [&random](unsigned below) { return static_cast<unsigned>(random() % below); };
     for (int round = 0; round < 2000; ++round) {
-        std::vector<double> psd(1 + draw(60));
+        Values psd(1 + draw(60));
         const unsigned levels = 2 + draw(8);
         for (double& bin : psd) {
-            bin = draw(40) == 0 ? std::numeric_limits<double>::quiet_NaN() : draw(60) == 0 ? -1.0 : draw(levels);
+            bin = draw(40) == 0 ? nan : draw(60) == 0 ? -1.0 : draw(levels);
         }
-        std::vector<double> expected = psd;
+        Values expected = psd;
         HillClearer hills;
         for (int wipe = 0; wipe < 8; ++wipe) {
             const std::size_t index = draw(static_cast<unsigned>(psd.size()));

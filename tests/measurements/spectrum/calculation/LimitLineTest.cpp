@@ -1,18 +1,8 @@
 #include "LimitLine.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <vector>
+#include "Test.h"
 
 namespace {
-
-using dspwavedecks::LimitLine;
-using Values = std::vector<double>;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(LimitLine, RunsStraightBetweenItsBreakpoints) {
     const Values limits{-50, 50};

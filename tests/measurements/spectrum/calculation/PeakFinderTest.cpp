@@ -1,23 +1,10 @@
 #include "PeakFinder.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <vector>
-
-#include "reference/peaksReference.h"
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-using Values = std::vector<double>;
 using Peak = peakFinderStruct::Peak;
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 Values locations(const peakFinderStruct& found) {
     Values result;
@@ -149,28 +136,35 @@ Values referenceNoise(int count) {
     return x;
 }
 
-TEST(PeakFinder, AgreesWithAnIndependentImplementationOnNoise) {
+TEST(PeakFinder, AgreesWithAnIndependentImplementation) {
     const Values x = referenceNoise(4000);
-    for (const PeaksReference& reference : peaksReference) {
-        PeakFinder finder(reference.minHeight, reference.numPeaks, reference.minDistance, reference.threshold);
-        const auto found = finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum);
-        EXPECT_EQ(locations(found), reference.locations) << reference.minDistance;
-        for (const Peak& peak : found.peaks) {
+    Values steps;
+    for (std::size_t i = 3; i < 900; ++i) {
+        steps.push_back(std::floor(4 * (x[i - 3] + x[i - 2] + x[i - 1] + x[i])));
+    }
+    std::ifstream file(PEAKS_REFERENCE);
+    std::string line;
+    std::getline(file, line);
+    std::istringstream plateaus(line);
+    Values found = locations(
+        PeakFinder(-infinity, x.size(), 1, 0).findPeaks(steps.data(), {0, steps.size()}, PeakSelectionLastMaximum));
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, Values(std::istream_iterator<double>(plateaus), {}));
+
+    int rows = 0;
+    for (; std::getline(file, line); ++rows) {
+        std::istringstream row(line);
+        double minHeight = 0, minDistance = 0, threshold = 0;
+        unsigned long numPeaks = 0;
+        row >> minHeight >> numPeaks >> minDistance >> threshold;
+        PeakFinder finder(minHeight, numPeaks, minDistance, threshold);
+        const auto peaks = finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum);
+        EXPECT_EQ(locations(peaks), Values(std::istream_iterator<double>(row), {})) << minDistance;
+        for (const Peak& peak : peaks.peaks) {
             EXPECT_EQ(peak.value, x[static_cast<std::size_t>(peak.location)]);
         }
     }
-}
-
-TEST(PeakFinder, AgreesWithAnIndependentImplementationOnPlateaus) {
-    const Values noise = referenceNoise(900);
-    Values x;
-    for (std::size_t i = 3; i < noise.size(); ++i) {
-        x.push_back(std::floor(4 * (noise[i - 3] + noise[i - 2] + noise[i - 1] + noise[i])));
-    }
-    PeakFinder finder(-infinity, x.size(), 1, 0);
-    Values found = locations(finder.findPeaks(x.data(), {0, x.size()}, PeakSelectionLastMaximum));
-    std::sort(found.begin(), found.end());
-    EXPECT_EQ(found, plateausReference);
+    EXPECT_EQ(rows, 4) << "the whole file";
 }
 
 }  // namespace

@@ -1,19 +1,11 @@
 #include "PhaseNoise.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <vector>
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-using Values = std::vector<double>;
 using enum SpectrumMeasurementsEnum::SpectrumType;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double binWidth = 50;
 constexpr double rbw = 20;
 

@@ -1,21 +1,11 @@
-#include "PositiveMedian.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <vector>
-
 #include "FirstLargest.h"
+#include "PositiveMedian.h"
 #include "SpectrumKernels.h"
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-
-double sortedMedian(std::vector<double> x) {
+double sortedMedian(Values x) {
     std::erase_if(x, [](double value) { return !(value > 0); });
     std::sort(x.begin(), x.end());
     return x.empty() ? 0 : (x[(x.size() - 1) / 2] + x[x.size() / 2]) / 2;
@@ -24,10 +14,10 @@ double sortedMedian(std::vector<double> x) {
 // Spreads from a few equal values to the whole range of doubles, with the values that are no positive number between.
 TEST(PositiveMedian, IsThatOfTheSortedValues) {
     std::mt19937_64 random(11);
-    const std::vector<double> odd{0.0, -1.0, std::nan(""), std::numeric_limits<double>::infinity(), 0x1p-1074, 1e300};
-    std::vector<double> scratch;
+    const Values odd{0.0, -1.0, nan, infinity, 0x1p-1074, 1e300};
+    Values scratch;
     for (int round = 0; round < 600; ++round) {
-        std::vector<double> x(random() % (round % 10 == 0 ? 5000 : 300));
+        Values x(random() % (round % 10 == 0 ? 5000 : 300));
         const double spread = std::ldexp(1.0, static_cast<int>(random() % 11));
         const double levels = std::ldexp(1.0, static_cast<int>(random() % 30));
         for (double& value : x) {
@@ -41,9 +31,9 @@ TEST(PositiveMedian, IsThatOfTheSortedValues) {
 TEST(FirstLargest, IsThatOfThePlainScan) {
     std::mt19937 random(5);
     for (int round = 0; round < 3000; ++round) {
-        std::vector<double> x(random() % (round % 100 == 0 ? 3000 : 40));
+        Values x(random() % (round % 100 == 0 ? 3000 : 40));
         for (double& value : x) {
-            value = random() % 12 == 0 ? std::nan("") : static_cast<double>(static_cast<int>(random() % 20)) - 10;
+            value = random() % 12 == 0 ? nan : static_cast<double>(static_cast<int>(random() % 20)) - 10;
         }
         const auto expected = static_cast<std::size_t>(std::max_element(x.begin(), x.end()) - x.begin());
         ASSERT_EQ(firstLargest(x.data(), x.size()), expected) << "round " << round;
@@ -59,13 +49,13 @@ TEST(SpectrumKernels, AgreeWithPlainLoopsOnEveryInstructionSet) {
         }
         const SpectrumKernels& kernels = spectrumKernels(set);
         for (std::size_t n = 0; n < 40; ++n) {
-            std::vector<double> x(n + 1);
+            Values x(n + 1);
             for (double& value : x) {
-                value = random() % 9 == 0 ? std::nan("") : static_cast<double>(random() % 9);
+                value = random() % 9 == 0 ? nan : static_cast<double>(random() % 9);
             }
             const double* const odd = x.data() + 1;
             std::size_t atMost = 0;
-            double largest = 3, smallest = std::numeric_limits<double>::infinity();
+            double largest = 3, smallest = infinity;
             for (std::size_t i = 0; i < n; ++i) {
                 atMost += odd[i] <= 3 ? 1 : 0;
                 largest = odd[i] > largest ? odd[i] : largest;
@@ -76,10 +66,10 @@ TEST(SpectrumKernels, AgreeWithPlainLoopsOnEveryInstructionSet) {
             EXPECT_EQ(kernels.smallestAbove(odd, n, 3), smallest);
         }
         constexpr std::size_t numBins = 1100;
-        const std::vector<double> line(numBins, 2.0);
+        const Values line(numBins, 2.0);
         for (std::size_t failing = 0; failing <= numBins; failing += 1 + failing / 50) {
-            std::vector<double> bins(numBins, 5.0);  // on the line: the reference is 3
-            bins[(failing + 1) % numBins] = std::numeric_limits<double>::quiet_NaN();
+            Values bins(numBins, 5.0);  // on the line: the reference is 3
+            bins[(failing + 1) % numBins] = nan;
             EXPECT_FALSE(kernels.anyAbove(bins.data(), line.data(), 3, numBins));
             EXPECT_FALSE(kernels.anyBelow(bins.data(), line.data(), 3, numBins));
             if (failing < numBins) {

@@ -1,20 +1,11 @@
 #include "SpectralMaskTester.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <vector>
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-using Values = std::vector<double>;
 using Ids = std::vector<unsigned long>;
 using EnabledMasks = SpectralMaskTesterEnum::EnabledMasks;
 using ReferenceLevel = SpectralMaskTesterEnum::ReferenceLevel;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 /// The grid -2000 .. 2000 Hz in steps of 1 Hz, and one block a channel: a floor with one bin that differs.
 constexpr std::size_t numPoints = 4001;

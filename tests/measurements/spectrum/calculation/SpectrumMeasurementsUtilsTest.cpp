@@ -1,21 +1,11 @@
 #include "SpectrumMeasurementsUtils.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <stdexcept>
-#include <string>
-#include <vector>
+#include "Test.h"
 
 namespace {
 
-using namespace dspwavedecks;
-using namespace dspwavedecks::SpectrumMeasurementsUtils;
-using Values = std::vector<double>;
+using namespace SpectrumMeasurementsUtils;
 using Range = std::vector<unsigned long>;
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 // A level of 100 dB in double precision is good to 1e-14; the powers below reach 1e4 and are good to a few ulp.
 constexpr double relative = 1e-14;

@@ -1,24 +1,13 @@
 // Phase noise and mask tests, which cover every channel of every signal.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <stdexcept>
 
 #include "PhaseNoiseFilter.h"
 #include "SpectralMaskTesterFilter.h"
 #include "SpectrumClient.h"
 #include "SpectrumMeasurementQueries.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::feed;
-using testsupport::QueryAnswer;
-using testsupport::SpectrumClient;
-using testsupport::TestClient;
-using testsupport::text;
-using Values = std::vector<double>;
 using Names = std::vector<std::string>;
 
 /// The grid 0 .. 9 Hz and channels of ten levels.
@@ -34,8 +23,7 @@ const Values carrier{-90, 0, -10, -20, -30, -40, -50, -60, -70, -80};  // at 1 H
 const Values carrierAtEnd{-90, -90, -90, -90, -90, -90, -90, -90, -90, 0};
 
 PhaseNoiseFilter& tuned(PhaseNoiseFilter& filter, const TestClient& client) {
-    filter.tuneImpl(
-        client.setup().addLogical("phaseNoiseEnabled", true).addDoubles("phaseNoiseFrequencyOffset", {2, 3.5}));
+    filter.tuneImpl(client.setup("phaseNoiseEnabled=true phaseNoiseFrequencyOffset=2,3.5"));
     return filter;
 }
 
@@ -48,7 +36,7 @@ TEST(PhaseNoiseFilter, sendsCurvesOfEveryChannel) {
     feed(filter, frame({carrier}), 0);
     EXPECT_FALSE(PhaseNoiseFilter::isDataReady(client.name()));
     Values odd = carrier;
-    odd[4] = std::numeric_limits<double>::infinity() * -1;
+    odd[4] = infinity * -1;
     feed(filter, frame({odd, carrierAtEnd}), 1);
     EXPECT_TRUE(PhaseNoiseFilter::isDataReady(client.name()));
 
@@ -89,7 +77,7 @@ TEST(PhaseNoiseFilter, answersBetweenTwoSignalsOfAPass) {
     for (const int signal : {0, 1}) {
         feed(filter, frame({carrierAtEnd}), signal);
     }
-    filter.tuneImpl(TestClient::tune().addDoubles("phaseNoiseFrequencyOffset", {1}));
+    filter.tuneImpl(TestClient::tune("phaseNoiseFrequencyOffset=1"));
     client.numChannels = {3, 1};
     filter.tuneImpl(client.sizeChange());
     feed(filter, frame({carrier, carrier, carrier}), 0);
@@ -107,11 +95,8 @@ TEST(SpectralMaskTesterFilter, testsEverySignalAndCountsOverTunes) {
     SpectrumClient client(10, {1, 2});
     client.board().addCustomSetting("simTime", 2.5);
     SpectralMaskTesterFilter filter;
-    filter.tuneImpl(client.setup()
-                        .addLogical("spectralMaskEnabled", true)
-                        .addChar("enabledMasks", "upper")
-                        .addChar("upperMask", "0,9,-5,-5")
-                        .addInt("measurementSignal", 1));
+    filter.tuneImpl(
+        client.setup("spectralMaskEnabled=true enabledMasks=upper upperMask=0,9,-5,-5 measurementSignal=1"));
     EXPECT_TRUE(filter.isActive());
     feed(filter, frame({Values(10, -6.0)}), 0);
     feed(filter, frame({Values(10, -6.0), carrier}), 1);
@@ -132,7 +117,7 @@ TEST(SpectralMaskTesterFilter, testsEverySignalAndCountsOverTunes) {
     EXPECT_EQ(answer.number("SimulationTime"), 2.5);
     EXPECT_FALSE(QueryAnswer(answerNewSpectralMask, client).isTrue());
 
-    filter.tuneImpl(TestClient::tune().addDouble("customReferenceLevel", 50));
+    filter.tuneImpl(TestClient::tune("customReferenceLevel=50"));
     feed(filter, frame({Values(10, -6.0)}), 0);
     feed(filter, frame({Values(10, -6.0), carrier}), 1);
     EXPECT_EQ(text(SpectralMaskTesterFilter::packageImpl(client.name()), "successRate"), "50");
@@ -147,7 +132,7 @@ TEST(SpectralMaskTesterFilter, testsEverySignalAndCountsOverTunes) {
 TEST(SpectralMaskTesterFilter, refusesMasksThatAreNoNumbersAndFollowsChannelCounts) {
     SpectrumClient client(10, {3});
     SpectralMaskTesterFilter filter;
-    filter.tuneImpl(client.setup().addChar("enabledMasks", "upper-and-lower").addChar("lowerMask", "-100"));
+    filter.tuneImpl(client.setup("enabledMasks=upper-and-lower lowerMask=-100"));
     for (const char* mask : {"1,2,", "", "1,,2", "high"}) {
         EXPECT_THROW(filter.tuneImpl(TestClient::tune().addChar("upperMask", mask)), std::invalid_argument) << mask;
     }
@@ -161,13 +146,9 @@ TEST(SpectralMaskTesterFilter, refusesMasksThatAreNoNumbersAndFollowsChannelCoun
     EXPECT_EQ(client.record<spectralMaskStruct>(SpectralMaskTesterFilter::spectralMask).failingChannels,
               (std::vector<unsigned long>{1}));
     // The peak is looked for in signal 0, whichever signal is chosen.
-    filter.tuneImpl(TestClient::tune()
-                        .addChar("referenceLevel", "spectrum-peak")
-                        .addInt("spectralMaskSignal", 3)
-                        .addInt("spectralMaskChannel", 1));
+    filter.tuneImpl(TestClient::tune("referenceLevel=spectrum-peak spectralMaskSignal=3 spectralMaskChannel=1"));
     feed(filter, frame({carrier, Values(10, -42.0)}));
     EXPECT_EQ(text(SpectralMaskTesterFilter::packageImpl(client.name()), "spectrumPeak"), "-42");
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -1,30 +1,18 @@
 #include "PeakFinderFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <stdexcept>
-
 #include "FrequencyPeakFinderFilter.h"
 #include "MagPhaseFilter.h"
 #include "SpectrumClient.h"
 #include "SpectrumMeasurementQueries.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::QueryAnswer;
-using testsupport::SpectrumClient;
-using testsupport::TestClient;
-using testsupport::text;
-using Values = std::vector<double>;
 
 TEST(PeakFinderFilter, searchesTheChosenChannel) {
     TestClient client({2});
     client.board().addCustomSetting(MagPhaseFilter::magPhaseData, std::vector<bool>{false});
     PeakFinderFilter filter;
-    filter.tuneImpl(client.setup().addInt("measurementChannel", 1).addChar("threshold", "0.5"));
+    filter.tuneImpl(client.setup("measurementChannel=1 threshold=0.5"));
     const Values frame = {0, 1, 2, 3, 4, /* first */ 0, 9, 0, 9, 0, /* second */ 1, 3, 2, 2.25, 2};
     EXPECT_TRUE(feed(filter, frame).empty());
     feed(filter, Values(15, 0.0), 1);  // not the measured signal
@@ -41,12 +29,12 @@ TEST(PeakFinderFilter, searchesTheChosenChannel) {
     EXPECT_EQ(answer.numbers("Value"), (Values{3}));
     EXPECT_FALSE(QueryAnswer(answerNewPeaks, client).isTrue()) << "taken";
 
-    filter.tuneImpl(TestClient::tune().addChar("minHeight", "Inf").addInt("measurementChannel", 0));
+    filter.tuneImpl(TestClient::tune("minHeight=Inf measurementChannel=0"));
     feed(filter, frame);
     EXPECT_EQ(text(PeakFinderFilter::packageImpl(client.name()), "peaks"), "[]");
-    EXPECT_THROW(filter.tuneImpl(TestClient::tune().addChar("minDistance", "far")), std::invalid_argument);
+    EXPECT_THROW(filter.tuneImpl(TestClient::tune("minDistance=far")), std::invalid_argument);
     for (const int absent : {2, -1}) {
-        filter.tuneImpl(TestClient::tune().addChar("minHeight", "-Inf").addInt("measurementChannel", absent));
+        filter.tuneImpl(TestClient::tune("minHeight=-Inf").addInt("measurementChannel", absent));
         feed(filter, frame);
         EXPECT_FALSE(QueryAnswer(answerNewPeaks, client).isTrue()) << absent;
     }
@@ -91,11 +79,9 @@ TEST(FrequencyPeakFinderFilter, tellsFrequenciesBetweenTheLimits) {
         SpectrumClient client(spectrumLength, {4});
         client->setIsComplex({1});
         FrequencyPeakFinderFilter filter;
-        filter.tuneImpl(client.setup()
-                            .addInt("measurementChannel", 1)
+        filter.tuneImpl(client.setup("measurementChannel=1 measurementChannelFrequencyOffset=100")
                             .addInt("numPeaks", row.numPeaks)
-                            .addDoubles("frequencyLimits", row.limits)
-                            .addDouble("measurementChannelFrequencyOffset", 100));
+                            .addDoubles("frequencyLimits", row.limits));
         EXPECT_FALSE(filter.hostFlagB());
         feed(filter, frame({9, 8, 9, 8, 9}, row.bins, row.shift));
         const auto& record = client.record<peakFinderStruct>(PeakFinderFilter::peakFinder);
@@ -116,17 +102,14 @@ TEST(FrequencyPeakFinderFilter, searchesHoldTraces) {
     client.estimator().maxHoldTrace = {0, 0, 0, 0, 0, 0, 9, 8, 6, 7, 6, 0};
     client.estimator().minHoldTrace = {0, 0, 0, 0, 0, 0, 1, 5, 2, 2, 2, 0};
     FrequencyPeakFinderFilter filter;
-    filter.tuneImpl(client.setup()
-                        .addInt("measurementChannel", 1)
-                        .addDoubles("frequencyLimits", {-9, 9})
-                        .addLogical("normalTraceData", false)
-                        .addLogical("maxHoldTraceData", true));
+    filter.tuneImpl(
+        client.setup("measurementChannel=1 frequencyLimits=-9,9 normalTraceData=false maxHoldTraceData=true"));
     const auto peaks = [&] {
         feed(filter, frame(flat, flat));
         return text(PeakFinderFilter::packageImpl(client.name()), "locations");
     };
     EXPECT_EQ(peaks(), "[2]");
-    filter.tuneImpl(TestClient::tune().addLogical("maxHoldTraceData", false));
+    filter.tuneImpl(TestClient::tune("maxHoldTraceData=false"));
     EXPECT_EQ(peaks(), "[0]") << "the minimum, whether it is chosen or not";
     client.estimator().minHoldTrace.pop_back();
     EXPECT_EQ(peaks(), "[]") << "too short";
@@ -153,7 +136,7 @@ TEST(FrequencyPeakFinderFilter, leavesAnEmptyRecordWhereThereIsNothingToSearch) 
     for (const auto& row : rows) {
         SpectrumClient client(spectrumLength, {2});
         FrequencyPeakFinderFilter filter;
-        filter.tuneImpl(client.setup().addDoubles("frequencyLimits", {-9, 9}));
+        filter.tuneImpl(client.setup("frequencyLimits=-9,9"));
         feed(filter, frame({1, 5, 2, 4, 0}, flat));
         EXPECT_EQ(client.record<peakFinderStruct>(PeakFinderFilter::peakFinder).numPeaks, 2u);
         client.setSpectrumLength(row.length);
@@ -169,4 +152,3 @@ TEST(FrequencyPeakFinderFilter, leavesAnEmptyRecordWhereThereIsNothingToSearch) 
 }
 
 }  // namespace
-}  // namespace dspwavedecks

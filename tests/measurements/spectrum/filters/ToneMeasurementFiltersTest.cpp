@@ -1,24 +1,13 @@
 // Channel and distortion measurements, which share what they measure and how their results go out.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <stdexcept>
 
 #include "ChannelMeasurementsFilter.h"
 #include "DistortionMeasurementsFilter.h"
 #include "SpectrumClient.h"
 #include "SpectrumMeasurementQueries.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
 
-using testsupport::feed;
-using testsupport::QueryAnswer;
-using testsupport::SpectrumClient;
-using testsupport::TestClient;
-using testsupport::text;
-using Values = std::vector<double>;
 using Names = std::vector<std::string>;
 
 constexpr std::size_t numBins = 200;
@@ -38,19 +27,13 @@ Values frame(double flat) {
     return data;
 }
 
-PropertyList setup(const TestClient& client, int channel) {
-    return client.setup().addInt("measurementChannel", channel);
-}
-
 TEST(ChannelMeasurementsFilter, measuresTheSpectrumInTheFrame) {
     SpectrumClient client(numBins, {2}, rbw);
     ChannelMeasurementsFilter filter;
     EXPECT_FALSE(filter.hostFlagB());
-    filter.tuneImpl(setup(client, 0)
-                        .addLogical("channelMeasurementsEnabled", true)
-                        .addDouble("measurementChannelRBW", 12345)
-                        .addDouble("measurementChannelStartFrequency", 495)
-                        .addDouble("measurementChannelStopFrequency", 1495));
+    filter.tuneImpl(
+        client.setup("measurementChannel=0 channelMeasurementsEnabled=true measurementChannelRBW=12345 "
+                     "measurementChannelStartFrequency=495 measurementChannelStopFrequency=1495"));
     EXPECT_TRUE(filter.isActive());
     EXPECT_TRUE(feed(filter, frame(-30)).empty());
     feed(filter, frame(7), 1);  // not the measured signal
@@ -66,11 +49,7 @@ TEST(ChannelMeasurementsFilter, measuresTheSpectrumInTheFrame) {
     EXPECT_FALSE(bandwidth.isSecondTrue());
     EXPECT_FALSE(QueryAnswer(answerNewChannelMeasurements, client).isTrue());
 
-    filter.tuneImpl(TestClient::tune()
-                        .addChar("channelMeasurementsType", "acpr")
-                        .addInt("numOffsets", 3)
-                        .addDouble("adjacentBW", 100)
-                        .addDoubles("acprOffsets", {600, 2000}));
+    filter.tuneImpl(TestClient::tune("channelMeasurementsType=acpr numOffsets=3 adjacentBW=100 acprOffsets=600,2000"));
     feed(filter, frame(-30));
     const auto package = ChannelMeasurementsFilter::packageImpl(client.name());
     EXPECT_EQ(package->size(), 7u);
@@ -84,20 +63,19 @@ TEST(ChannelMeasurementsFilter, measuresTheSpectrumInTheFrame) {
     filter.tuneImpl(TestClient::tune().addInt("numOffsets", std::numeric_limits<int>::max()));
     feed(filter, frame(-30));
     EXPECT_EQ(QueryAnswer(answerChannelMeasurements, client).numbers("ACPRLower").size(), 1000u);
-    filter.tuneImpl(TestClient::tune().addInt("numOffsets", -5));
+    filter.tuneImpl(TestClient::tune("numOffsets=-5"));
     feed(filter, frame(-30));
     EXPECT_EQ(QueryAnswer(answerChannelMeasurements, client).field("ACPRLower"), nullptr);
-    EXPECT_THROW(filter.tuneImpl(TestClient::tune().addChar("filterShape", "boxcar")), std::out_of_range);
+    EXPECT_THROW(filter.tuneImpl(TestClient::tune("filterShape=boxcar")), std::out_of_range);
 }
 
 TEST(ChannelMeasurementsFilter, measuresHoldTracesAndReadsNaNWithoutASpectrum) {
     SpectrumClient client(numBins, {2}, rbw);
     const Values data = frame(-30);
     ChannelMeasurementsFilter filter;
-    filter.tuneImpl(setup(client, 1)
-                        .addDouble("measurementChannelStartFrequency", 495)
-                        .addDouble("measurementChannelStopFrequency", 1495)
-                        .addLogical("normalTraceData", false));
+    filter.tuneImpl(
+        client.setup("measurementChannel=1 normalTraceData=false measurementChannelStartFrequency=495 "
+                     "measurementChannelStopFrequency=1495"));
     const auto power = [&] {
         feed(filter, data);
         return client.record<channelMeasurementsStruct>(ChannelMeasurementsFilter::channel).channelPower;
@@ -107,26 +85,26 @@ TEST(ChannelMeasurementsFilter, measuresHoldTracesAndReadsNaNWithoutASpectrum) {
     client.estimator().maxHoldTrace.assign(2 * numBins, -10.0);
     client.estimator().minHoldTrace.assign(2 * numBins, -50.0);
     EXPECT_NEAR(power(), -50 + 10 * std::log10(50.0), 1e-10);
-    filter.tuneImpl(TestClient::tune().addLogical("maxHoldTraceData", true));
+    filter.tuneImpl(TestClient::tune("maxHoldTraceData=true"));
     EXPECT_NEAR(power(), -10 + 10 * std::log10(50.0), 1e-10);
     client.estimator().maxHoldTrace.pop_back();
     EXPECT_TRUE(std::isnan(power())) << "a trace that is too short";
     client.estimator().maxHoldTrace.push_back(-10);
     client.estimator().frequencyVector.pop_back();
     EXPECT_TRUE(std::isnan(power())) << "a grid that is too short";
-    filter.tuneImpl(TestClient::tune().addLogical("normalTraceData", true));
+    filter.tuneImpl(TestClient::tune("normalTraceData=true"));
     EXPECT_FALSE(std::isnan(power()));
     for (const int channel : {2, -1}) {
         filter.tuneImpl(TestClient::tune().addInt("measurementChannel", channel));
         EXPECT_TRUE(std::isnan(power())) << "channel " << channel;
     }
-    filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 1));
+    filter.tuneImpl(TestClient::tune("measurementChannel=1"));
     for (const unsigned long length : {0ul, numBins + 1, 3 * numBins + 1}) {
         client.setSpectrumLength(length);
         EXPECT_TRUE(std::isnan(power())) << "length " << length;
     }
     client.setSpectrumLength(numBins);
-    for (const double odd : {std::numeric_limits<double>::infinity(), std::nan("")}) {
+    for (const double odd : {infinity, nan}) {
         board::write(client.board(), "rbw", odd);
         EXPECT_TRUE(std::isnan(power())) << "bandwidth " << odd;
     }
@@ -136,7 +114,7 @@ TEST(ChannelMeasurementsFilter, measuresHoldTracesAndReadsNaNWithoutASpectrum) {
 TEST(DistortionMeasurementsFilter, measuresTonesAndSendsWhatItFound) {
     SpectrumClient client(numBins, {2}, rbw);
     DistortionMeasurementsFilter filter;
-    filter.tuneImpl(setup(client, 1).addLogical("distortionMeasurementsEnabled", true).addInt("numHarmonics", 6));
+    filter.tuneImpl(client.setup("measurementChannel=1 distortionMeasurementsEnabled=true numHarmonics=6"));
     EXPECT_TRUE(filter.isActive());
     feed(filter, frame(-30));
     const auto package = DistortionMeasurementsFilter::packageImpl(client.name());
@@ -155,7 +133,7 @@ TEST(DistortionMeasurementsFilter, measuresTonesAndSendsWhatItFound) {
     EXPECT_TRUE(harmonic.isSecondTrue());
     EXPECT_FALSE(QueryAnswer(answerNewDistortionMeasurements, client).isTrue());
 
-    filter.tuneImpl(TestClient::tune().addChar("distortionType", "intermodulation"));
+    filter.tuneImpl(TestClient::tune("distortionType=intermodulation"));
     feed(filter, frame(-30));
     // Tones at 400 and 800 Hz: the lower product would be at 0 Hz, which is wiped, the upper one is the tone at 1200
     // Hz.
@@ -165,14 +143,10 @@ TEST(DistortionMeasurementsFilter, measuresTonesAndSendsWhatItFound) {
     EXPECT_FALSE(imod.isSecondTrue());
     EXPECT_NE(text(DistortionMeasurementsFilter::packageImpl(client.name()), "TOI"), "0");
 
-    filter.tuneImpl(TestClient::tune()
-                        .addInt("numHarmonics", -1)
-                        .addInt("measurementChannel", 3)
-                        .addChar("distortionType", "harmonic"));
+    filter.tuneImpl(TestClient::tune("numHarmonics=-1 measurementChannel=3 distortionType=harmonic"));
     feed(filter, frame(-30));
     EXPECT_EQ(text(DistortionMeasurementsFilter::packageImpl(client.name()), "SNR"), "nan");
     EXPECT_EQ(text(DistortionMeasurementsFilter::packageImpl(client.name()), "frequency"), "[]");
 }
 
 }  // namespace
-}  // namespace dspwavedecks
