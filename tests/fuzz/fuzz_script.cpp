@@ -8,6 +8,7 @@
 #include <string>
 
 #include "LimitedAllocation.h"
+#include "RandomClient.h"
 #include "ScriptRunner.h"
 #include "UsageError.h"
 #include "wavedeck/WaveDeckStatics.h"
@@ -15,11 +16,6 @@
 namespace {
 
 using program::ScriptValue;
-
-const wavedeck::driver::StageLibrary& stageLibrary() {
-    static const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
-    return library;
-}
 
 constexpr double much = 64.0;
 
@@ -55,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (asksForMuch(script)) {
             return 0;
         }
-        program::ScriptRunner runner(script, stageLibrary());
+        program::ScriptRunner runner(script, fuzz::stageLibrary());
         for (std::size_t step = 0; step < runner.numSteps(); ++step) {
             runner.run(step);
         }

@@ -1,12 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <functional>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
+#include "Test.h"
 #include "wavedeck/WaveDeckDataProcStrategy.h"
 #include "wavedeck/WaveDeckTransformImpl.h"
 
@@ -16,13 +10,13 @@ using CallLog = std::vector<std::string>;
 /// A stage that writes down every call. With `replace` set it puts out what that makes of the data.
 class RecordingStage : public wavedeck::WaveDeckTransformImpl {
 public:
-    using Replace = std::function<void(const std::vector<double>& data, std::vector<double>& out, int signal)>;
+    using Replace = std::function<void(const Values& data, Values& out, int signal)>;
 
     RecordingStage(std::string label, std::shared_ptr<CallLog> log, Replace replaceData = {})
         : replace(std::move(replaceData)), label_(std::move(label)), log_(std::move(log)) {}
 
     void preProcessImpl() override { note("pre"); }
-    void filterImpl(const double* data, std::vector<double>& out, int signal) override {
+    void filterImpl(const double* data, Values& out, int signal) override {
         note("filter " + std::to_string(signal));
         outputSizeBefore = out.size();
         seen.resize(std::max<std::size_t>(seen.size(), static_cast<std::size_t>(signal) + 1));
@@ -58,7 +52,7 @@ public:
     bool active = true;
     Replace replace;  ///< null: a tap
     std::function<void(const wavedeck::PropertyList&)> onAction;
-    std::vector<std::vector<double>> seen;  ///< of each signal, in the last frame
+    std::vector<Values> seen;  ///< of each signal, in the last frame
     std::size_t outputSizeBefore = 0;
     wavedeck::PropertyList last;
 
@@ -72,7 +66,7 @@ private:
 /// A strategy that keeps what it was given.
 class RecordingStrategy : public wavedeck::WaveDeckDataProcStrategy {
 public:
-    void processDataAllSignals(const std::vector<std::vector<double>>& buffers, int count, std::vector<int>& channels,
+    void processDataAllSignals(const std::vector<Values>& buffers, int count, std::vector<int>& channels,
                                std::vector<int>& points, std::vector<std::string>& identifiers,
                                Poco::SharedPtr<Poco::JSON::Object>& message) override {
         data = buffers;
@@ -83,7 +77,7 @@ public:
         message->set("client", clientID);
     }
 
-    std::vector<std::vector<double>> data;
+    std::vector<Values> data;
     int numSignals = 0;
     std::vector<int> numChannels;
     std::vector<int> numPoints;

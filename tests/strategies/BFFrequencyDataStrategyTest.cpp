@@ -3,7 +3,6 @@
 #include "BFInputPortParametersHandlerFilter.h"
 #include "BFSpectrumDataAggregatorFilter.h"
 #include "StrategyTestSupport.h"
-#include "Test.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include "MagPhaseFilter.h"
 #include "StrategyTestSupport.h"
-#include "Test.h"
 
 namespace {
 

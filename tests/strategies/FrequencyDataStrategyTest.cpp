@@ -5,7 +5,6 @@
 #include "SpectrumEstimatorFilter.h"
 #include "SpectrumThinnerFilter.h"
 #include "StrategyTestSupport.h"
-#include "Test.h"
 #include "phaseNoiseStruct.h"
 
 namespace {

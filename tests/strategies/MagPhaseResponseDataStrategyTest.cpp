@@ -1,7 +1,6 @@
 #include "MagPhaseResponseDataStrategy.h"
 
 #include "StrategyTestSupport.h"
-#include "Test.h"
 
 namespace {
 

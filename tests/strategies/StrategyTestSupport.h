@@ -4,13 +4,9 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/SharedPtr.h>
 
-#include <memory>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "Board.h"
 #include "SpectrumEstimatorFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 #include "wavedeck/WaveDeckDataProcStrategy.h"
 

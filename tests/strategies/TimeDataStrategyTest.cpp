@@ -2,7 +2,6 @@
 
 #include "MagPhaseFilter.h"
 #include "StrategyTestSupport.h"
-#include "Test.h"
 #include "wavedeck/DataStorageFilterUtils.h"
 #include "wavedeck/WaveDeckStatics.h"
 

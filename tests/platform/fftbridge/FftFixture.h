@@ -1,16 +1,7 @@
 #pragma once
 
+#include "Test.h"
 #include "fftbridge.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <complex>
-#include <cstddef>
-#include <memory>
-#include <numbers>
-#include <random>
-#include <vector>
 
 namespace fft_test {
 

@@ -1,5 +1,4 @@
 #include "FftFixture.h"
-#include "Test.h"
 
 namespace {
 

@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "FftFixture.h"
-#include "Test.h"
 
 namespace {
 

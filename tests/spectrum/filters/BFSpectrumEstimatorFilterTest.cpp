@@ -24,7 +24,7 @@ struct Rig {
         client->setUsingStreamPlugInBF(true);
         client.frameSize = std::move(sizes);
     }
-    PropertyList setup(const std::string& options) const { return plain(client.setup(options)); }
+    PropertyList setup(const std::string& options = "") const { return plain(client.setup(options)); }
 
     TestClient client;
     BFSpectrumEstimatorFilter filter;

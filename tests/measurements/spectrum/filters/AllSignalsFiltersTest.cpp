@@ -4,7 +4,6 @@
 #include "SpectralMaskTesterFilter.h"
 #include "SpectrumClient.h"
 #include "SpectrumMeasurementQueries.h"
-#include "Test.h"
 
 namespace {
 

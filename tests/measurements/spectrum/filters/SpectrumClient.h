@@ -3,12 +3,10 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/SharedPtr.h>
 
-#include <string>
-#include <vector>
-
 #include "Board.h"
 #include "QueryStructure.h"
 #include "SpectrumEstimatorFilter.h"
+#include "Test.h"
 #include "TestClient.h"
 #include "spectrumEstimatorMetaDataStruct.h"
 
