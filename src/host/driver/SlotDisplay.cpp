@@ -12,7 +12,9 @@ constexpr std::size_t mostRowValues = 1U << 24U;  // of one channel, however lon
 
 SlotDisplay::SlotDisplay(std::size_t numSignals) : Display(numSignals), slots_(numSignals) {}
 
-void SlotDisplay::clear(Slots& slots) {
+void SlotDisplay::clear(std::size_t signal) {
+    data_[signal].clear();
+    Slots& slots = slots_[signal];
     slots.header.clear();
     for (std::vector<double>& row : slots.rows) {
         row.clear();
@@ -27,12 +29,19 @@ void SlotDisplay::take(std::size_t signal, const DisplayInput& input) {
         return;
     }
     const std::size_t length = count * input.frameSize;
-    const bool areLines = input.lineLength > 0;
-    const bool tooLong = !slots.rows.empty() && slots.rows.front().size() + length > mostRowValues;
-    if (!areLines || !slots.areLines || slots.frameSize != input.frameSize || tooLong) {
-        clear(slots);
+    if (input.lineLength == 0) {
+        clear(signal);
+        slots.areLines = false;
+        slots.frameSize = input.frameSize;
+        data_[signal].swap(input.buffer);  // an output is laid out as it is
+        data_[signal].resize(count * perSlot);
+        return;
     }
-    slots.areLines = areLines;
+    const bool tooLong = !slots.rows.empty() && slots.rows.front().size() + length > mostRowValues;
+    if (!slots.areLines || slots.frameSize != input.frameSize || tooLong) {
+        clear(signal);
+    }
+    slots.areLines = true;
     slots.frameSize = input.frameSize;
     const double* source = input.buffer.data();
     try {
@@ -43,7 +52,7 @@ void SlotDisplay::take(std::size_t signal, const DisplayInput& input) {
             source += length;
         }
     } catch (...) {
-        clear(slots);  // rows are as long as each other
+        clear(signal);  // rows are as long as each other
         throw;
     }
 }
@@ -52,22 +61,24 @@ void SlotDisplay::setForm(std::size_t signal, std::size_t channels, bool) {
     Slots& slots = slots_[signal];
     if (slots.rows.size() != channels) {
         slots.rows.resize(channels);
-        clear(slots);
+        clear(signal);
     }
 }
 
 void SlotDisplay::dropOutputs() {
-    for (Slots& slots : slots_) {
-        clear(slots);
+    for (std::size_t s = 0; s < slots_.size(); ++s) {
+        clear(s);
     }
 }
 
 void SlotDisplay::layOut() {
     for (std::size_t s = 0; s < slots_.size(); ++s) {
         const Slots& slots = slots_[s];
-        data_[s] = slots.header;
-        for (const std::vector<double>& row : slots.rows) {
-            data_[s].insert(data_[s].end(), row.begin(), row.end());
+        if (slots.areLines) {
+            data_[s] = slots.header;
+            for (const std::vector<double>& row : slots.rows) {
+                data_[s].insert(data_[s].end(), row.begin(), row.end());
+            }
         }
         numChannels_[s] = static_cast<int>(slots.rows.size());
         numPoints_[s] = static_cast<int>(slots.frameSize);
@@ -75,9 +86,9 @@ void SlotDisplay::layOut() {
 }
 
 void SlotDisplay::noteSeen() {
-    for (Slots& slots : slots_) {
-        if (slots.areLines) {
-            clear(slots);
+    for (std::size_t s = 0; s < slots_.size(); ++s) {
+        if (slots_[s].areLines) {
+            clear(s);
         }
     }
 }

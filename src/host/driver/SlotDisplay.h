@@ -24,6 +24,7 @@ public:
     void noteSeen() override;
 
 private:
+    /// Lines that wait for an update; a spectrum is laid out as soon as it comes.
     struct Slots {
         std::vector<double> header;
         std::vector<std::vector<double>> rows;  ///< of each channel
@@ -31,7 +32,7 @@ private:
         bool areLines = false;
     };
 
-    static void clear(Slots& slots);
+    void clear(std::size_t signal);
 
     // state
     std::vector<Slots> slots_;  ///< of each signal

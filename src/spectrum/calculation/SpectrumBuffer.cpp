@@ -131,6 +131,19 @@ void SpectrumBuffer::addData(const double* data, const std::size_t& channel, con
     }
 }
 
+void SpectrumBuffer::addFrame(const double* data, std::size_t first, std::size_t numSamples,
+                              std::size_t numChannelsOfSignal, bool dataIsComplex) {
+    if (auto* real = std::get_if<Runs<double>>(&store)) {
+        for (std::size_t channel = 0; channel < numChannelsOfSignal; ++channel) {
+            append((*real)[first + channel], RealSource{data + channel * numSamples}, numSamples);
+        }
+        return;
+    }
+    for (std::size_t channel = 0; channel < numChannelsOfSignal; ++channel) {
+        addData(data + channel * numSamples, first + channel, numSamples, numChannelsOfSignal, dataIsComplex);
+    }
+}
+
 void SpectrumBuffer::continueFrom(const double* shared, const std::size_t& channel) {
     auto& run = std::get<Runs<double>>(store)[channel];
     run.clear();
@@ -152,6 +165,18 @@ void SpectrumBuffer::openSegment(SampleVector<Sample>& run) const {
 
 template <class Sample, class Source>
 void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const {
+    // Mostly a frame stays within the open segment.
+    const std::size_t grown = run.size() + numSamples;
+    if (!run.empty() && grown < segmentLength && grown <= run.capacity()) {
+        appendSamples(run, source, 0, numSamples);
+    } else {
+        appendInSegments(run, source, numSamples);
+    }
+}
+
+template <class Sample, class Source>
+[[gnu::noinline]] void SpectrumBuffer::appendInSegments(SampleVector<Sample>& run, const Source& source,
+                                                        std::size_t numSamples) const {
     const std::size_t L = segmentLength;
     const std::size_t hop = L > numOverlapSamples ? L - numOverlapSamples : 1;
     std::size_t position = 0;
@@ -176,10 +201,6 @@ void SpectrumBuffer::append(SampleVector<Sample>& run, const Source& source, std
 bool SpectrumBuffer::isMadeFor(const std::size_t& channels, const bool& complex) const {
     const std::size_t held = std::visit([](const auto& runs) { return runs.size(); }, store);
     return held == channels && holdsComplexSamples() == complex;
-}
-
-std::size_t SpectrumBuffer::size(const std::size_t& channel) const {
-    return std::visit([&](const auto& runs) { return channel < runs.size() ? runs[channel].size() : 0; }, store);
 }
 
 std::size_t SpectrumBuffer::getNumSegments(const std::size_t& channel) const {

@@ -15,6 +15,9 @@ namespace dspwavedecks {
 /// length: what two segments share is stored twice, so that a segment is read in place. The channels of all signals
 /// lie side by side. All samples are real, or all are complex as soon as one signal is.
 class SpectrumBuffer {
+    template <class Sample>
+    using Runs = std::vector<SampleVector<Sample>>;
+
 public:
     SpectrumBuffer() = default;
     /// Stores the values; the overlap in samples follows with the first setter that changes it, or with `setup`.
@@ -65,6 +68,11 @@ public:
     void addData(const double* data, const std::size_t& channel, const Slice& slice,
                  const std::size_t& numChannelsOfSignal, const bool& dataIsComplex);
 
+    /// Appends one frame to each channel of a signal; `first` is the signal's first channel. What adding them one by
+    /// one does.
+    void addFrame(const double* data, std::size_t first, std::size_t numSamples, std::size_t numChannelsOfSignal,
+                  bool dataIsComplex);
+
     /// Puts the overlap of the next segment in the place of what a real channel holds, for segments that were read
     /// elsewhere: `shared` holds the last getNumOverlapSamples() samples of them.
     void continueFrom(const double* shared, const std::size_t& channel);
@@ -72,7 +80,11 @@ public:
     /// Whole segments held; 0 for a channel that is not there.
     std::size_t getNumSegments(const std::size_t& channel) const;
     /// Samples held, the overlap counted twice; 0 for a channel that is not there.
-    std::size_t size(const std::size_t& channel) const;
+    std::size_t size(const std::size_t& channel) const {
+        const auto sizeOf = [channel](const auto& runs) { return channel < runs.size() ? runs[channel].size() : 0; };
+        const auto* const real = std::get_if<Runs<double>>(&store);
+        return real != nullptr ? sizeOf(*real) : sizeOf(std::get<Runs<std::complex<double>>>(store));
+    }
     /// Whether channel 0 holds a whole block; the other channels are not looked at.
     bool isReady() const;
 
@@ -94,11 +106,10 @@ public:
     void clear();
 
 private:
-    template <class Sample>
-    using Runs = std::vector<SampleVector<Sample>>;
-
     template <class Sample, class Source>
     void append(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const;
+    template <class Sample, class Source>
+    void appendInSegments(SampleVector<Sample>& run, const Source& source, std::size_t numSamples) const;
     template <class Sample>
     void openSegment(SampleVector<Sample>& run) const;
 

@@ -366,6 +366,13 @@ private:
         bool operator==(const Layout&) const = default;
     };
 
+    /// The channels of a signal among those of all signals.
+    struct SignalPlace {
+        std::size_t firstChannel;
+        std::size_t numChannels;
+        bool isComplex;
+    };
+
     /// Some channels of a segment, and the weight of its row in the average, 0 for none.
     struct SegmentPart {
         int signal;
@@ -449,9 +456,14 @@ private:
     bool isPlainFilterbank() const { return isFilterbankMode() && !isFilterbankInHybridMode(); }
     Layout presentLayout() const;
     /// Whether there is room for a signal: after a setup, and until a setter asks for another layout.
-    bool isLaidOutFor(const int& signal) const {
-        return signal >= 0 && signal < numSignals && layoutAtSetup == presentLayout();
+    bool isLaidOutFor(const int& signal) { return signal >= 0 && signal < numSignals && (layoutFits || checkLayout()); }
+    bool checkLayout();
+    /// Of each channel of a signal.
+    std::size_t numSamplesInFrame(const int& signal) const {
+        const auto index = static_cast<std::size_t>(signal);
+        return static_cast<std::size_t>(index < frameSize.size() ? std::max(frameSize[index], 0) : 0);
     }
+    bool endsBeforeSegment(const int& signal, std::size_t samples) const;
     bool isLastSignal(const int& signal) const { return signal + 1 >= numSignals; }
 
     // The record.
@@ -465,6 +477,7 @@ private:
     double bufferOverlapPercent() const { return isFilterbankMode() || isZoomInUse() ? 0.0 : overlapPercent; }
     void allocateWelchResources();
     void allocateFFTResources();
+    void computeFrame(const double* data, std::vector<double>& out, const int& signal, std::size_t samples);
     void repeatCachedSpectrum(std::vector<double>& out, const int& signal);
     void computeInSlices(const double* data, std::vector<double>& out, const std::size_t& numChannels);
     std::size_t numSegmentsInFrame(std::size_t first, std::size_t samples) const;
@@ -653,6 +666,7 @@ private:
     std::size_t desiredNumSamplesPerUpdate = 1024;
     std::size_t numOverlapSamples = 0;
     std::size_t totalNumChannels = 0;
+    std::vector<SignalPlace> signalPlaces;
     std::size_t spectrumLength = 1024;
     std::size_t numSegmentsPerBlock = 1;
     std::size_t actualSpectralAverages = 1;
@@ -673,6 +687,7 @@ private:
     std::mutex mutex;
     bool isLocked_ = false;
     std::optional<Layout> layoutAtSetup;  ///< none before the first setup, and after one that failed
+    bool layoutFits = false;              ///< nothing has been set since it was seen to be the present one
     bool overlapChanged = false;
     bool propertyChanged = false;
     bool resetAveragingStates = true;

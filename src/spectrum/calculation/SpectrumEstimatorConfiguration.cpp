@@ -17,8 +17,10 @@ std::size_t SpectrumEstimator::toCount(double value) const {
 
 /// Adds the channels of all signals onto the present total; `setup` begins from 0.
 void SpectrumEstimator::computeTotalNumChannels() {
+    signalPlaces.clear();
     for (int signal = 0; signal < numSignals; ++signal) {
-        totalNumChannels += getNumChannels(signal);
+        signalPlaces.push_back({totalNumChannels, getNumChannels(signal), isComplexSignal(signal)});
+        totalNumChannels += signalPlaces.back().numChannels;
     }
 }
 

@@ -33,17 +33,30 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const 
         return metaData;
     }
     propertyChanged = false;
+    const SignalPlace place = signalPlaces[static_cast<std::size_t>(signal)];
+    const std::size_t samples = numSamplesInFrame(signal);
+    if (endsBeforeSegment(signal, samples)) {
+        spectrumBuffer->addFrame(data, place.firstChannel, samples, place.numChannels, place.isComplex);
+        spectrumBuffer->setZerosInFirstSegment(true);
+        return metaData;
+    }
+    computeFrame(data, out, signal, samples);
+    return metaData;
+}
+
+/// A frame that may complete segments.
+void SpectrumEstimator::computeFrame(const double* data, std::vector<double>& out, const int& signal,
+                                     std::size_t samples) {
     const std::size_t channels = getNumChannels(signal);
     if (numSignals == 1 && desiredSegmentLengthMet && !showSpectrogram && numSegmentsPerBlock == 1) {
         computeInSlices(data, out, channels);
-        return metaData;
+        return;
     }
-    const std::size_t samples = toCount(getFrameSize(signal));
     addDataToSpectrumBuffer(data, signal, channels, {0, samples, samples});
     const bool ready = spectrumBuffer->isReady() && !isZoomLeadInPending(0);
     if (!ready && (enableDesiredSegmentLengthThreshold || desiredSegmentLengthMet)) {
         spectrumBuffer->setZerosInFirstSegment(true);
-        return metaData;
+        return;
     }
     ++recordVersion;
     metaData.isNewDataReady = false;
@@ -66,7 +79,16 @@ const spectrumEstimatorMetaDataStruct& SpectrumEstimator::computeSpectrum(const 
     }
     updateComputedSpectrumMetaData();
     resetSignalBuffers = false;
-    return metaData;
+}
+
+/// Whether a frame surely completes no segment, and so no update: that is seen from channel 0 alone, as everywhere.
+bool SpectrumEstimator::endsBeforeSegment(const int& signal, std::size_t samples) const {
+    if (zoomFFTEnabled || (!enableDesiredSegmentLengthThreshold && !desiredSegmentLengthMet)) {
+        return false;
+    }
+    const std::size_t held = spectrumBuffer->size(0);
+    const std::size_t opened = held == 0 ? spectrumBuffer->getNumOverlapSamples() : 0;
+    return held + opened + (signal == 0 ? samples : 0) < spectrumBuffer->getSegmentLength();
 }
 
 /// Played-again frames whose settings did not change: the rows of the last update once more.
@@ -92,7 +114,7 @@ void SpectrumEstimator::repeatCachedSpectrum(std::vector<double>& out, const int
 /// needs to know the number of its rows.
 void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>& out, const std::size_t& channels) {
     const int signal = 0;
-    const std::size_t samples = toCount(getFrameSize(signal));
+    const std::size_t samples = numSamplesInFrame(signal);
     std::size_t newSegments = 0;
     const auto compute = [&](std::size_t segments) {
         if (newSegments == 0) {

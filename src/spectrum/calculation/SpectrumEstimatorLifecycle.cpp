@@ -19,6 +19,7 @@ void SpectrumEstimator::setup(const int& signals, const std::vector<int>& newFra
                               const std::vector<int>& newIsComplex, const bool& newIsProcessingNewData) {
     const std::lock_guard lock(mutex);
     layoutAtSetup.reset();
+    layoutFits = false;
     numSignals = signals;
     frameSize = newFrameSize;
     unbufferedFrameSize = newUnbufferedFrameSize;
@@ -50,7 +51,13 @@ void SpectrumEstimator::setup(const int& signals, const std::vector<int>& newFra
         useCachedSpectrumData = !propertyChanged;
     }
     layoutAtSetup = presentLayout();
+    layoutFits = true;
     isLocked_ = true;
+}
+
+bool SpectrumEstimator::checkLayout() {
+    layoutFits = layoutAtSetup == presentLayout();
+    return layoutFits;
 }
 
 SpectrumEstimator::Layout SpectrumEstimator::presentLayout() const {

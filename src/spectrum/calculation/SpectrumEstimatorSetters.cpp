@@ -5,6 +5,7 @@
 namespace dspwavedecks {
 
 void SpectrumEstimator::mark(unsigned marks) {
+    layoutFits = false;
     propertyChanged = propertyChanged || (marks & changed) != 0;
     resetAveragingStates = resetAveragingStates || (marks & averaging) != 0;
     resetFilterbankStates = resetFilterbankStates || (marks & filterbank) != 0;
@@ -263,6 +264,7 @@ std::size_t SpectrumEstimator::getTargetSegmentLength(const bool& newAutoRBW, co
     computeActualSampleRate();
     computeDesiredSegmentLength();
     computeActualSegmentLength();
+    layoutFits = false;
     return actualSegmentLength;
 }
 

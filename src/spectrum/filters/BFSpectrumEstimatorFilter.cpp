@@ -72,7 +72,7 @@ unsigned long BFSpectrumEstimatorFilter::getNumPointsPerChannel(const int& signa
     const auto index = static_cast<std::size_t>(signal);
     const auto channels = static_cast<unsigned long>(std::max(getChannelCount(signal), 0));
     const auto size = static_cast<unsigned long>(index < frameSize.size() ? std::max(frameSize[index], 0) : 0);
-    const bool hasHead = findClient(clientID)->usingStreamPlugInBF();
+    const bool hasHead = getClient().usingStreamPlugInBF();
     dataEndIndex = inputLength;
     dataStartIndex = hasHead ? inputLength / (1 + channels * size) : 0;
     return channels == 0 ? 0 : (dataEndIndex - dataStartIndex) / channels;
@@ -88,7 +88,7 @@ void BFSpectrumEstimatorFilter::filterImpl(const double* data, std::vector<doubl
     if (index >= bfFrameSize.size() || !wavedeck::WaveDeckClientRegistry::sInstance.isClientValid(clientID)) {
         return;
     }
-    bfFrameSize[index] = static_cast<int>(getNumPointsPerChannel(signal));
+    setPoints(bfFrameSize, signal, static_cast<int>(getNumPointsPerChannel(signal)));
     if (signal == 0) {
         takePortParameters();
     }

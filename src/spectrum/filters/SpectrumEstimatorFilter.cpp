@@ -26,10 +26,27 @@ void SpectrumEstimatorFilter::filterImpl(const double* data, std::vector<double>
     if (data == nullptr || signal < 0 || signal >= numSignals) {
         return;
     }
-    frameSize.resize(static_cast<std::size_t>(numSignals));
-    frameSize[static_cast<std::size_t>(signal)] = static_cast<int>(getNumPointsPerChannel(signal));
+    if (!isFrameSizeOf(signal)) {
+        takeFrameSize(signal);
+    }
     estimate(data, out, signal, numSignals, frameSize);
     publish(signal, !out.empty());
+}
+
+/// Whether getNumPointsPerChannel would give what is known already, found without a division.
+bool SpectrumEstimatorFilter::isFrameSizeOf(int signal) const {
+    const auto index = static_cast<std::size_t>(signal);
+    if (frameSize.size() != static_cast<std::size_t>(numSignals) || index >= numChannels.size() ||
+        numChannels[index] <= 0 || frameSize[index] < 0) {
+        return false;
+    }
+    const auto channels = static_cast<unsigned long>(numChannels[index]);
+    return inputLength - channels * static_cast<unsigned long>(frameSize[index]) < channels;
+}
+
+void SpectrumEstimatorFilter::takeFrameSize(int signal) {
+    frameSize.resize(static_cast<std::size_t>(numSignals));
+    setPoints(frameSize, signal, static_cast<int>(getNumPointsPerChannel(signal)));
 }
 
 void SpectrumEstimatorFilter::rememberClient() {
@@ -40,13 +57,13 @@ void SpectrumEstimatorFilter::rememberClient() {
 
 void SpectrumEstimatorFilter::estimate(const double* data, std::vector<double>& out, int signal, int signals,
                                        const std::vector<int>& points) {
-    // The client owns its stages and outlives their frames; looking it up by name would cost more than a short frame.
-    if (clientAtSetup.expired()) {
-        rememberClient();
-    }
-    const bool isReplay = client->isDataSourceRepository();
+    const bool isReplay = getClient().isDataSourceRepository();
     out.clear();  // what stands there is from an earlier frame: only an update gives something
-    prepareEstimator(signals, points, isReplay);
+    if (!estimator->isLocked() || !isInputSettled || signals != signalsAtSetup) {
+        prepareEstimator(signals, points, isReplay);
+    }
+    estimator->setIsProcessingNewData(!isReplay);
+    estimator->setUseCachedSpectrumData(isReplay && !estimator->isPropertyChanged());
     if (estimator->isFrequencyInputDomain()) {
         estimator->processSpectrum(data, out, signal);
     } else {
@@ -67,12 +84,11 @@ void SpectrumEstimatorFilter::prepareEstimator(int signals, const std::vector<in
         channelsAtSetup = numChannels;
         complexAtSetup = isComplex;
         isRecordDue = true;
-        return;
+    } else {
+        estimator->setFrameSize(points);
+        estimator->setUnbufferedFrameSize(frameSize);
     }
-    estimator->setIsProcessingNewData(!isReplay);
-    estimator->setUseCachedSpectrumData(isReplay && !estimator->isPropertyChanged());
-    estimator->setFrameSize(points);
-    estimator->setUnbufferedFrameSize(frameSize);
+    isInputSettled = true;
 }
 
 bool SpectrumEstimatorFilter::isInputChanged(int signals) const {
@@ -81,6 +97,7 @@ bool SpectrumEstimatorFilter::isInputChanged(int signals) const {
 
 void SpectrumEstimatorFilter::setPropertiesOnSetup(const PropertyList& list) {
     namespace options = catalogue::base;
+    isInputSettled = false;
     readOptions(list,                                         //
                 required<options::clientID>(clientID),        //
                 required<options::numChannels>(numChannels),  //
@@ -119,6 +136,7 @@ void SpectrumEstimatorFilter::setPropertiesOnTune(const PropertyList& list) {
 }
 
 void SpectrumEstimatorFilter::onInputSizeChange(const PropertyList& list) {
+    isInputSettled = false;
     BaseFilter::onInputSizeChange(list);
     estimator->setFrameSize(frameSize);
     estimator->setUnbufferedFrameSize(frameSize);

@@ -3,6 +3,7 @@
 #include <Poco/JSON/Object.h>
 #include <Poco/SharedPtr.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -74,9 +75,28 @@ protected:
     void estimate(const double* data, std::vector<double>& out, int signal, int signals,
                   const std::vector<int>& points);
     /// Brings the board up to date after a frame of a signal.
-    void publish(int signal, bool hasUpdate);
+    void publish(int signal, bool hasUpdate) {
+        // A frame without an update would write what is there already.
+        if (isRecordDue || hasUpdate || estimator->getRecordVersion() != publishedVersion) {
+            publishRecord(signal);
+        }
+    }
     /// The RBW of the last update alone, for a board where something else wrote its entry.
     void publishRBW();
+    /// Notes how many points a channel has in the frame in hand, in `points` of all signals.
+    void setPoints(std::vector<int>& points, int signal, int count) {
+        int& present = points[static_cast<std::size_t>(signal)];
+        isInputSettled = isInputSettled && present == count;
+        present = count;
+    }
+    /// The client of the last setup. It owns its stages and outlives their frames; looking it up by name with every
+    /// frame would cost more than a short frame.
+    wavedeck::WaveDeckClientInfo& getClient() {
+        if (clientAtSetup.expired()) {
+            rememberClient();
+        }
+        return *client;
+    }
 
     std::unique_ptr<SpectrumEstimator> estimator;
 
@@ -84,8 +104,12 @@ private:
     void rememberClient();
     void prepareEstimator(int signals, const std::vector<int>& points, bool isReplay);
     bool isInputChanged(int signals) const;
+    bool isFrameSizeOf(int signal) const;
+    void takeFrameSize(int signal);
+    void publishRecord(int signal);
 
     // State.
+    bool isInputSettled = false;         ///< the estimator knows all sizes, which have not changed since
     int signalsAtSetup = 0;              ///< what the estimator was last set up with
     std::vector<int> channelsAtSetup;    ///< the same
     std::vector<int> complexAtSetup;     ///< the same

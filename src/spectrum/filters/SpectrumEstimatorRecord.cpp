@@ -77,12 +77,8 @@ void SpectrumEstimatorFilter::setSpectrumEstimatorMetaData(const std::string& cl
     }
 }
 
-void SpectrumEstimatorFilter::publish(int signal, bool hasUpdate) {
+void SpectrumEstimatorFilter::publishRecord(int signal) {
     const Record& record = estimator->getSpectrumMetaData();
-    // A frame without an update would write what is there already.
-    if (!isRecordDue && !hasUpdate && estimator->getRecordVersion() == publishedVersion) {
-        return;
-    }
     publishedVersion = estimator->getRecordVersion();
     if (isRecordDue || estimator->getNumHoldResets() != publishedResets) {
         setSpectrumEstimatorMetaData(clientID, record);
