@@ -58,14 +58,6 @@ Word readShared(Settings& settings, const std::string& key, Word otherwise = Wor
     return stored != nullptr ? std::atomic_ref<Word>(*stored).load(std::memory_order_relaxed) : otherwise;
 }
 
-/// Assigns a number for such readers.
-template <class Word>
-void writeShared(Settings& settings, const std::string& key, Word value) {
-    if (Word* const stored = find<Word>(settings, key)) {
-        std::atomic_ref<Word>(*stored).store(value, std::memory_order_relaxed);
-    }
-}
-
 /// Assigns inside the stored value; does nothing if there is none of this type.
 template <class Value>
 void write(Settings& settings, const std::string& key, const Value& value) {

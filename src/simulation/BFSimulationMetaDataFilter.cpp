@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "Board.h"
 #include "OptionTable.h"
 #include "SimulationOptions.h"
 
@@ -51,7 +50,7 @@ void BFSimulationMetaDataFilter::filterImpl(const double* data, std::vector<doub
     const long size = index < frameSize.size() ? frameSize[index] : 0;
     const long divisor = 1 + getChannelCount(signal) * size;
     framePoints[index] = divisor <= 0 ? 0 : inputLength / static_cast<unsigned long>(divisor);
-    if (findClient(clientID)->isDataSourceRepository()) {
+    if (client.get(clientID).isDataSourceRepository()) {
         return;
     }
     computeSimMetaDataImpl(data, signal);
@@ -72,7 +71,7 @@ BFSimulationMetaDataFilter::HeadForm BFSimulationMetaDataFilter::readHead(const 
 }
 
 void BFSimulationMetaDataFilter::computeSimMetaDataImpl(const double* data, int signal) {
-    const double simulationTime = findClient(clientID)->getSimulationTime();
+    const double simulationTime = client.get(clientID).getSimulationTime();
     rolledBack = signalTime[static_cast<std::size_t>(signal)] > simulationTime;
     if (timeBased) {
         countTimeBased(data, signal);

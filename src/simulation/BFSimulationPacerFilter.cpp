@@ -1,5 +1,7 @@
 #include "BFSimulationPacerFilter.h"
 
+#include <atomic>
+
 #include "BaseOptions.h"
 #include "Board.h"
 #include "OptionTable.h"
@@ -9,7 +11,8 @@
 
 namespace dspwavedecks {
 
-BFSimulationPacerFilter::BFSimulationPacerFilter() {
+BFSimulationPacerFilter::BFSimulationPacerFilter()
+    : driftRateEntry(simDriftRate), dataTimeEntry(SimulationMetaDataFilter::simTime) {
     // The base's own registration by hand: this filter answers nothing but the setup.
     registerAction("setup", &BaseFilter::setPropertiesOnSetup);
 }
@@ -21,6 +24,7 @@ void BFSimulationPacerFilter::setPropertiesOnSetup(const PropertyList& list) {
                 required<catalogue::base::clientID>(clientID),      //
                 required<catalogue::base::numSignals>(numSignals),  //
                 required<catalogue::base::frameSize>(frameSize));
+    client.remember(clientID);
     setPropertiesImpl(list);
 }
 
@@ -33,19 +37,21 @@ void BFSimulationPacerFilter::setPropertiesImpl(const PropertyList& list) {
 }
 
 void BFSimulationPacerFilter::filterImpl(const double*, std::vector<double>&, int signal) {
-    if (!wavedeck::WaveDeckClientRegistry::sInstance.isClientValid(clientID)) {
+    if (!isLastSignal(signal) || !wavedeck::WaveDeckClientRegistry::sInstance.isClientValid(clientID)) {
         return;
     }
-    const auto client = findClient(clientID);
-    auto& settings = client->getClientSettings();
-    double* const storedRate = board::find<double>(settings, simDriftRate);
-    if (storedRate == nullptr || !isLastSignal(signal)) {
+    double* const storedRate = driftRateEntry.find(client, clientID);
+    if (storedRate == nullptr) {
         return;
     }
-    const double dataTime = board::readShared<double>(settings, SimulationMetaDataFilter::simTime);
-    const double rate = dataTime != 0.0 ? (client->getSimulationTime() - dataTime) / dataTime * 100.0 : 0.0;
+    wavedeck::WaveDeckClientInfo& facts = client.get(clientID);
+    double* const storedTime = dataTimeEntry.find(client, clientID);
+    // The time is read by other threads too: its writer stores it as a whole.
+    const double dataTime =
+        storedTime == nullptr ? 0.0 : std::atomic_ref<double>(*storedTime).load(std::memory_order_relaxed);
+    const double rate = dataTime != 0.0 ? (facts.getSimulationTime() - dataTime) / dataTime * 100.0 : 0.0;
     const double previousRate = *storedRate;
-    client->setContinueProcessing(!(previousRate > simDriftRateThreshold));  // goes on with a NaN, too
+    facts.setContinueProcessing(!(previousRate > simDriftRateThreshold));  // goes on with a NaN, too
     *storedRate = rate;
 }
 

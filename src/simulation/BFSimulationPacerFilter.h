@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "BaseFilter.h"
+#include "RememberedClient.h"
 
 namespace dspwavedecks {
 
@@ -30,6 +31,11 @@ private:
     // Options.
     bool enableSimDriftRateThreshold = true;
     double simDriftRateThreshold = 10.0;  ///< percent
+
+    // State.
+    RememberedClient client;
+    RememberedEntry<double> driftRateEntry;
+    RememberedEntry<double> dataTimeEntry;
 };
 
 }  // namespace dspwavedecks

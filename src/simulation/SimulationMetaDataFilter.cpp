@@ -1,6 +1,7 @@
 #include "SimulationMetaDataFilter.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 
 #include "BFSimulationPacerFilter.h"
@@ -10,7 +11,8 @@
 
 namespace dspwavedecks {
 
-SimulationMetaDataFilter::SimulationMetaDataFilter() {
+SimulationMetaDataFilter::SimulationMetaDataFilter()
+    : framesEntry(framesProcessed), samplesEntry(samplesProcessed), timeEntry(simTime) {
     registerUsualActions();
 }
 
@@ -22,9 +24,10 @@ void SimulationMetaDataFilter::setPropertiesOnSetup(const PropertyList& list) {
                 required<options::clientID>(clientID),        //
                 required<options::numChannels>(numChannels),  //
                 required<options::frameSize>(frameSize));
-    const auto client = findClient(clientID);
-    isComplex = client->isComplex();
-    timeBased = client->getTimeBased();
+    client.remember(clientID);
+    const wavedeck::WaveDeckClientInfo& facts = client.get(clientID);
+    isComplex = facts.isComplex();
+    timeBased = facts.getTimeBased();
     numSignals = static_cast<int>(numChannels.size());
     totalNumChannels = getTotalNumChannels();
     // A reset during a replay does nothing, but the frames that follow must find their places.
@@ -43,8 +46,8 @@ void SimulationMetaDataFilter::setPropertiesImpl(const PropertyList& list) {
 }
 
 void SimulationMetaDataFilter::reset() {
-    const auto client = findClient(clientID);
-    if (client->isDataSourceRepository()) {
+    const wavedeck::WaveDeckClientInfo& facts = client.get(clientID);
+    if (facts.isDataSourceRepository()) {
         return;
     }
     framesProcessed_ = 0;
@@ -53,7 +56,7 @@ void SimulationMetaDataFilter::reset() {
     frameSamples.assign(count, 0);
     signalTime.resize(count);
     for (int signal = 0; signal < numSignals; ++signal) {
-        signalTime[static_cast<std::size_t>(signal)] = -client->getSampleTime(signal);
+        signalTime[static_cast<std::size_t>(signal)] = -facts.getSampleTime(signal);
     }
 }
 
@@ -68,7 +71,7 @@ void SimulationMetaDataFilter::filterImpl(const double* data, std::vector<double
         return;
     }
     frameSamples[index] = isComplexSignal(signal) ? inputLength / 2 : inputLength;
-    if (findClient(clientID)->isDataSourceRepository()) {
+    if (client.get(clientID).isDataSourceRepository()) {
         return;
     }
     computeSimMetaDataImpl(data, signal);
@@ -78,11 +81,16 @@ void SimulationMetaDataFilter::filterImpl(const double* data, std::vector<double
 }
 
 void SimulationMetaDataFilter::publish() {
-    auto& settings = getBoard();
-    board::writeShared(settings, framesProcessed, framesProcessed_);
-    board::writeShared(settings, samplesProcessed, samplesProcessed_);
+    const auto store = [this](auto& entry, auto value) {
+        if (auto* const stored = entry.find(client, clientID)) {
+            // Other threads read it: it is written as a whole.
+            std::atomic_ref<decltype(value)>(*stored).store(value, std::memory_order_relaxed);
+        }
+    };
+    store(framesEntry, framesProcessed_);
+    store(samplesEntry, samplesProcessed_);
     if (!signalTime.empty()) {
-        board::writeShared(settings, simTime, *std::max_element(signalTime.begin(), signalTime.end()));
+        store(timeEntry, *std::max_element(signalTime.begin(), signalTime.end()));
     }
 }
 
@@ -94,7 +102,7 @@ void SimulationMetaDataFilter::computeSimMetaDataImpl(const double*, int signal)
     samplesProcessed_ += frameSamples[index];
     const unsigned long channels = getDataChannelCount(signal);
     const unsigned long steps = channels == 0 ? 0 : frameSamples[index] / channels;
-    signalTime[index] += findClient(clientID)->getSampleTime(signal) * static_cast<double>(steps);
+    signalTime[index] += client.get(clientID).getSampleTime(signal) * static_cast<double>(steps);
 }
 
 Poco::SharedPtr<Poco::JSON::Object> SimulationMetaDataFilter::packageImpl(const std::string& clientID) {

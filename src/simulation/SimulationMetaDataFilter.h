@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "BaseFilter.h"
+#include "RememberedClient.h"
 
 namespace dspwavedecks {
 
@@ -46,6 +47,10 @@ protected:
     unsigned long getDataChannelCount(int signal) const;
 
     // State.
+    RememberedClient client;
+    RememberedEntry<unsigned long> framesEntry;
+    RememberedEntry<unsigned long> samplesEntry;
+    RememberedEntry<double> timeEntry;
     unsigned long framesProcessed_ = 0;
     unsigned long samplesProcessed_ = 0;      ///< of all signals
     std::vector<unsigned long> frameSamples;  ///< per signal, samples in the frame in hand

@@ -72,7 +72,7 @@ unsigned long BFSpectrumEstimatorFilter::getNumPointsPerChannel(const int& signa
     const auto index = static_cast<std::size_t>(signal);
     const auto channels = static_cast<unsigned long>(std::max(getChannelCount(signal), 0));
     const auto size = static_cast<unsigned long>(index < frameSize.size() ? std::max(frameSize[index], 0) : 0);
-    const bool hasHead = getClient().usingStreamPlugInBF();
+    const bool hasHead = client.get(clientID).usingStreamPlugInBF();
     dataEndIndex = inputLength;
     dataStartIndex = hasHead ? inputLength / (1 + channels * size) : 0;
     return channels == 0 ? 0 : (dataEndIndex - dataStartIndex) / channels;

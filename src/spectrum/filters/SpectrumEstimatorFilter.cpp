@@ -49,15 +49,10 @@ void SpectrumEstimatorFilter::takeFrameSize(int signal) {
     setPoints(frameSize, signal, static_cast<int>(getNumPointsPerChannel(signal)));
 }
 
-void SpectrumEstimatorFilter::rememberClient() {
-    const auto found = findClient(clientID);
-    clientAtSetup = found;
-    client = found.get();
-}
-
 void SpectrumEstimatorFilter::estimate(const double* data, std::vector<double>& out, int signal, int signals,
                                        const std::vector<int>& points) {
-    const bool isReplay = getClient().isDataSourceRepository();
+    wavedeck::WaveDeckClientInfo& facts = client.get(clientID);
+    const bool isReplay = facts.isDataSourceRepository();
     out.clear();  // what stands there is from an earlier frame: only an update gives something
     if (!estimator->isLocked() || !isInputSettled || signals != signalsAtSetup) {
         prepareEstimator(signals, points, isReplay);
@@ -70,7 +65,7 @@ void SpectrumEstimatorFilter::estimate(const double* data, std::vector<double>& 
         estimator->computeSpectrum(data, out, signal);
     }
     if (out.empty() && isReplay && signal + 1 == signals) {
-        client->setIsDataSourceRepository(false);  // the replay has nothing more to give
+        facts.setIsDataSourceRepository(false);  // the replay has nothing more to give
     }
 }
 
@@ -103,18 +98,19 @@ void SpectrumEstimatorFilter::setPropertiesOnSetup(const PropertyList& list) {
                 required<options::numChannels>(numChannels),  //
                 required<options::frameSize>(frameSize),      //
                 required<options::numSignals>(numSignals));
-    rememberClient();
+    client.remember(clientID);
+    wavedeck::WaveDeckClientInfo& facts = client.get(clientID);
     isComplex.clear();
     std::vector<double> factors;
-    for (const int flag : client->isComplex()) {
+    for (const int flag : facts.isComplex()) {
         isComplex.push_back(flag != 0 ? 1 : 0);
         factors.push_back(flag != 0 ? 0.5 : 1.0);
     }
-    timeBased = client->getTimeBased();
+    timeBased = facts.getTimeBased();
     isRecordDue = true;  // the board may be another
-    addAxesOfSignal(client->getClientSettings());
+    addAxesOfSignal(facts.getClientSettings());
     storeChannelSizeFactors(clientID, std::move(factors));
-    const bool isReplay = client->isDataSourceRepository();
+    const bool isReplay = facts.isDataSourceRepository();
     setPropertiesImpl(list);
     if (!estimator->isLocked()) {
         return;

@@ -12,9 +12,9 @@
 
 #include "BaseFilter.h"
 #include "JsonArrays.h"
+#include "RememberedClient.h"
 #include "SpectrumEstimator.h"
 #include "spectrumEstimatorMetaDataStruct.h"
-#include "wavedeck/WaveDeckClientInfo.h"
 
 namespace dspwavedecks {
 
@@ -89,19 +89,11 @@ protected:
         isInputSettled = isInputSettled && present == count;
         present = count;
     }
-    /// The client of the last setup. It owns its stages and outlives their frames; looking it up by name with every
-    /// frame would cost more than a short frame.
-    wavedeck::WaveDeckClientInfo& getClient() {
-        if (clientAtSetup.expired()) {
-            rememberClient();
-        }
-        return *client;
-    }
 
     std::unique_ptr<SpectrumEstimator> estimator;
+    RememberedClient client;
 
 private:
-    void rememberClient();
     void prepareEstimator(int signals, const std::vector<int>& points, bool isReplay);
     bool isInputChanged(int signals) const;
     bool isFrameSizeOf(int signal) const;
@@ -116,8 +108,6 @@ private:
     bool isRecordDue = true;             ///< the board lacks the whole record
     std::uint64_t publishedVersion = 0;  ///< of the estimator's record that the board holds
     std::uint64_t publishedResets = 0;   ///< of the hold traces, the same
-    std::weak_ptr<wavedeck::WaveDeckClientInfo> clientAtSetup;
-    wavedeck::WaveDeckClientInfo* client = nullptr;  ///< the same, valid as long as that has not expired
 };
 
 }  // namespace dspwavedecks
