@@ -38,24 +38,44 @@ void expectPlain(const SpanKernels& kernels, Values values) {
         const double bin = std::ceil((x - 0.0) * 100 / 10.0) - 1;
         EXPECT_EQ(static_cast<double>(bins[i]), bin >= 0 && std::isfinite(bin) ? std::min(bin, 99.0) : 0.0) << x;
     }
-    // Off the borders by more than the margin the guess must be right, on one it must say that it knows nothing.
-    Values inside(8 * (count / 8));
-    for (std::size_t i = 0; i < inside.size(); ++i) {
-        inside[i] = std::fmod(static_cast<double>(i * i), 100.0) / 10.0 + 1e-12 * static_cast<double>(1 + i % 40);
+    // On a border, beside it and in between: the bins without divisions are those of the division.
+    Values inside(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double border = 0.1 * static_cast<double>(i * i % 100);
+        inside[i] = i % 3 == 0 ? border : i % 3 == 1 ? std::nextafter(border, 5.0) : border + 0.03;
     }
-    std::vector<std::uint64_t> guessed(inside.size());
-    bins.resize(inside.size());
-    kernels.findHistogramBins(inside.data(), inside.size(), 0.0, 10.0, bins.data());
-    EXPECT_TRUE(kernels.guessHistogramBins(inside.data(), inside.size(), 0.0, 10.0, guessed.data()));
-    EXPECT_EQ(guessed, bins);
-    if (!inside.empty()) {
-        inside.back() = 0.1 * static_cast<double>(1 + count % 99);
-        EXPECT_FALSE(kernels.guessHistogramBins(inside.data(), inside.size(), 0.0, 10.0, guessed.data()));
+    std::vector<std::uint64_t> quick(count);
+    bins.resize(count);
+    kernels.findHistogramBins(inside.data(), count, 0.0, 10.0, bins.data());
+    kernels.findHistogramBinsInRange(inside.data(), count, 0.0, 10.0, quick.data());
+    EXPECT_EQ(quick, bins);
+    if (count >= edgeSamples) {
+        const double mid = values[0];
+        const double start = values[1];
+        const double end = values[2];
+        const EdgeBits edge = kernels.compareEdge(values.data(), mid, start, end);
+        for (std::size_t i = 0; i < edgeSamples; ++i) {
+            const double x = values[i];
+            const std::uint64_t all[] = {edge.isOrdered,  edge.belowMid, edge.aboveMid,
+                                         edge.belowStart, edge.belowEnd, edge.aboveEnd};
+            const bool plain[] = {!std::isnan(x), x < mid, mid < x, x < start, x < end, end < x};
+            for (std::size_t bits = 0; bits < std::size(all); ++bits) {
+                EXPECT_EQ((all[bits] >> i & 1) != 0, plain[bits]) << bits;
+            }
+        }
     }
     const ScannedExtremes extremes = kernels.scanExtremes(values.data(), count);
     EXPECT_EQ(extremes.minimum, expected.minimum);
     EXPECT_EQ(extremes.maximum, expected.maximum);
     EXPECT_EQ(extremes.hasNaN, expected.hasNaN);
+    if (count <= edgeSamples) {
+        Values longer = values;
+        longer.resize(edgeSamples, std::nan(""));
+        const ScannedExtremes few = kernels.scanFew(longer.data(), count);
+        EXPECT_EQ(few.minimum, expected.minimum);
+        EXPECT_EQ(few.maximum, expected.maximum);
+        EXPECT_EQ(few.hasNaN, expected.hasNaN);
+    }
     if (!expected.hasNaN && count > 1) {
         std::sort(values.begin(), values.end());
         EXPECT_TRUE(kernels.neverFalls(values.data(), count));

@@ -16,9 +16,9 @@ constexpr double unmeasured = bilevelMeasurementsStruct::unmeasured;
 /// Length of the stretches before and after a transition, in durations of the transition.
 constexpr double stretchDurations = 3.0;
 
-/// A deviation and the time at which it occurs, or any time of the span where all lie in it.
+/// A deviation in the signal's unit, and the time at which it occurs, or any time of the span where all lie in it.
 struct Deviation {
-    double percent, time;
+    double value, time;
 };
 
 /// How far a stretch goes above and below a level.
@@ -107,56 +107,78 @@ class StretchFinder {
 public:
     StretchFinder(const BilevelSpan& measuredSpan, const BilevelLevels& referenceLevels,
                   const BilevelTransitions& foundTransitions, const LaterTimeSearch& timeSearch)
-        : span(measuredSpan), levels(referenceLevels), transitions(foundTransitions), firstLater(timeSearch) {}
+        : span(measuredSpan),
+          levels(referenceLevels),
+          transitions(foundTransitions),
+          firstLater(timeSearch),
+          sides{sideLevels(-1), sideLevels(1)} {}
 
     StretchDeviations before(std::size_t i) const {
         const Index start = transitions.startIndices[i];
-        const double startBound =
-            levelByPolarity(levels.lowStateBound, levels.highStateBound, transitions.polarities[i]);
-        const double from = span.crossing(startBound, start) - stretchDurations * transitions.durations[i];
+        const double from = span.crossing(sideOf(i).startBound, start) - stretchDurations * transitions.durations[i];
         Index first = start == 0 ? 0 : firstLater.between(0, start, from);
         // From the third transition on: the second may reach back over the first one. Meant so.
         if (i >= 2) {
             first = std::max(first, transitions.endIndices[i - 1]);
         }
-        return deviations(first, start, levelByPolarity(levels.low, levels.high, transitions.polarities[i]));
+        return deviations(first, start, sideOf(i).preLevel);
     }
 
     StretchDeviations after(std::size_t i) const {
         const Index end = transitions.endIndices[i];
-        const double endBound = levelByPolarity(levels.highStateBound, levels.lowStateBound, transitions.polarities[i]);
-        const double until = span.crossing(endBound, end - 1) + stretchDurations * transitions.durations[i];
+        const double until = span.crossing(sideOf(i).endBound, end - 1) + stretchDurations * transitions.durations[i];
         const bool isLast = i + 1 == transitions.startIndices.size();
         const Index limit = firstLater.between(end, isLast ? span.count : transitions.startIndices[i + 1], until);
         return deviations(end, limit > end ? limit - 1 : limit, postLevel(i));
     }
 
-    double postLevel(std::size_t i) const {
-        return levelByPolarity(levels.high, levels.low, transitions.polarities[i]);
+    double postLevel(std::size_t i) const { return sideOf(i).postLevel; }
+
+    /// Of the amplitude.
+    double percent(double difference) const {
+        return levels.amplitude == 0.0 ? unmeasured : difference / levels.amplitude * 100.0;
     }
 
 private:
+    /// The levels about a transition of one polarity.
+    struct SideLevels {
+        double startBound, endBound, preLevel, postLevel;
+    };
+    SideLevels sideLevels(int polarity) const {
+        return {levelByPolarity(levels.lowStateBound, levels.highStateBound, polarity),
+                levelByPolarity(levels.highStateBound, levels.lowStateBound, polarity),
+                levelByPolarity(levels.low, levels.high, polarity), levelByPolarity(levels.high, levels.low, polarity)};
+    }
+    const SideLevels& sideOf(std::size_t i) const { return sides[transitions.polarities[i] >= 1 ? 1 : 0]; }
+
     StretchDeviations deviations(Index first, Index last, double level) const {
         const auto count = static_cast<std::size_t>(last - first + 1);
         if (firstLater.timesRise()) {
-            const ExtremeValues values = findExtremeValues(span.x + first, count);
-            return {{percent(values.maximum - level), span.t[first]}, {percent(level - values.minimum), span.t[first]}};
+            const ExtremeValues values = extremeValues(first, count);
+            const double anyTime = span.firstTime();
+            return {{values.maximum - level, anyTime}, {level - values.minimum, anyTime}};
         }
         const ExtremePositions extremes = findExtremes(span.x + first, count, MinMaxLastMaximum);
         const Index minimum = first + static_cast<Index>(extremes.minimum);
         const Index maximum = first + static_cast<Index>(extremes.maximum);
-        return {{percent(span.x[maximum] - level), span.t[maximum]},
-                {percent(level - span.x[minimum]), span.t[minimum]}};
+        return {{span.x[maximum] - level, span.t[maximum]}, {level - span.x[minimum], span.t[minimum]}};
     }
 
-    double percent(double difference) const {
-        return levels.amplitude == 0.0 ? unmeasured : difference / levels.amplitude * 100.0;
+    ExtremeValues extremeValues(Index first, std::size_t count) const {
+        if (count <= edgeSamples && first + static_cast<Index>(edgeSamples) <= span.count) {
+            const ScannedExtremes few = spanKernels().scanFew(span.x + first, count);
+            if (!few.hasNaN) {
+                return {few.minimum, few.maximum, false};
+            }
+        }
+        return findExtremeValues(span.x + first, count);
     }
 
     const BilevelSpan& span;
     const BilevelLevels& levels;
     const BilevelTransitions& transitions;
     const LaterTimeSearch& firstLater;
+    const SideLevels sides[2];  ///< falling, rising
 };
 
 /// Time at which the waveform enters the band of +- tolerance about the level reached, for good up to settleEnd; NaN if
@@ -206,7 +228,9 @@ void BilevelMeasurements::computeAberrationsMetrics(const BilevelSpan& span, con
     const StretchFinder stretches(span, levels, transitions, firstLater);
     SideAverages positive;
     SideAverages negative;
-    for (std::size_t i = 0; i < transitions.polarities.size(); ++i) {
+    const std::size_t count = transitions.polarities.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        span.prefetch(transitions.startIndices[std::min(i + prefetchDistance, count - 1)]);
         const bool falling = transitions.polarities[i] < 1;
         SideAverages& side = falling ? negative : positive;
         const StretchDeviations before = stretches.before(i);
@@ -216,9 +240,9 @@ void BilevelMeasurements::computeAberrationsMetrics(const BilevelSpan& span, con
         const double settleTime =
             findSettleTime(span, transitions, firstLater, i, midCross + settleSeek, stretches.postLevel(i), tolerance);
         // Above the level reached is overshoot and below it undershoot, rising or falling.
-        side.preshoot.add(span, preshoot.percent, preshoot.time);
-        side.overshoot.add(span, after.over.percent, after.over.time);
-        side.undershoot.add(span, after.under.percent, after.under.time);
+        side.preshoot.add(span, stretches.percent(preshoot.value), preshoot.time);
+        side.overshoot.add(span, stretches.percent(after.over.value), after.over.time);
+        side.undershoot.add(span, stretches.percent(after.under.value), after.under.time);
         side.settlingTime.add(span, settleTime - midCross, settleTime);
     }
     metrics.posPreshoot = positive.preshoot.mean();

@@ -22,19 +22,17 @@ Histogram countBins(const BilevelSpan& span, double minimum, double divisor, boo
     constexpr std::size_t lanes = 8;
     constexpr std::size_t blockSize = 256;
     const SpanKernels& kernels = spanKernels();
-    const double binsPerUnit = static_cast<double>(binCount) / divisor;
     // Where 100 times a difference overflows, the exact bin is 0.
-    const bool isEven = !hasNaN && std::isnormal(binsPerUnit) && std::isnormal(divisor) &&
-                        std::isfinite(divisor * static_cast<double>(binCount));
+    constexpr double scale = binCount;
+    const bool isEven =
+        !hasNaN && std::isnormal(scale / divisor) && std::isnormal(divisor) && std::isfinite(divisor * scale);
+    const auto findBins = isEven ? kernels.findHistogramBinsInRange : kernels.findHistogramBins;
     std::array<Histogram, lanes> counts{};
     std::array<std::uint64_t, blockSize> bins;
     const std::size_t count = static_cast<std::size_t>(span.count);
     for (std::size_t begin = 0; begin < count; begin += blockSize) {
         const std::size_t length = std::min(blockSize, count - begin);
-        if (!isEven || length < blockSize ||
-            !kernels.guessHistogramBins(span.x + begin, length, minimum, binsPerUnit, bins.data())) {
-            kernels.findHistogramBins(span.x + begin, length, minimum, divisor, bins.data());
-        }
+        findBins(span.x + begin, length, minimum, divisor, bins.data());
         std::size_t i = 0;
         for (; i + lanes <= length; i += lanes) {
             for (std::size_t lane = 0; lane < lanes; ++lane) {

@@ -1,5 +1,6 @@
 // Transitions of a pulse waveform between its two states, and the figures averaged over them.
 #include <algorithm>
+#include <bit>
 
 #include "BilevelMeasurements.h"
 #include "SpanKernels.h"
@@ -97,12 +98,63 @@ private:
     unsigned state = 0;
 };
 
+/// The sample intervals, by the index of their first sample, in which a transition crosses its reference levels.
+struct CrossingIntervals {
+    Index mid, first, last;
+};
+
+/// One transition, and the levels at which its duration starts and ends.
+struct Transition {
+    Index start, end;
+    bool rising;
+    double startLevel, endLevel;
+};
+
 /// Finds the sample intervals in which one transition crosses its reference levels. A falling transition is the mirror
 /// image of a rising one, but for the equal sign of the search for the start.
 class CrossingSearch {
 public:
     CrossingSearch(const BilevelSpan& searchedSpan, const BilevelLevels& referenceLevels)
-        : span(searchedSpan), levels(referenceLevels) {}
+        : span(searchedSpan), levels(referenceLevels), kernels(spanKernels()) {}
+
+    CrossingIntervals find(const Transition& edge) {
+        CrossingIntervals found;
+        if (!findInShortEdge(edge, found)) {
+            found.mid = mid(edge.start, edge.end, edge.rising);
+            found.first = first(found.mid, edge.start, edge.startLevel, edge.rising);
+            found.last = last(found.mid, edge.end, edge.endLevel, edge.rising, found.first);
+        }
+        return found;
+    }
+
+private:
+    /// The same three intervals where few samples lie between the states, without loops whose ends noise makes
+    /// unforeseeable. Returns false for a long edge, one at the end of the span, and one that never crosses the mid
+    /// level.
+    bool findInShortEdge(const Transition& edge, CrossingIntervals& found) const {
+        constexpr auto samples = static_cast<Index>(edgeSamples);
+        const Index length = edge.end - edge.start;
+        if (length >= samples || edge.start + samples > span.count) {
+            return false;
+        }
+        const EdgeBits bits = kernels.compareEdge(span.x + edge.start, levels.mid, edge.startLevel, edge.endLevel);
+        const std::uint64_t beyondMid = edge.rising ? bits.aboveMid : bits.belowMid;
+        const std::uint64_t upToEnd = (std::uint64_t{2} << length) - 1;
+        const std::uint64_t crossesMid = ~beyondMid & bits.isOrdered & beyondMid >> 1 & upToEnd >> 1;
+        if (crossesMid == 0) {
+            return false;
+        }
+        const int mid = std::countr_zero(crossesMid);
+        const std::uint64_t nearStart =
+            (edge.rising ? bits.belowStart : ~bits.belowStart & bits.isOrdered) & ((std::uint64_t{4} << mid) - 1);
+        const std::uint64_t pastEnd =
+            (edge.rising ? bits.aboveEnd : bits.belowEnd) & upToEnd & ~std::uint64_t{0} << mid;
+        const Index notNear = edge.start == 0 ? none : edge.start + mid;
+        found.mid = edge.start + mid;
+        found.first = nearStart != 0 ? edge.start + 63 - std::countl_zero(nearStart) : notNear;
+        found.last = (pastEnd != 0 ? edge.start + std::countr_zero(pastEnd) : found.first) - 1;
+        return true;
+    }
 
     /// First interval from start to end in which the mid level is crossed; interval 0 if there is none.
     Index mid(Index start, Index end, bool rising) const {
@@ -145,7 +197,6 @@ public:
         return (f <= end ? f : first) - 1;
     }
 
-private:
     static bool isPast(double x, double level, bool rising) { return rising ? x > level : x < level; }
 
     /// First sample of the span past the end level, found once for each polarity: transitions without a mid crossing
@@ -163,6 +214,7 @@ private:
 
     const BilevelSpan& span;
     const BilevelLevels& levels;
+    const SpanKernels& kernels;
     Index firstAbove = none;
     Index firstBelow = none;
 };
@@ -181,17 +233,20 @@ void BilevelMeasurements::computeTransitionsMetrics(const BilevelSpan& span, con
     transitions.durations.reserve(count);
     std::vector<double> slewRates;
     slewRates.reserve(count);
+    const double startLevels[] = {levelByPolarity(levels.lower, levels.upper, -1),
+                                  levelByPolarity(levels.lower, levels.upper, 1)};
+    const double endLevels[] = {levelByPolarity(levels.upper, levels.lower, -1),
+                                levelByPolarity(levels.upper, levels.lower, 1)};
     CrossingSearch search(span, levels);
     for (std::size_t i = 0; i < count; ++i) {
+        span.prefetch(transitions.startIndices[std::min(i + prefetchDistance, count - 1)]);
         const Index start = transitions.startIndices[i];
         const Index end = transitions.endIndices[i];
         const bool rising = span.x[start] < levels.lowStateBound;
         const int polarity = rising ? 1 : -1;
-        const double startLevel = levelByPolarity(levels.lower, levels.upper, polarity);
-        const double endLevel = levelByPolarity(levels.upper, levels.lower, polarity);
-        const Index mid = search.mid(start, end, rising);
-        const Index first = search.first(mid, start, startLevel, rising);
-        const Index last = search.last(mid, end, endLevel, rising, first);
+        const double startLevel = startLevels[rising];
+        const double endLevel = endLevels[rising];
+        const auto [mid, first, last] = search.find({start, end, rising, startLevel, endLevel});
 
         const double midCross = span.crossing(levels.mid, mid);
         const double duration = span.crossing(endLevel, last) - span.crossing(startLevel, first);

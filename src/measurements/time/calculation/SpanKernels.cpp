@@ -1,5 +1,7 @@
 #include "SpanKernels.h"
 
+#include <algorithm>
+#include <bit>
 #include <limits>
 
 #if defined(__x86_64__)

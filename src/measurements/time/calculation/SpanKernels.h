@@ -17,10 +17,23 @@ struct ScannedExtremes {
     bool hasNaN;
 };
 
+/// Samples that are compared together around an edge.
+inline constexpr std::size_t edgeSamples = 16;
+
+/// How samples lie to the levels that an edge crosses, sample 0 in the lowest bit.
+struct EdgeBits {
+    std::uint64_t isOrdered;  ///< no NaN
+    std::uint64_t belowMid, aboveMid, belowStart, belowEnd, aboveEnd;
+};
+
 /// Vectorised passes over a span, for the instructions that the machine has.
 struct SpanKernels {
     /// Extremes of x [n].
     ScannedExtremes (*scanExtremes)(const double* x, std::size_t n);
+
+    /// The same for n <= edgeSamples where x [edgeSamples] may be read, without a branch that depends on n: of short
+    /// stretches no length can be foreseen, and it is known late.
+    ScannedExtremes (*scanFew)(const double* x, std::size_t n);
 
     /// Whether no value of x [n] is less than the one before it, and none is NaN (but for a single one).
     bool (*neverFalls)(const double* x, std::size_t n);
@@ -29,15 +42,19 @@ struct SpanKernels {
     std::size_t (*findAbove)(const double* x, std::size_t n, double bound);
     std::size_t (*findBelow)(const double* x, std::size_t n, double bound);
 
+    /// Compares x [edgeSamples] with the levels of an edge.
+    EdgeBits (*compareEdge)(const double* x, double mid, double start, double end);
+
     /// Bin of each value of x [n], 0 to 99:
     ///   ceil((x - minimum) * 100 / divisor) - 1, capped at 99; 0 where that is negative or not finite
     /// so that a NaN and the minimum itself lie in bin 0. The order of operations decides bins and is meant.
     void (*findHistogramBins)(const double* x, std::size_t n, double minimum, double divisor, std::uint64_t* bins);
 
-    /// The same bins without a division, binsPerUnit = 100 / divisor, for values from the minimum to the minimum plus
-    /// the divisor. Returns false where a value lies so near to the border of two bins that rounding decides: then
-    /// nothing is known. n must be a multiple of 8.
-    bool (*guessHistogramBins)(const double* x, std::size_t n, double minimum, double binsPerUnit, std::uint64_t* bins);
+    /// The same bins with few divisions, for values from the minimum to the minimum plus the divisor, where the divisor
+    /// and 100 / divisor are normal numbers and 100 * divisor is finite. A product tells the bin but where rounding
+    /// decides.
+    void (*findHistogramBinsInRange)(const double* x, std::size_t n, double minimum, double divisor,
+                                     std::uint64_t* bins);
 };
 
 /// The kernels for the machine at hand.

@@ -18,13 +18,22 @@ VECTOR_TARGET static ScannedExtremes scanExtremes(const double* x, std::size_t n
     for (; i + 2 * lanes <= n; i += 2 * lanes) {
         for (std::size_t part = 0; part < 2; ++part) {
             const Doubles value = load(x + i + part * lanes);
-            low[part] = select(value < low[part], value, low[part]);
-            high[part] = select(value > high[part], value, high[part]);
+            low[part] = lesser(value, low[part]);
+            high[part] = greater(value, high[part]);
             unordered[part] |= value != value;
         }
     }
-    const double lowest = leastOf(select(low[0] < low[1], low[0], low[1]));
-    const double highest = -leastOf(-select(high[0] > high[1], high[0], high[1]));
+    if (n >= lanes) {  // the last vectors may overlap those before: extremes don't mind
+        for (const std::size_t last : {std::min(i, n - lanes), n - lanes}) {
+            const Doubles value = load(x + last);
+            low[0] = lesser(value, low[0]);
+            high[0] = greater(value, high[0]);
+            unordered[0] |= value != value;
+        }
+        i = n;
+    }
+    const double lowest = leastOf(lesser(low[0], low[1]));
+    const double highest = -leastOf(-greater(high[0], high[1]));
     ScannedExtremes extremes{lowest, highest, any(unordered[0] | unordered[1])};
     for (; i < n; ++i) {
         extremes.minimum = x[i] < extremes.minimum ? x[i] : extremes.minimum;
@@ -32,6 +41,25 @@ VECTOR_TARGET static ScannedExtremes scanExtremes(const double* x, std::size_t n
         extremes.hasNaN = extremes.hasNaN || x[i] != x[i];
     }
     return extremes;
+}
+
+VECTOR_TARGET static ScannedExtremes scanFew(const double* x, std::size_t n) {
+    const Doubles infinity = std::numeric_limits<double>::infinity() - Doubles{};
+    Doubles low = infinity;
+    Doubles high = -infinity;
+    Integers unordered = {};
+    Integers number = {};
+    for (std::size_t lane = 0; lane < lanes; ++lane) {
+        number[lane] = static_cast<std::int64_t>(lane);
+    }
+    for (std::size_t i = 0; i < edgeSamples; i += lanes) {
+        const Integers isMeant = number < static_cast<std::int64_t>(n - i) - Integers{};
+        const Doubles value = load(x + i);
+        low = lesser(select(isMeant, value, infinity), low);
+        high = greater(select(isMeant, value, -infinity), high);
+        unordered |= isMeant & (value != value);
+    }
+    return {leastOf(low), -leastOf(-high), any(unordered)};
 }
 
 VECTOR_TARGET static bool neverFalls(const double* x, std::size_t n) {
@@ -53,8 +81,12 @@ VECTOR_TARGET static bool neverFalls(const double* x, std::size_t n) {
 VECTOR_TARGET static std::size_t findAbove(const double* x, std::size_t n, double bound) {
     const Doubles bounds = bound - Doubles{};
     std::size_t i = 0;
-    while (i + 2 * lanes <= n && !any((load(x + i) > bounds) | (load(x + i + lanes) > bounds))) {
-        i += 2 * lanes;
+    for (; i + 2 * lanes <= n; i += 2 * lanes) {
+        const Integers first = load(x + i) > bounds;
+        const Integers second = load(x + i + lanes) > bounds;
+        if (any(first | second)) {
+            return i + static_cast<std::size_t>(std::countr_zero(bitsOf(first) | bitsOf(second) << lanes));
+        }
     }
     while (i < n && !(x[i] > bound)) {
         ++i;
@@ -65,13 +97,31 @@ VECTOR_TARGET static std::size_t findAbove(const double* x, std::size_t n, doubl
 VECTOR_TARGET static std::size_t findBelow(const double* x, std::size_t n, double bound) {
     const Doubles bounds = bound - Doubles{};
     std::size_t i = 0;
-    while (i + 2 * lanes <= n && !any((load(x + i) < bounds) | (load(x + i + lanes) < bounds))) {
-        i += 2 * lanes;
+    for (; i + 2 * lanes <= n; i += 2 * lanes) {
+        const Integers first = load(x + i) < bounds;
+        const Integers second = load(x + i + lanes) < bounds;
+        if (any(first | second)) {
+            return i + static_cast<std::size_t>(std::countr_zero(bitsOf(first) | bitsOf(second) << lanes));
+        }
     }
     while (i < n && !(x[i] < bound)) {
         ++i;
     }
     return i;
+}
+
+VECTOR_TARGET static EdgeBits compareEdge(const double* x, double mid, double start, double end) {
+    EdgeBits bits{};
+    for (std::size_t i = 0; i < edgeSamples; i += lanes) {
+        const Doubles value = load(x + i);
+        bits.isOrdered |= bitsOf(value == value) << i;
+        bits.belowMid |= bitsOf(value < mid) << i;
+        bits.aboveMid |= bitsOf(value > mid) << i;
+        bits.belowStart |= bitsOf(value < start) << i;
+        bits.belowEnd |= bitsOf(value < end) << i;
+        bits.aboveEnd |= bitsOf(value > end) << i;
+    }
+    return bits;
 }
 
 /// Doubles from here on have no fraction: adding it rounds, and leaves a small whole number in the low bits.
@@ -104,24 +154,28 @@ VECTOR_TARGET static void findHistogramBins(const double* x, std::size_t n, doub
     }
 }
 
-VECTOR_TARGET static bool guessHistogramBins(const double* x, std::size_t n, double minimum, double binsPerUnit,
-                                             std::uint64_t* bins) {
+VECTOR_TARGET static void findHistogramBinsInRange(const double* x, std::size_t n, double minimum, double divisor,
+                                                   std::uint64_t* bins) {
+    const double binsPerUnit = static_cast<double>(histogramBinCount) / divisor;
     // The bins at both ends reach as far as values do, so that a value may be taken for one half inside them.
     const Doubles first = 0.5 - Doubles{};
     const Doubles last = static_cast<double>(histogramBinCount) - 0.5 - Doubles{};
     const Doubles margin = 1e-12 - Doubles{};  // 100 is known to three roundings of 1.4e-14 each
-    Integers isUnsure = {};
-    for (std::size_t i = 0; i + lanes <= n; i += lanes) {
-        const Doubles product = (load(x + i) - minimum) * binsPerUnit;
-        const Doubles atLeast = select(product > first, product, first);
-        const Doubles position = select(atLeast < last, atLeast, last);
+    const Doubles allMinimum = minimum - Doubles{};
+    const Doubles allDivisor = divisor - Doubles{};
+    std::size_t i = 0;
+    for (; i + lanes <= n; i += lanes) {
+        const Doubles value = load(x + i);
+        const Doubles position = lesser(greater((value - minimum) * binsPerUnit, first), last);
         const Doubles rounded = position + wholeNumbers;
         const Doubles above = position - (rounded - wholeNumbers);
-        isUnsure |= (above < margin) & (above > -margin);
-        const Integers found = ((Integers)rounded + (above < Doubles{})) & 127;
+        Integers found = ((Integers)rounded + (above < Doubles{})) & 127;
+        if (any((above < margin) & (above > -margin))) {  // so near to a border that rounding decides
+            found = binsOf(value, allMinimum, allDivisor);
+        }
         __builtin_memcpy(bins + i, &found, sizeof found);
     }
-    return !any(isUnsure);
+    findHistogramBins(x + i, n - i, minimum, divisor, bins + i);
 }
 
-constexpr SpanKernels table{scanExtremes, neverFalls, findAbove, findBelow, findHistogramBins, guessHistogramBins};
+constexpr SpanKernels table{scanExtremes, scanFew, neverFalls, findAbove, findBelow, compareEdge, findHistogramBins, findHistogramBinsInRange};
