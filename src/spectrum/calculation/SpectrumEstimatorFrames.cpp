@@ -88,7 +88,9 @@ bool SpectrumEstimator::endsBeforeSegment(const int& signal, std::size_t samples
     }
     const std::size_t held = spectrumBuffer->size(0);
     const std::size_t opened = held == 0 ? spectrumBuffer->getNumOverlapSamples() : 0;
-    return held + opened + (signal == 0 ? samples : 0) < spectrumBuffer->getSegmentLength();
+    // A signal without channels leaves channel 0 to the next one.
+    const bool mayBeItsChannel = signalPlaces[static_cast<std::size_t>(signal)].firstChannel == 0;
+    return held + opened + (mayBeItsChannel ? samples : 0) < spectrumBuffer->getSegmentLength();
 }
 
 /// Played-again frames whose settings did not change: the rows of the last update once more.

@@ -128,6 +128,12 @@ TEST(SpectrumEstimatorFilter, takesOtherChannelsInMidStream) {
     filter.tuneImpl(client.setup());
     EXPECT_EQ(33u * 2u, feed(filter, noise(2 * 64)).size());
     EXPECT_TRUE(feed(filter, noise(64), 7).empty());  // no such signal
+    client.numChannels = {0, 2};                      // channel 0 is that of the second signal
+    client->setIsComplex({0, 0});
+    client.frameSize = {64, 64};
+    filter.tuneImpl(client.setup());
+    feed(filter, {}, 0);
+    EXPECT_EQ(33u * 3u, feed(filter, noise(128), 1).size());
 }
 
 TEST(SpectrumEstimatorFilter, packagesHoldTraces) {
