@@ -14,6 +14,21 @@ Bench::Signal whiteNoise(std::size_t n, double deviation, bool isComplex) {
     return signal;
 }
 
+// A sine of amplitude 2 has 2 W into 1 ohm; below full scale no load counts. Levels in the other units are told in
+// docs/conformance.md.
+TEST(SpectrumEstimatorScaling, FullScaleIsTheRangeOfTheSignal) {
+    Bench bench;
+    bench.usePlainSettings(sampleRate, 1000, 1000);
+    bench.estimator.setFrequencyRange(Range::oneSided);
+    bench.estimator.setSpectrumUnits(Units::dbfs);
+    bench.estimator.setReferenceLoad(50);
+    bench.estimator.setInputRange({4.0});
+    bench.estimator.setPlotMaxHoldTrace(true);
+    bench.feed({{{tone(1250, 2, 5000, sampleRate)}, false}}, 1000);
+    EXPECT_NEAR(bench.row()[125], decibels(2.0 / 16), 1e-11);
+    EXPECT_NEAR(bench.record().maxHoldTrace[125], decibels(2.0 / 16), 1e-11);
+}
+
 // The level of a tone on a bin and the density of white noise hold at once only if window, noise bandwidth and power
 // fit together. With K = 100 averages a bin of noise has a deviation of 4.34 / sqrt(K) = 0.43 dB; the mean over bins
 // has sqrt(2 b / (L K)), b at most 3.5 for the windows below: 0.8 % at 1000 samples. Five deviations are allowed.
