@@ -78,4 +78,7 @@ configure_file(cmake/package/wavedeck.pc.in ${CMAKE_BINARY_DIR}/package/wavedeck
 install(FILES ${CMAKE_BINARY_DIR}/package/wavedeck.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT Development)
 
+# What has to be built for all of it.
+add_custom_target(installation DEPENDS wavedeck_program dspwavedecksimpl wavedeck_host fftbridge command_pages)
+
 include(Packaging)

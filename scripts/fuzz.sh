@@ -5,7 +5,7 @@
 set -u
 cd "$(dirname "$0")/.." || exit 2
 . scripts/setup.sh
-install_packages && build fuzz || exit $?
+install_packages && install_clang && build fuzz || exit $?
 
 seconds=${1:-60}
 shift

@@ -1,8 +1,11 @@
-# Sourced by play and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
+# Sourced by play, install and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
 
-packages="g++ clang clang-format clang-tidy libclang-rt-14-dev cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
+packages="g++ cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
  libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils dpkg-dev file
  python3 python3-jsonschema python3-websocket"
+
+# install_clang: the second compiler, for lint and fuzzers.
+install_clang() { packages="clang clang-format clang-tidy libclang-rt-14-dev" install_packages; }
 
 # install_page: fetches what the display page is drawn with.
 install_page() { install_node_packages web; }
@@ -15,7 +18,8 @@ install_browser() {
 
 # install_node_packages FOLDER: what its lock file names, once; needs node and npm, which it installs if missing.
 install_node_packages() {
-  [ -d "$1/node_modules" ] && [ "$1/node_modules" -nt "$1/package-lock.json" ] && return 0
+  local done="$1/node_modules/.package-lock.json"  # npm writes it last: what an interrupted run has left has none
+  [ "$done" -nt "$1/package-lock.json" ] && return 0
   command -v npm >/dev/null || packages="nodejs npm" install_packages || return $?
   local log
   log=$(mktemp)
@@ -24,7 +28,7 @@ install_node_packages() {
     rm -f "$log"
     return 2
   fi
-  touch "$1/node_modules"
+  touch "$done"
   rm -f "$log"
 }
 

@@ -55,8 +55,8 @@ inline constexpr Option spectralAverages = wholeNumber("spectralAverages", "1", 
 inline constexpr Option spectrumUnits = word("spectrumUnits", "dbm", spectrumUnitsWords, "units of the spectrum");
 inline constexpr Option inputUnits = word("inputUnits", "dbm", spectrumUnitsWords, "units of frequency input");
 inline constexpr Option referenceLoad = number("referenceLoad", "1", "ohm", "load for which power is told");
-inline constexpr Option autoFullScale =
-    logical("autoFullScale", "true", "dBFS: full scale of each signal's data type or measured range");
+inline constexpr Option autoFullScale = logical(
+    "autoFullScale", "true", "dBFS: full scale by inputRange; simulations measure that of floating-point signals");
 inline constexpr Option fullScale = number("fullScale", "1", "data", "dBFS: full scale when it is not automatic");
 inline constexpr Option plotMaxHoldTrace = logical("plotMaxHoldTrace", "false", "keep the maximum of each bin");
 inline constexpr Option plotMinHoldTrace = logical("plotMinHoldTrace", "false", "keep the minimum of each bin");
@@ -67,8 +67,8 @@ inline constexpr Option timeSpan = number("timeSpan", "0.1", "s", "time that the
 inline constexpr Option autoTimeResolution =
     logical("autoTimeResolution", "true", "one line of the spectrogram for each segment");
 inline constexpr Option timeResolution = number("timeResolution", "0.001", "s", "time of one line of the spectrogram");
-inline constexpr Option inputDataType =
-    wordList("inputDataType", "", inputDataTypeWords, "data type of each signal at its source");
+inline constexpr Option inputDataType = wordList("inputDataType", "", inputDataTypeWords,
+                                                 "data type of each signal at its source; counts in simulations alone");
 inline constexpr Option inputRange = numbers("inputRange", "", "data", "dBFS: full scale of each signal");
 inline constexpr Option allowTransientAveraging =
     logical("allowTransientAveraging", "true", "average while a filter bank still fills");
