@@ -11,7 +11,7 @@
 #include <cstdio>
 
 int main() {
-    const wavedeck::driver::StageLibrary library(STAGE_LIBRARY);
+    const wavedeck::driver::StageLibrary library("libdspwavedecksimpl.so");
     wavedeck::driver::ClientFacts facts;
     facts.name = "host";
     facts.kind = wavedeck::driver::ChainKind::Frame;
