@@ -1,21 +1,17 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "PolyphaseBank.h"
-#include "SampleVector.h"
 #include "SpectrumBuffer.h"
+#include "SpectrumEstimatorDerived.h"
 #include "SpectrumEstimatorEnum.h"
-#include "SpectrumTransform.h"
+#include "SpectrumEstimatorOptions.h"
+#include "SpectrumEstimatorState.h"
 #include "spectrumEstimatorMetaDataStruct.h"
 
 namespace dspwavedecks {
@@ -39,7 +35,9 @@ namespace dspwavedecks {
 /// first S values.
 ///
 /// Setters that the tables of options reach while data flows hold a mutex against `setup`; computing does not.
-class SpectrumEstimator {
+class SpectrumEstimator : private SpectrumEstimatorOptions,
+                          private SpectrumEstimatorDerived,
+                          private SpectrumEstimatorState {
 public:
     using InputDomain = SpectrumEstimatorEnum::InputDomain;
     using SpectrumType = SpectrumEstimatorEnum::SpectrumType;
@@ -345,81 +343,6 @@ private:
         everything = 31U,
     };
 
-    /// What a window was built from.
-    struct WindowKey {
-        Window window;
-        std::size_t length;
-        double attenuation;
-        bool operator==(const WindowKey&) const = default;
-    };
-
-    /// Settings that the sizes of stores hang on and that computing reads.
-    struct Layout {
-        InputDomain inputDomain;
-        Method method;
-        bool twoSided;
-        bool trimmed;
-        bool maxHold;
-        bool minHold;
-        std::size_t numTapsPerBand;
-        std::size_t segmentLength;
-        bool operator==(const Layout&) const = default;
-    };
-
-    /// The channels of a signal among those of all signals.
-    struct SignalPlace {
-        std::size_t firstChannel;
-        std::size_t numChannels;
-        bool isComplex;
-    };
-
-    /// Some channels of a segment, and the weight of its row in the average, 0 for none.
-    struct SegmentPart {
-        int signal;
-        std::size_t segment;
-        std::size_t first;
-        std::size_t end;
-        double averageWeight;
-    };
-    /// Segments that are read in the frame at hand; none without data.
-    struct SegmentsInFrame {
-        const double* data = nullptr;
-        std::size_t frameSize = 0;
-        std::size_t first = 0;  ///< sample with which the first of them begins
-    };
-    /// What the decimator remembers from one segment to the next.
-    struct ZoomState {
-        std::vector<double> history;                   ///< [all channels * 48 d - 1] last input samples, as stored
-        std::vector<std::complex<double>> lastPoints;  ///< [all channels * O] what the next segment shares
-    };
-    /// How the first zoomed segment of a channel begins.
-    enum class ZoomStart { undecided, waitingForOverlap, done };
-
-    template <class Sample>
-    struct FilterbankStores {
-        std::vector<Sample> lines;         ///< [all channels * B * taps] delay lines, newest sample first
-        std::vector<Sample> accumulators;  ///< [all channels * B * 2] what is complete, and what is under way
-
-        void resize(std::size_t bands, std::size_t taps) {
-            lines.resize(bands * taps);
-            accumulators.resize(2 * bands);
-        }
-        void reset() {
-            std::fill(lines.begin(), lines.end(), Sample{});
-            std::fill(accumulators.begin(), accumulators.end(), Sample{});
-        }
-    };
-
-    /// The same in the order of the kernels.
-    struct FilterbankKernelStores {
-        bool inUse = false;
-        polyphase::SampleKind kind = polyphase::SampleKind::real;
-        std::size_t numBands = 0;
-        std::size_t numTaps = 0;
-        AlignedVector<double> taps;
-        std::vector<AlignedVector<double>> delayStores;  ///< one a channel
-    };
-
     template <class T>
     bool assign(T& field, const T& value, unsigned marks);
     template <class T>
@@ -572,164 +495,6 @@ private:
     }
     /// Place of a segment in the transform's input.
     std::size_t inputSegment(std::size_t segment) const { return segment % transform.segments(); }
-
-    static constexpr double firStopbandAttenuation = 140.0;  ///< dB, of every filter designed here
-    static constexpr std::size_t numSpectrogramLines = 100;  ///< unless a time span gives their number
-
-    // Options.
-    InputDomain inputDomain = InputDomain::time;
-    SpectrumType spectrumType = SpectrumType::power;
-    Method method = Method::welch;
-    FrequencyRange frequencyRange = FrequencyRange::centered;
-    FrequencyResolutionMethod frequencyResolutionMethod = FrequencyResolutionMethod::rbw;
-    FrequencySpan frequencySpan = FrequencySpan::full;
-    Window window = Window::hann;
-    AveragingMethod averagingMethod = AveragingMethod::exponential;
-    SpectrumUnits spectrumUnits = SpectrumUnits::dbm;
-    SpectrumUnits inputUnits = SpectrumUnits::dbm;
-    bool autoRBW = true;
-    bool autoVBW = true;
-    bool autoTimeSpan = true;
-    bool autoTimeResolution = true;
-    bool autoFFTLength = true;
-    bool autoFrequencyVector = true;
-    bool autoFullScale = true;
-    bool windowInvariantSamplesPerUpdate = false;
-    bool plotMinHoldTrace = false;
-    bool plotMaxHoldTrace = false;
-    bool useHalideForFIRPolyphaseAnalysis = true;
-    bool showSpectrum = true;
-    bool showSpectrogram = false;
-    bool allowTransientAveraging = true;
-    bool useWelchForFilterBankTransient = false;
-    bool enableMaxSegmentLengthThreshold = false;
-    bool enableDesiredSegmentLengthThreshold = true;
-    bool useNaNsInCalculatingAverages = false;
-    bool fullScaleOverflow = false;
-    double sampleRate = 10000.0;
-    double rbw = 10.0;
-    double sidelobeAttenuation = 60.0;
-    double overlapPercent = 0.0;
-    double referenceLoad = 1.0;
-    double fullScale = 1.0;
-    double timeSpan = 0.1;
-    double timeResolution = 0.001;
-    double forgettingFactor = 0.9;
-    double vbw = 10.0;
-    double startFrequency = -1000.0;
-    double stopFrequency = 1000.0;
-    double spanProperty = 10000.0;
-    double centerFrequency = 0.0;
-    std::size_t fftLength = 1024;
-    std::size_t windowLength = 1024;
-    std::size_t minimumSegmentLength = 1;
-    std::size_t maximumSegmentLength = 1000000;
-    std::size_t defaultSegmentLength = 1024;
-    std::size_t spectralAverages = 1;
-    std::size_t spectrogramChannel = 0;
-    std::size_t numTapsPerBand = 12;
-    std::size_t outputFrequencyVector = 1;  ///< rows in front of the channels: 1 with the frequency grid
-    std::vector<std::string> inputDataType;
-    std::vector<double> inputRange;
-    std::vector<double> customWindow;
-    std::vector<double> frequencyOffset;
-    int numSignals = 0;
-    std::vector<int> numChannels;  ///< raw counts
-    std::vector<int> frameSize;
-    std::vector<int> unbufferedFrameSize;
-    std::vector<int> isComplex;  ///< 0 or 1
-    bool isProcessingNewData = true;
-    bool useCachedSpectrumData = false;
-
-    // Derived.
-    double actualSampleRate = 10000.0;
-    double span = 10000.0;
-    double fullSpan = 10000.0;
-    double desiredRBW = 9.76;
-    double actualRBW = 9.76;
-    double transientRBW = 9.76;
-    double enbw = 1.0;
-    double windowPower = 0.0;
-    double actualTimeSpan = 0.1;
-    double actualTimeResolution = 0.001;
-    double timeIncrement = 1.0;
-    double blockFraction = 0.0;  ///< share of a segment by which a spectrogram line misses the resolution asked for
-    double deltaFrequency = 0.0;
-    double actualForgettingFactor = 0.9;
-    double actualVBW = 10.0;
-    std::size_t actualFFTLength = 1024;
-    std::size_t actualSegmentLength = 1024;
-    std::size_t transientSegmentLength = 1024;
-    std::size_t desiredSegmentLength = 1024;
-    std::size_t transientNumSamplesPerUpdate = 1024;
-    std::size_t actualNumSamplesPerUpdate = 1024;
-    std::size_t desiredNumSamplesPerUpdate = 1024;
-    std::size_t numOverlapSamples = 0;
-    std::size_t totalNumChannels = 0;
-    std::vector<SignalPlace> signalPlaces;
-    std::size_t spectrumLength = 1024;
-    std::size_t numSegmentsPerBlock = 1;
-    std::size_t actualSpectralAverages = 1;
-    std::size_t firGroupDelay = 1024;
-    std::size_t zoomDecimationFactor = 1;
-    bool zoomFFTEnabled = false;
-    bool linearFrequencyVector = true;
-    bool maxSegmentLengthMet = false;
-    std::vector<double> frequencyVector;  ///< the grid in use, also the one that a user gave
-    std::array<std::size_t, 2> frequencyVectorRange{0, 0};
-    std::vector<double> windowData;
-    std::vector<double> filterbankPolyphaseMatrix;
-    std::vector<double> zoomFilter;  ///< [48 d] anti-alias filter, branch by branch
-    std::array<AlignedVector<double>, 2>
-        zoomMixedFilter;  ///< its real and imaginary taps at the centre, last tap first
-
-    // State.
-    std::mutex mutex;
-    bool isLocked_ = false;
-    std::optional<Layout> layoutAtSetup;  ///< none before the first setup, and after one that failed
-    bool layoutFits = false;              ///< nothing has been set since it was seen to be the present one
-    bool overlapChanged = false;
-    bool propertyChanged = false;
-    bool resetAveragingStates = true;
-    bool resetFilterbankStates = true;
-    bool resetMaxMinHoldStates = true;
-    bool resetSignalBuffers = false;
-    bool flushSpectrumBuffer = true;
-    bool desiredSegmentLengthMet = false;
-    bool dataHasNaNs = false;
-    std::size_t numSegments = 1;
-    std::size_t numSpectrumBlocks = 1;
-    std::size_t numSamplesProcessed = 0;
-    std::size_t numUpdatesProcessed = 0;
-    std::size_t totalNumSamplesProcessed = 0;
-    std::optional<SpectrumBuffer> spectrumBuffer;
-    spectrumEstimatorMetaDataStruct metaData;
-    std::uint64_t recordVersion = 0;
-    std::uint64_t numHoldResets = 0;
-    AlignedVector<double> averagedSpectrum;
-    std::vector<double> averagingWeights;
-    std::vector<double> maxHoldPSD;
-    std::vector<double> minHoldPSD;
-    std::vector<double> spectrogramCarry;
-    ZoomState zoomState;
-    FilterbankStores<std::complex<double>> complexBank;  ///< plain code, if any signal is complex, or with zoom
-    FilterbankStores<double> realBank;                   ///< plain code, otherwise
-    FilterbankKernelStores kernelBank;
-    std::vector<ZoomStart> zoomStarts;  ///< of each channel
-
-    std::optional<WindowKey> builtWindow;  ///< what windowData was built from, unless it is a custom one
-    std::vector<std::pair<WindowKey, double>> knownENBWs;  ///< lengths tried for an RBW; windows take long to build
-
-    // Scratch.
-    SpectrumTransform transform;
-    SegmentsInFrame segmentsInFrame;
-    std::vector<double> averageWeights;  ///< of the segments at hand
-    bool rowsAreInAverage = false;       ///< the rows of the last segment stand in averagedSpectrum alone
-    std::vector<double> rowScratch;
-    std::vector<unsigned long> conversionRange;
-    std::vector<std::complex<double>> zoomOutput;  ///< [all channels * L] decimated samples of the segment at hand
-    SampleVector<double> zoomHead;                 ///< end of the history and beginning of a segment, side by side
-    ZoomState zoomStateAtStart;
 };
 
 }  // namespace dspwavedecks
