@@ -10,46 +10,17 @@ namespace deckutil {
 
 namespace {
 
-namespace portable {
-#define VECTOR_TARGET
-#define VECTOR_LANES 2
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "LevelBits.inl"
-#undef VECTOR_TARGET
-#undef VECTOR_LANES
-}  // namespace portable
-
-#if defined(__x86_64__)
-namespace avx2 {
-#define VECTOR_TARGET __attribute__((target("avx2")))
-#define VECTOR_LANES 4
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "LevelBits.inl"
-}  // namespace avx2
-#endif
+#define VECTOR_KERNELS "LevelBits.inl"
+#include "VectorVariants.inl"
 
 }  // namespace
 
 LevelComparison levelComparison(dspwavedecks::InstructionSet set) {
-#if defined(__x86_64__)
-    if (set == dspwavedecks::InstructionSet::avx2) {
-        return avx2::compareWithLevel;
-    }
-#endif
-    static_cast<void>(set);
-    return portable::compareWithLevel;
+    return set == dspwavedecks::InstructionSet::avx2 ? avx2::compareWithLevel : portable::compareWithLevel;
 }
 
 LevelComparison levelComparison() {
-    using dspwavedecks::InstructionSet;
-    static const LevelComparison best =
-        levelComparison(isSupported(InstructionSet::avx2) ? InstructionSet::avx2 : InstructionSet::portable);
+    static const LevelComparison best = levelComparison(dspwavedecks::avx2OrPortable());
     return best;
 }
 

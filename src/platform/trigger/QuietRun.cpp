@@ -10,46 +10,17 @@ namespace deckutil {
 
 namespace {
 
-namespace portable {
-#define VECTOR_TARGET
-#define VECTOR_LANES 2
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "QuietRun.inl"
-#undef VECTOR_TARGET
-#undef VECTOR_LANES
-}  // namespace portable
-
-#if defined(__x86_64__)
-namespace avx2 {
-#define VECTOR_TARGET __attribute__((target("avx2")))
-#define VECTOR_LANES 4
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "QuietRun.inl"
-}  // namespace avx2
-#endif
+#define VECTOR_KERNELS "QuietRun.inl"
+#include "VectorVariants.inl"
 
 }  // namespace
 
 QuietRun quietRun(dspwavedecks::InstructionSet set) {
-#if defined(__x86_64__)
-    if (set == dspwavedecks::InstructionSet::avx2) {
-        return avx2::countQuiet;
-    }
-#endif
-    static_cast<void>(set);
-    return portable::countQuiet;
+    return set == dspwavedecks::InstructionSet::avx2 ? avx2::countQuiet : portable::countQuiet;
 }
 
 QuietRun quietRun() {
-    using dspwavedecks::InstructionSet;
-    static const QuietRun best =
-        quietRun(isSupported(InstructionSet::avx2) ? InstructionSet::avx2 : InstructionSet::portable);
+    static const QuietRun best = quietRun(dspwavedecks::avx2OrPortable());
     return best;
 }
 

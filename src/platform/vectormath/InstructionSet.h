@@ -26,4 +26,9 @@ inline bool isSupported(InstructionSet set) {
 #endif
 }
 
+/// The better set of the two that VectorVariants.inl makes.
+inline InstructionSet avx2OrPortable() {
+    return isSupported(InstructionSet::avx2) ? InstructionSet::avx2 : InstructionSet::portable;
+}
+
 }  // namespace dspwavedecks

@@ -11,45 +11,17 @@ namespace dspwavedecks {
 
 namespace {
 
-namespace portable {
-#define VECTOR_TARGET
-#define VECTOR_LANES 2
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "SpectrumKernels.inl"
-#undef VECTOR_TARGET
-#undef VECTOR_LANES
-}  // namespace portable
-
-#if defined(__x86_64__)
-namespace avx2 {
-#define VECTOR_TARGET __attribute__((target("avx2")))
-#define VECTOR_LANES 4
-#include "VectorType.inl"
-
-#include "VectorSelection.inl"
-
-#include "SpectrumKernels.inl"
-}  // namespace avx2
-#endif
+#define VECTOR_KERNELS "SpectrumKernels.inl"
+#include "VectorVariants.inl"
 
 }  // namespace
 
 const SpectrumKernels& spectrumKernels(InstructionSet set) {
-#if defined(__x86_64__)
-    if (set == InstructionSet::avx2) {
-        return avx2::table;
-    }
-#endif
-    static_cast<void>(set);
-    return portable::table;
+    return set == InstructionSet::avx2 ? avx2::table : portable::table;
 }
 
 const SpectrumKernels& spectrumKernels() {
-    static const SpectrumKernels& best =
-        spectrumKernels(isSupported(InstructionSet::avx2) ? InstructionSet::avx2 : InstructionSet::portable);
+    static const SpectrumKernels& best = spectrumKernels(avx2OrPortable());
     return best;
 }
 
