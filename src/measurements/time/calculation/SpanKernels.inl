@@ -178,4 +178,5 @@ VECTOR_TARGET static void findHistogramBinsInRange(const double* x, std::size_t 
     findHistogramBins(x + i, n - i, minimum, divisor, bins + i);
 }
 
-constexpr SpanKernels table{scanExtremes, scanFew, neverFalls, findAbove, findBelow, compareEdge, findHistogramBins, findHistogramBinsInRange};
+constexpr SpanKernels table{scanExtremes, scanFew,     neverFalls,        findAbove,
+                            findBelow,    compareEdge, findHistogramBins, findHistogramBinsInRange};
