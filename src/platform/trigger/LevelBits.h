@@ -26,10 +26,15 @@ struct LevelBits {
 /// Compares values [n], 64 at most, with a level.
 using LevelComparison = LevelBits (*)(const double* values, std::size_t n, const LevelBounds& bounds);
 
+/// How many of times [n], 64 at most, which don't fall, lie before a time.
+using TimeComparison = std::size_t (*)(const double* times, std::size_t n, double time);
+
 /// For the machine at hand.
 LevelComparison levelComparison();
+TimeComparison countBefore();
 
 /// For instructions that the machine must support.
 LevelComparison levelComparison(dspwavedecks::InstructionSet set);
+TimeComparison countBefore(dspwavedecks::InstructionSet set);
 
 }  // namespace deckutil

@@ -21,3 +21,21 @@ VECTOR_TARGET static LevelBits compareWithLevel(const double* values, std::size_
     }
     return bits;
 }
+
+/// All are compared: the place where the times reach the bound would be mispredicted.
+VECTOR_TARGET static std::size_t countTimesBefore(const double* times, std::size_t n, double time) {
+    const Doubles bound = time - Doubles{};
+    Integers counts{};  // minus one for each
+    std::size_t i = 0;
+    for (; i + lanes <= n; i += lanes) {
+        counts += load(times + i) < bound;
+    }
+    std::int64_t count = 0;
+    for (std::size_t lane = 0; lane < lanes; ++lane) {
+        count -= counts[lane];
+    }
+    for (; i < n; ++i) {
+        count += times[i] < time ? 1 : 0;
+    }
+    return static_cast<std::size_t>(count);
+}

@@ -1,5 +1,9 @@
 // The quiet run for one instruction set; included behind VectorType.inl and VectorSelection.inl.
 
+VECTOR_INLINE bool areAll(Integers mask) {
+    return bitsOf(mask) == (1u << lanes) - 1;
+}
+
 VECTOR_TARGET static std::size_t countQuiet(const double* times, const double* values, std::size_t n,
                                             double previousTime, const QuietBounds& bounds, ValueRange& range) {
     const auto isQuiet = [&](double time, double value, double before) {
@@ -17,10 +21,28 @@ VECTOR_TARGET static std::size_t countQuiet(const double* times, const double* v
         const Doubles until = bounds.until - Doubles{};
         Doubles lows = least - Doubles{};
         Doubles highs = greatest - Doubles{};
+        constexpr std::size_t stride = 4 * lanes;
+        // Times that don't fall all stay below a bound if the last one does.
+        for (; i + stride <= n && times[i + stride - 1] < bounds.until; i += stride) {
+            Doubles strideLows = lows;
+            Doubles strideHighs = highs;
+            Integers inside = ~Integers{};
+            for (std::size_t k = i; k < i + stride; k += lanes) {
+                const Doubles value = load(values + k);
+                inside &= (load(times + k) >= load(times + k - 1)) & (value > low) & (value < high);
+                strideLows = lesser(value, strideLows);
+                strideHighs = greater(value, strideHighs);
+            }
+            if (!areAll(inside)) {
+                break;
+            }
+            lows = strideLows;
+            highs = strideHighs;
+        }
         for (; i + lanes <= n; i += lanes) {
             const Doubles time = load(times + i);
             const Doubles value = load(values + i);
-            if (any(~((time >= load(times + i - 1)) & (value > low) & (value < high) & (time < until)))) {
+            if (!areAll((time >= load(times + i - 1)) & (value > low) & (value < high) & (time < until))) {
                 break;
             }
             lows = lesser(value, lows);

@@ -1,6 +1,7 @@
 #include "TimeDomainTriggerController.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace deckutil {
@@ -181,8 +182,12 @@ double TimeDomainTriggerController::idleUntil() const {
     if (!hasSample || settingsChanged || hasLeftOver || mode == TDTC::Off || !isLength(sampleTimeRange)) {
         return -infinity;
     }
-    const double earliest = std::max({rearmTime(), filledFrom(), condition.earliestPoint(lastTime)});
-    return isArmed() ? std::min(earliest, nextDecision) : nextDecision;
+    return std::min(std::max(countsFrom(), condition.earliestPoint(lastTime)), nextDecision);
+}
+
+/// No trigger point before this time counts, as things stand.
+double TimeDomainTriggerController::countsFrom() const {
+    return isArmed() ? std::max(rearmTime(), filledFrom()) : infinity;
 }
 
 /// No trigger point before this time has a window that begins with or behind the first sample.
@@ -190,6 +195,17 @@ double TimeDomainTriggerController::filledFrom() const {
     const double before = position * sampleTimeRange;
     constexpr double rounding = 0x1p-49;  // of the sums here and in windowOf()
     return firstTime - delay + before - rounding * (std::fabs(firstTime) + std::fabs(delay) + std::fabs(before));
+}
+
+/// Whether it is worth passing over samples among which no trigger point would count: there must be more than a block
+/// of them, or for conditions without stretches a few up to the end of the frame.
+bool TimeDomainTriggerController::isIdleForLong(const SampleBlock& block) const {
+    const std::size_t few = condition.hasNoStretches() ? fewSamples : blockSamples;
+    if (block.count <= few) {
+        return false;
+    }
+    const double last = block.times[std::min(block.count - 1, blockSamples)];
+    return last < nextDecision && last < idleUntil();
 }
 
 /// Passes over the samples at the begin of a block among which no trigger point would count, if the last ones tell all
@@ -210,24 +226,54 @@ std::pair<std::size_t, bool> TimeDomainTriggerController::passOverIdle(const Sam
     return {idle, true};
 }
 
-/// Takes samples at the begin of a block, 64 at most, whatever they do to the condition; returns how many. Few where
-/// the first crossing triggers: behind it nothing counts for a while.
+/// Takes samples at the begin of a block, 64 at most, whatever they do to the condition; returns how many.
 std::size_t TimeDomainTriggerController::takeTogether(const SampleBlock& block) {
     ValueRange range{rangeLow, rangeHigh};
-    const std::size_t most = std::min(block.count, condition.hasNoStretches() ? fewSamples : blockSamples);
-    const std::size_t taken =
-        quietRun()(block.times, block.values, most, lastTime, {-infinity, infinity, nextDecision}, range);
+    const std::size_t taken = quietRun()(block.times, block.values, std::min(block.count, blockSamples), lastTime,
+                                         {-infinity, infinity, nextDecision}, range);
     if (taken == 0) {
         return 0;
     }
+    const SampleBlock valid{block.times, block.values, taken};
+    if (condition.hasNoStretches()) {
+        acceptCrossings(valid);
+    } else {
+        acceptStretches(valid);
+    }
+    keepPassed(block, taken, range);
+    if (condition.crossesOften()) {
+        updateDecisions();
+        quietLow = infinity;
+        quietHigh = -infinity;
+    } else {
+        updateQuietRange();
+    }
+    return taken;
+}
+
+/// Every crossing triggers, and behind it nothing counts for a while: only the first that does is worked out.
+void TimeDomainTriggerController::acceptCrossings(const SampleBlock& block) {
+    const BlockCrossings crossings = condition.advanceBlock(block);
+    std::uint64_t left = (crossings.atLower | crossings.atUpper) & block.notBefore(countsFrom());
+    while (left != 0) {
+        const TriggerPoints points = condition.pointsAt(block, crossings, std::countr_zero(left));
+        left &= left - 1;
+        bool anyCounts = false;
+        for (std::size_t i = 0; i < points.count; ++i) {
+            anyCounts |= acceptTrigger(points.times[i]);
+        }
+        if (anyCounts) {
+            left &= block.notBefore(countsFrom());
+        }
+    }
+}
+
+void TimeDomainTriggerController::acceptStretches(const SampleBlock& block) {
     TriggerBlockPoints points;
-    condition.advanceBlock(block.times, block.values, taken, points);
+    condition.advanceBlock(block, countsFrom(), points);
     for (std::size_t i = 0; i < points.count; ++i) {
         acceptTrigger(points.times[i]);
     }
-    keepPassed(block, taken, range);
-    updateQuietRange();
-    return taken;
 }
 
 void TimeDomainTriggerController::processSamples(const double* times, const double* values, std::size_t n,
@@ -236,7 +282,10 @@ void TimeDomainTriggerController::processSamples(const double* times, const doub
     const auto rest = [&](std::size_t i) { return SampleBlock{times + i, values + i, n - i}; };
     for (std::size_t i = 0; i < n;) {
         if (timeRange == sampleTimeRange) {
-            if (i >= notIdleUntil) {
+            if (times[i] >= nextDecision) {
+                renewAutomaticLevel(times[i], values[i]);
+            }
+            if (i >= notIdleUntil && isIdleForLong(rest(i))) {
                 const auto [idle, isPassed] = passOverIdle(rest(i));
                 if (isPassed) {
                     i += idle;
@@ -245,7 +294,7 @@ void TimeDomainTriggerController::processSamples(const double* times, const doub
                 notIdleUntil = i + idle;
             }
             const bool isTracked = lastTime < unarmedUntil;  // then the fences have not followed
-            if (!isTracked) {
+            if (!isTracked && !condition.crossesOften()) {
                 i += passOver(rest(i), {quietLow, quietHigh, quietUntil});
             }
             const std::size_t taken = i > 0 ? takeTogether(rest(i)) : 0;  // it needs the sample before
@@ -262,17 +311,36 @@ void TimeDomainTriggerController::processSamples(const double* times, const doub
 }
 
 /// Takes the middle of the range of each full stretch of one time range, so that the level stands still between them.
-void TimeDomainTriggerController::updateAutomaticLevel(double time, double value) {
-    if (isLength(sampleTimeRange) && time >= rangeStart + sampleTimeRange) {
-        if (rangeLow <= rangeHigh) {
-            const double middle = 0.5 * rangeLow + 0.5 * rangeHigh;
-            settingsChanged = settingsChanged || (autoLevel && !(middle == automaticLevel));
-            automaticLevel = middle;
-        }
-        rangeStart = time;
-        rangeLow = infinity;
-        rangeHigh = -infinity;
+/// Returns whether the sample at a time begins another one.
+bool TimeDomainTriggerController::beginRangeStretch(double time) {
+    if (!isLength(sampleTimeRange) || !(time >= rangeStart + sampleTimeRange)) {
+        return false;
     }
+    if (rangeLow <= rangeHigh) {
+        const double middle = 0.5 * rangeLow + 0.5 * rangeHigh;
+        settingsChanged = settingsChanged || (autoLevel && !(middle == automaticLevel));
+        automaticLevel = middle;
+    }
+    rangeStart = time;
+    rangeLow = infinity;
+    rangeHigh = -infinity;
+    return true;
+}
+
+/// Does what the next sample, which comes in a frame, does to the automatic level, if that is all that it has to be
+/// looked at alone for.
+void TimeDomainTriggerController::renewAutomaticLevel(double time, double value) {
+    const bool isPlain = hasSample && !settingsChanged && !hasLeftOver && mode != TDTC::Off;
+    if (isPlain && time >= lastTime && time < infinity && std::isfinite(value) && beginRangeStretch(time)) {
+        if (settingsChanged) {
+            applySettings();
+        }
+        updateQuietRange();
+    }
+}
+
+void TimeDomainTriggerController::updateAutomaticLevel(double time, double value) {
+    beginRangeStretch(time);
     if (std::isfinite(value)) {
         rangeLow = std::min(rangeLow, value);
         rangeHigh = std::max(rangeHigh, value);
@@ -289,18 +357,20 @@ double TimeDomainTriggerController::rearmTime() const {
     return std::max(armedFrom, lastTriggerTime + holdoff);
 }
 
-void TimeDomainTriggerController::acceptTrigger(double time) {
+/// Returns whether the point counts.
+bool TimeDomainTriggerController::acceptTrigger(double time) {
     if (!isArmed() || !isLength(sampleTimeRange) || !(time >= rearmTime())) {
-        return;
+        return false;
     }
     const PendingTrigger trigger{time, false};
     const TimeWindow window = windowOf(trigger, sampleTimeRange);
     if (!(window.start >= firstTime)) {
-        return;
+        return false;
     }
     waiting.push(trigger);
     armBehind(trigger, window);
     lastTriggerTime = time;
+    return true;
 }
 
 /// No trigger counts inside the window before. While that one waits it follows the settings, and this with it.
@@ -375,6 +445,10 @@ void TimeDomainTriggerController::makeNextSampleEventful() {
 void TimeDomainTriggerController::updateQuietRange() {
     quietLow = condition.lowFence();
     quietHigh = condition.highFence();
+    updateDecisions();
+}
+
+void TimeDomainTriggerController::updateDecisions() {
     makeNextSampleEventful();
     if (!hasSample) {  // behind a gap
         return;

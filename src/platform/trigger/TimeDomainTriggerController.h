@@ -106,13 +106,6 @@ private:
         double end = std::numeric_limits<double>::quiet_NaN();
     };
 
-    /// Samples of a block that are still to be taken.
-    struct SampleBlock {
-        const double* times;   ///< [count] s
-        const double* values;  ///< [count] signal's unit
-        std::size_t count;
-    };
-
     void keepSample(double time, double value) {
         lastTime = time;
         lastValue = value;
@@ -127,15 +120,21 @@ private:
     std::size_t passOver(const SampleBlock& block, const QuietBounds& bounds);
     std::pair<std::size_t, bool> passOverIdle(const SampleBlock& block);
     std::size_t takeTogether(const SampleBlock& block);
+    void acceptCrossings(const SampleBlock& block);
+    void acceptStretches(const SampleBlock& block);
+    double countsFrom() const;
     bool isArmed() const { return mode != TDTC::Once || (enableOnceMode && waiting.empty()); }
     double filledFrom() const;
     double idleUntil() const;
+    bool isIdleForLong(const SampleBlock& block) const;
     void keepPassed(const SampleBlock& block, std::size_t passed, const ValueRange& range);
     void startAfresh(double time);
     void beginGap();
     void discardWaiting();
+    bool beginRangeStretch(double time);
+    void renewAutomaticLevel(double time, double value);
     void updateAutomaticLevel(double time, double value);
-    void acceptTrigger(double time);
+    bool acceptTrigger(double time);
     void armBehind(const PendingTrigger& trigger, const TimeWindow& window);
     void runFree(double time);
     double rearmTime() const;
@@ -144,6 +143,7 @@ private:
     void applySettings();
     void makeNextSampleEventful();
     void updateQuietRange();
+    void updateDecisions();
     template <class Value>
     void change(Value& setting, const Value& newValue);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "QuietRun.h"
 
@@ -34,6 +33,7 @@ void TriggerCondition::forget() {
     upward.open = false;
     downward.open = false;
     timeoutDeadline = infinity;
+    crossedLast = false;
 }
 
 TriggerPoints TriggerCondition::advance(double t0, double x0, double t1, double x1) {
@@ -149,9 +149,7 @@ void TriggerCondition::advanceWindow(const Interval& interval, TriggerPoints& po
     if (upperWanted) {
         points.add(interval.crossing(upper));
     }
-    if (points.count == 2 && points.times[0] > points.times[1]) {
-        std::swap(points.times[0], points.times[1]);
-    }
+    points.sort();
 }
 
 void TriggerCondition::advanceTimeout(const Interval& interval, TriggerPoints& points) {
@@ -225,11 +223,11 @@ std::size_t TriggerCondition::lastSwing(const double* values, std::size_t n) con
 }
 
 double TriggerCondition::earliestPoint(double time) const {
-    if (hasNoStretches()) {
-        return time;
-    }
     if (settings.type == TDTC::Timeout) {
         return std::min(timeoutDeadline, time + settings.timeout);
+    }
+    if (hasNoStretches() || settings.minTime <= 0.0) {
+        return time;
     }
     double begin = time;
     for (const Stretch& stretch : {upward, downward}) {

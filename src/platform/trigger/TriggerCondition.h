@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "LevelComparator.h"
+#include "SampleBlock.h"
 #include "TriggerEnums.h"
 
 namespace deckutil {
@@ -31,6 +33,16 @@ struct TriggerPoints {
     std::size_t count = 0;
 
     void add(double time) { times[count++] = time; }
+    void sort() {
+        if (count == 2 && times[0] > times[1]) {
+            std::swap(times[0], times[1]);
+        }
+    }
+};
+
+/// Samples of a block at which a level is crossed in a way that is a trigger point.
+struct BlockCrossings {
+    std::uint64_t atLower, atUpper;
 };
 
 /// The points at which a block of samples fulfils the condition, in order of time.
@@ -67,9 +79,16 @@ public:
     /// Takes the sample (t1, x1) that follows (t0, x0).
     TriggerPoints advance(double t0, double x0, double t1, double x1);
 
-    /// Takes the next n samples, 1 to 64, of times and values: the same as advance() for each. The sample taken last
-    /// must stand before them, at times[-1] and values[-1].
-    void advanceBlock(const double* times, const double* values, std::size_t n, TriggerBlockPoints& points);
+    /// Takes the next samples, 1 to 64: the same as advance() for each, but points before countsFrom may be left out.
+    /// The sample taken last must stand before them. For conditions that have stretches.
+    void advanceBlock(const SampleBlock& block, double countsFrom, TriggerBlockPoints& points);
+
+    /// The same for the others: tells where points lie, and works out those that are asked for.
+    BlockCrossings advanceBlock(const SampleBlock& block);
+    TriggerPoints pointsAt(const SampleBlock& block, const BlockCrossings& crossings, int i) const;
+
+    /// Whether a level was crossed by the last few samples of the last block.
+    bool crossesOften() const { return crossedLast; }
 
     /// Takes a sample for the edge and the window where a trigger point would not count: only the side matters.
     void track(double value) {
@@ -113,27 +132,22 @@ private:
         }
     };
 
-    /// Samples taken together, the one before them in front.
-    struct Block {
-        const double* times;
-        const double* values;
-        std::size_t count;
-        double crossing(std::ptrdiff_t i, double level) const {
-            return crossingTime(times[i - 1], values[i - 1], times[i], values[i], level);
-        }
-    };
+    enum LevelIndex { lowerLevel, upperLevel };
     /// Where in a block a stretch begins, is given up, and ends; within a sample in this order.
     struct StretchBits {
-        double beginLevel, endLevel;
+        LevelIndex beginLevel, endLevel;
         std::uint64_t begins, spoils, ends;
     };
 
+    class BlockTimes;
+
     bool usesTwoLevels() const;
-    void addCrossings(const Block& block, std::uint64_t atLower, std::uint64_t atUpper,
-                      TriggerBlockPoints& points) const;
-    void advanceTimeout(const Block& block, const CrossingBits& crossings, TriggerBlockPoints& points);
-    void advanceStretches(const Block& block, const StretchBits& up, const StretchBits& down,
+    CrossingBits followLower(const SampleBlock& block, LevelBits& bits);
+    CrossingBits followUpper(const SampleBlock& block, LevelBits& bits);
+    void advanceTimeout(const SampleBlock& block, const CrossingBits& crossings, TriggerBlockPoints& points);
+    void advanceStretches(const SampleBlock& block, const StretchBits& up, const StretchBits& down, double countsFrom,
                           TriggerBlockPoints& points);
+    std::uint64_t lastingEnds(const BlockTimes& times, const StretchBits& at, std::uint64_t ends, double start) const;
     std::size_t lastThatSettlesSides(const double* values, std::size_t n) const;
     std::size_t lastSwing(const double* values, std::size_t n) const;
     bool wants(TDTC::PolarityEnum polarity) const {
@@ -157,6 +171,7 @@ private:
     Stretch upward;    ///< positive pulse or runt, or rise, that has begun
     Stretch downward;  ///< negative pulse or runt, or fall, that has begun
     double timeoutDeadline = std::numeric_limits<double>::infinity();
+    bool crossedLast = false;
 };
 
 }  // namespace deckutil

@@ -1,9 +1,11 @@
 // The trigger condition over a block of samples at once: what each sample does to the levels and to stretches under way
 // is worked out for all of them by operations on bits, and only samples that may end in a trigger point are visited.
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <utility>
 
+#include "CrossingTimes.h"
 #include "TriggerCondition.h"
 
 namespace deckutil {
@@ -19,71 +21,83 @@ void forEachBit(std::uint64_t bits, Visit visit) {
     }
 }
 
+/// -1 if there is none.
 int highestBit(std::uint64_t bits) {
     return 63 - std::countl_zero(bits);
 }
 
+/// Whether a level is crossed among the last 8 of n samples.
+bool crossesLast(const CrossingBits& crossings, std::size_t n) {
+    constexpr std::size_t few = 8;
+    return (crossings.rising | crossings.falling) >> (std::max(n, few) - few) != 0;
+}
+
 }  // namespace
 
-void TriggerCondition::advanceBlock(const double* times, const double* values, std::size_t n,
-                                    TriggerBlockPoints& points) {
+/// What the next samples do to the lower level, or the only one.
+CrossingBits TriggerCondition::followLower(const SampleBlock& block, LevelBits& bits) {
+    bits = levelComparison()(block.values, block.count, lower.bounds());
+    const CrossingBits crossings = lower.advanceBlock(bits, block.count);
+    crossedLast = crossesLast(crossings, block.count);
+    return crossings;
+}
+
+CrossingBits TriggerCondition::followUpper(const SampleBlock& block, LevelBits& bits) {
+    bits = levelComparison()(block.values, block.count, upper.bounds());
+    const CrossingBits crossings = upper.advanceBlock(bits, block.count);
+    crossedLast = crossedLast || crossesLast(crossings, block.count);
+    return crossings;
+}
+
+void TriggerCondition::advanceBlock(const SampleBlock& block, double countsFrom, TriggerBlockPoints& points) {
     points.count = 0;
-    const Block block{times, values, n};
-    const LevelComparison compare = levelComparison();
-    const LevelBits atLower = compare(values, n, lower.bounds());
-    const CrossingBits low = lower.advanceBlock(atLower, n);
-    if (!usesTwoLevels()) {
-        const double level = lower.getLevel();
-        switch (settings.type) {
-            case TDTC::PulseWidth:
-                advanceStretches(block, {level, level, low.rising, 0, low.falling},
-                                 {level, level, low.falling, 0, low.rising}, points);
-                break;
-            case TDTC::Timeout:
-                advanceTimeout(block, low, points);
-                break;
-            default:
-                addCrossings(block, wanted(TDTC::Positive, low.rising) | wanted(TDTC::Negative, low.falling), 0,
-                             points);
-        }
-        return;
-    }
-    const LevelBits atUpper = compare(values, n, upper.bounds());
-    const CrossingBits high = upper.advanceBlock(atUpper, n);
-    const double lowLevel = lower.getLevel();
-    const double highLevel = upper.getLevel();
-    switch (settings.type) {
-        case TDTC::Transition:
-            advanceStretches(block, {lowLevel, highLevel, low.rising, low.falling, high.rising},
-                             {highLevel, lowLevel, high.falling, high.rising, low.falling}, points);
-            break;
-        case TDTC::Runt:
-            advanceStretches(block, {lowLevel, lowLevel, low.rising, atUpper.atLeast, low.falling},
-                             {highLevel, highLevel, high.falling, atLower.atMost, high.rising}, points);
-            break;
-        default:
-            addCrossings(block, wanted(TDTC::Positive, low.rising) | wanted(TDTC::Negative, low.falling),
-                         wanted(TDTC::Positive, high.falling) | wanted(TDTC::Negative, high.rising), points);
+    LevelBits atLower;
+    LevelBits atUpper;
+    const CrossingBits low = followLower(block, atLower);
+    if (settings.type == TDTC::Timeout) {
+        advanceTimeout(block, low, points);
+    } else if (settings.type == TDTC::PulseWidth) {
+        advanceStretches(block, {lowerLevel, lowerLevel, low.rising, 0, low.falling},
+                         {lowerLevel, lowerLevel, low.falling, 0, low.rising}, countsFrom, points);
+    } else if (settings.type == TDTC::Transition) {
+        const CrossingBits high = followUpper(block, atUpper);
+        advanceStretches(block, {lowerLevel, upperLevel, low.rising, low.falling, high.rising},
+                         {upperLevel, lowerLevel, high.falling, high.rising, low.falling}, countsFrom, points);
+    } else {
+        const CrossingBits high = followUpper(block, atUpper);
+        advanceStretches(block, {lowerLevel, lowerLevel, low.rising, atUpper.atLeast, low.falling},
+                         {upperLevel, upperLevel, high.falling, atLower.atMost, high.rising}, countsFrom, points);
     }
 }
 
-void TriggerCondition::addCrossings(const Block& block, std::uint64_t atLower, std::uint64_t atUpper,
-                                    TriggerBlockPoints& points) const {
-    forEachBit(atLower | atUpper, [&](int i) {
-        const double low = block.crossing(i, lower.getLevel());
-        const double high = block.crossing(i, upper.getLevel());
-        const bool crossesLower = (atLower >> i & 1) != 0;
-        const bool crossesUpper = (atUpper >> i & 1) != 0;
-        const bool crossesLowerFirst = crossesLower && (!crossesUpper || low <= high);
-        points.add(crossesLowerFirst ? low : high);
-        points.addIf(crossesLower && crossesUpper, crossesLowerFirst ? high : low);
-    });
+BlockCrossings TriggerCondition::advanceBlock(const SampleBlock& block) {
+    LevelBits bits;
+    const CrossingBits low = followLower(block, bits);
+    const std::uint64_t atLower = wanted(TDTC::Positive, low.rising) | wanted(TDTC::Negative, low.falling);
+    if (settings.type == TDTC::Edge) {
+        return {atLower, 0};
+    }
+    const CrossingBits high = followUpper(block, bits);
+    return {atLower, wanted(TDTC::Positive, high.falling) | wanted(TDTC::Negative, high.rising)};
+}
+
+TriggerPoints TriggerCondition::pointsAt(const SampleBlock& block, const BlockCrossings& crossings, int i) const {
+    TriggerPoints points;
+    if ((crossings.atLower >> i & 1) != 0) {
+        points.add(block.crossing(i, lower.getLevel()));
+    }
+    if ((crossings.atUpper >> i & 1) != 0) {
+        points.add(block.crossing(i, upper.getLevel()));
+    }
+    points.sort();
+    return points;
 }
 
 /// A stay ends with the next crossing, whichever way it goes; between crossings no sample needs to be looked at. Most
 /// stays on noise are too short even from the sample before their begin to the one behind their end: then no time is
 /// interpolated.
-void TriggerCondition::advanceTimeout(const Block& block, const CrossingBits& crossings, TriggerBlockPoints& points) {
+void TriggerCondition::advanceTimeout(const SampleBlock& block, const CrossingBits& crossings,
+                                      TriggerBlockPoints& points) {
     const std::uint64_t starts = wanted(TDTC::Positive, crossings.rising) | wanted(TDTC::Negative, crossings.falling);
     const double level = lower.getLevel();
     constexpr int none = -1;
@@ -108,47 +122,76 @@ void TriggerCondition::advanceTimeout(const Block& block, const CrossingBits& cr
     timeoutDeadline = isOver ? infinity : deadline;
 }
 
+/// When the levels are crossed in a block. For many crossings it is quicker to work out all at once.
+class TriggerCondition::BlockTimes {
+public:
+    BlockTimes(const SampleBlock& samples, const std::array<double, 2>& bothLevels, bool hasTwo, bool isForMany)
+        : block(samples), levels(bothLevels), isTable(isForMany) {
+        for (std::size_t level = 0; isTable && level < (hasTwo ? 2 : 1); ++level) {
+            crossingTimes()(block.times, block.values, block.count, levels[level], table[level].data());
+        }
+    }
+    double at(LevelIndex level, int i) const {
+        return isTable ? table[level][static_cast<std::size_t>(i)] : block.crossing(i, levels[level]);
+    }
+
+private:
+    // Options.
+    const SampleBlock& block;
+    std::array<double, 2> levels;
+    bool isTable;
+
+    // Scratch.
+    std::array<std::array<double, blockSamples>, 2> table;
+};
+
+/// Which of the stretches that end at samples of a block last as long as asked for.
+/// start  of the one that began before the block
+std::uint64_t TriggerCondition::lastingEnds(const BlockTimes& times, const StretchBits& at, std::uint64_t ends,
+                                            double start) const {
+    const double minTime = settings.minTime;
+    const double maxTime = settings.maxTime;
+    std::uint64_t lasting = 0;
+    forEachBit(ends, [&](int i) {
+        const int begin = highestBit(at.begins & (~std::uint64_t{0} >> (63 - i)));
+        const double duration = times.at(at.endLevel, i) - (begin < 0 ? start : times.at(at.beginLevel, begin));
+        lasting |= static_cast<std::uint64_t>((duration >= minTime) & (duration <= maxTime)) << i;
+    });
+    return lasting;
+}
+
 /// Stretches upward and downward never end in the same sample: one ends in a crossing upward, the other in one
 /// downward, and between levels out of order no interval has both.
-void TriggerCondition::advanceStretches(const Block& block, const StretchBits& up, const StretchBits& down,
-                                        TriggerBlockPoints& points) {
+void TriggerCondition::advanceStretches(const SampleBlock& block, const StretchBits& up, const StretchBits& down,
+                                        double countsFrom, TriggerBlockPoints& points) {
     const StretchBits* bits[2] = {&up, &down};
     Stretch* stretches[2] = {&upward, &downward};
-    std::uint64_t completed[2];
+    const TDTC::PolarityEnum polarities[2] = {TDTC::Positive, TDTC::Negative};
+    const std::uint64_t counting = block.notBefore(countsFrom);
+    std::uint64_t ends[2];
     bool open[2];
     for (int side = 0; side < 2; ++side) {
         const StretchBits& at = *bits[side];
         const std::uint64_t keeps = ~(at.spoils | at.ends);
         const bool wasOpen = stretches[side]->open;
         const std::uint64_t states = followFlipFlop(at.begins & keeps, keeps, wasOpen);
-        completed[side] = (statesBefore(states, wasOpen) | at.begins) & at.ends & ~at.spoils;
+        const std::uint64_t completed = (statesBefore(states, wasOpen) | at.begins) & at.ends & ~at.spoils;
+        ends[side] = wanted(polarities[side], completed) & counting;
         open[side] = (states >> (block.count - 1) & 1) != 0;
     }
-    const std::uint64_t downCompleted = wanted(TDTC::Negative, completed[1]);
-    const double minTime = settings.minTime;
-    const double maxTime = settings.maxTime;
-    int lastEnd = -1;
-    double lastEndTime = 0.0;
-    const bool endsBegin = up.endLevel == down.beginLevel;  // one pulse ends where the next begins
-    forEachBit(wanted(TDTC::Positive, completed[0]) | downCompleted, [&](int i) {
-        const std::size_t side = downCompleted >> i & 1;
-        const StretchBits& at = *bits[side];
-        const std::uint64_t begins = at.begins & (~std::uint64_t{0} >> (63 - i));
-        double start = stretches[side]->start;
-        if (begins != 0) {
-            const int begin = highestBit(begins);
-            start = endsBegin && begin == lastEnd ? lastEndTime : block.crossing(begin, at.beginLevel);
+    constexpr int few = 8;
+    if (const int count = std::popcount(ends[0] | ends[1]); count > 0) {
+        const BlockTimes times(block, {lower.getLevel(), upper.getLevel()}, usesTwoLevels(), count > few);
+        for (int side = 0; side < 2; ++side) {
+            ends[side] = lastingEnds(times, *bits[side], ends[side], stretches[side]->start);
         }
-        const double end = block.crossing(i, at.endLevel);
-        const double duration = end - start;
-        points.addIf((duration >= minTime) & (duration <= maxTime), end);
-        lastEnd = i;
-        lastEndTime = end;
-    });
+        forEachBit(ends[0] | ends[1], [&](int i) { points.add(times.at(bits[ends[1] >> i & 1]->endLevel, i)); });
+    }
     for (int side = 0; side < 2; ++side) {
         const StretchBits& at = *bits[side];
         if (at.begins != 0) {
-            stretches[side]->start = block.crossing(highestBit(at.begins), at.beginLevel);
+            const double level = at.beginLevel == upperLevel ? upper.getLevel() : lower.getLevel();
+            stretches[side]->start = block.crossing(highestBit(at.begins), level);
         }
         stretches[side]->open = open[side];
     }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <numbers>
 
+#include "CrossingTimes.h"
 #include "TriggerWaveforms.h"
 
 using namespace deckutil;
@@ -149,14 +150,22 @@ TEST(TriggerConditionTest, GapsAreNotCrossed) {
     }
 }
 
-TEST(TriggerConditionTest, BlocksAreComparedWithALevelForEachInstructionSet) {
+TEST(TriggerConditionTest, BlocksAreTakenAlikeWithEachInstructionSet) {
     using dspwavedecks::InstructionSet;
     const LevelBounds bounds{-1.0, 0.0, 2.0};
     for (const InstructionSet set : {InstructionSet::portable, InstructionSet::avx2}) {
         for (std::size_t n = 0; n <= blockSamples && isSupported(set); ++n) {
             std::vector<double> values;
-            for (std::size_t i = 0; i < n; ++i) {
+            std::vector<double> times;
+            for (std::size_t i = 0; i <= n; ++i) {
                 values.push_back(static_cast<double>(i * i % 11) / 2.0 - 2.0);
+                times.push_back(0.1 * static_cast<double>(i));
+            }
+            std::vector<double> crossings(n);
+            crossingTimes(set)(times.data() + 1, values.data() + 1, n, 0.3, crossings.data());
+            for (std::size_t i = 0; i < n; ++i) {
+                EXPECT_EQ(crossings[i], crossingTime(times[i], values[i], times[i + 1], values[i + 1], 0.3)) << i;
+                EXPECT_EQ(countBefore(set)(times.data(), n, times[i]), i);
             }
             const LevelBits bits = levelComparison(set)(values.data(), n, bounds);
             for (std::size_t i = 0; i < blockSamples; ++i) {
