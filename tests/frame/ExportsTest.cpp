@@ -39,6 +39,14 @@ TEST(Exports, carryVersionAndDate) {
     EXPECT_TRUE(date == "unknown" || (date.size() == 20 && date[4] == '-' && date[19] == 'Z')) << date;
 }
 
+TEST(Exports, areFoundByTheirNamesAndKindsAlone) {
+    EXPECT_THROW(StageLibrary("libnosuchdeck.so"), DriverError);
+    EXPECT_THROW((void)stageLibrary().makeFilter("no_such_filter"), DriverError);
+    EXPECT_THROW((void)stageLibrary().makeFilter("dsp_wavedeck_time_data_strategy"), DriverError);
+    EXPECT_THROW((void)stageLibrary().query("malloc"), DriverError);
+    EXPECT_FALSE(stageLibrary().offers("malloc")) << "names of what the library depends on are not its own";
+}
+
 TEST(Exports, makeMessagesOfNoSignals) {
     TestClient client;
     for (const std::string& name : listedNames()) {

@@ -13,7 +13,6 @@ namespace {
 
 using foundation::numbenchdata::Array;
 using foundation::numbenchdata::ArrayFactory;
-using foundation::numbenchdata::ArrayType;
 using foundation::numbenchdata::CharArray;
 using foundation::numbenchdata::InvalidArrayTypeException;
 using foundation::numbenchdata::OptionalString;
@@ -21,34 +20,18 @@ using foundation::numbenchdata::TypedArray;
 using streamplug::interfaces::device::PropertyList;
 using wavedeck::WaveDeckClientRegistry;
 
-template <typename T>
-std::vector<T> walk(const Array& array) {
-    std::vector<T> values;
-    const TypedArray<T> typed(array);
-    for (auto element = typed.begin(); !element.isEqual(typed.end()); element.increment()) {
-        values.push_back(element.getRef());
-    }
-    return values;
-}
-
 TEST(Array, IsReadAsItsOwnKindOnly) {
     const Array doubles = ArrayFactory::createDouble({1.5, -2.0});
-    const Array ints = ArrayFactory::createInt({3});
-    const Array logicals = ArrayFactory::createLogical({true, false, true});
-    const Array text = ArrayFactory::createChar(u"h\u00e9");
     const Array strings = ArrayFactory::createString({u"a", OptionalString()});
-    const Array cells = ArrayFactory::createCell({text, doubles});
-    EXPECT_EQ(walk<double>(doubles), (Values{1.5, -2.0}));
-    EXPECT_TRUE(walk<double>(Array()).empty());
-    EXPECT_EQ(walk<int>(ints), std::vector<int>{3});
-    EXPECT_EQ(walk<bool>(logicals), (std::vector<bool>{true, false, true}));
-    EXPECT_EQ(CharArray(text).toUTF16(), u"h\u00e9");
-    EXPECT_EQ(std::u16string(TypedArray<OptionalString>(strings)[0]), u"a");
+    const Array cells = ArrayFactory::createCell({ArrayFactory::createChar(u"h\u00e9"), doubles});
+    using foundation::numbenchdata::detail::getValue;
+    EXPECT_EQ(CharArray(getValue<Array>(cells, 0)).toUTF16(), u"h\u00e9");
+    EXPECT_EQ(TypedArray<double>(getValue<Array>(cells, 1))[1], -2.0);
+    EXPECT_THROW((void)getValue<Array>(cells, 2), InvalidArrayTypeException);
+    EXPECT_EQ(TypedArray<double>(Array()).getNumberOfElements(), 0U);
     EXPECT_THROW((void)std::u16string(TypedArray<OptionalString>(strings)[1]), InvalidArrayTypeException);
-    EXPECT_EQ(walk<double>(foundation::numbenchdata::detail::getValue<Array>(cells, 1)), walk<double>(doubles));
-    EXPECT_THROW((void)foundation::numbenchdata::detail::getValue<Array>(cells, 2), InvalidArrayTypeException);
     EXPECT_THROW(CharArray{doubles}, InvalidArrayTypeException);
-    EXPECT_THROW(TypedArray<double>{ints}, InvalidArrayTypeException);
+    EXPECT_THROW(TypedArray<int>{doubles}, InvalidArrayTypeException);
     EXPECT_THROW(TypedArray<Array>{strings}, InvalidArrayTypeException);
 }
 
@@ -105,38 +88,25 @@ TEST(Registry, KnowsItsClientsAndTheirAxes) {
     EXPECT_FALSE(wavedeck::WaveDeckStatics::getEnableWaveDecksDiagnostics());
 }
 
-TEST(NbArray, ReadsBackWhatItWasMadeOf) {
-    const auto owned = [](nbArray* array) { return std::shared_ptr<nbArray>(array, nbDestroyArray); };
-    const auto matrix = owned(nbCreateDoubleMatrix(2, 3));
-    nbGetDoubles(matrix.get())[5] = 4.0;
-    EXPECT_EQ(nbGetRows(matrix.get()), 2U);
-    EXPECT_EQ(nbGetColumns(matrix.get()), 3U);
-    EXPECT_EQ(nbGetDoubles(static_cast<const nbArray*>(matrix.get()))[5], 4.0);
-    const auto empty = owned(nbCreateDoubleMatrix(0, 0));
-    EXPECT_EQ(nbGetNumberOfElements(empty.get()), 0U);
-    EXPECT_THROW(nbGetScalar(empty.get()), numbench::Exception);
-    EXPECT_EQ(nbGetScalar(owned(nbCreateLogicalScalar(true)).get()), 1.0);
-    EXPECT_TRUE(nbGetNaN() != nbGetNaN());
-    const auto text = owned(nbCreateString("abc"));
-    EXPECT_EQ(nbArrayToStdString(text.get()), "abc");
-    EXPECT_THROW(nbGetScalar(text.get()), numbench::Exception);
-    EXPECT_THROW(nbArrayToStdString(nullptr), numbench::Exception);
-}
-
-TEST(NbArray, StructuresOwnTheirFields) {
+TEST(NbArray, StructuresOwnTheirFieldsAndRefuseWhatTheyAreNot) {
     const std::size_t dims[] = {1, 2};
     const char* names[] = {"a", "b"};
     nbArray* structure = nbCreateStructArray(2, dims, 2, names);
     EXPECT_EQ(nbGetNumberOfElements(structure), 2U);
-    EXPECT_EQ(nbGetNumberOfFields(structure), 2);
     EXPECT_STREQ(nbGetFieldNameByNumber(structure, 1), "b");
     EXPECT_THROW(nbGetFieldNameByNumber(structure, 2), numbench::Exception);
     nbSetField(structure, 1, "b", nbCreateDoubleScalar(1.0));
-    nbSetField(structure, 1, "b", nbCreateDoubleScalar(2.0));
-    EXPECT_EQ(nbGetScalar(nbGetField(structure, 1, "b")), 2.0);
+    nbSetField(structure, 1, "b", nbCreateDoubleMatrix(2, 3));
+    EXPECT_EQ(nbGetRows(nbGetField(structure, 1, "b")), 2U);
     EXPECT_EQ(nbGetField(structure, 0, "a"), nullptr);
     EXPECT_THROW(nbSetField(structure, 2, "a", nbCreateDoubleScalar(0.0)), numbench::Exception);
     EXPECT_THROW(nbSetField(structure, 0, "c", nbCreateDoubleScalar(0.0)), numbench::Exception);
+    nbSetField(structure, 0, "a", nbCreateDoubleMatrix(0, 0));
+    nbSetField(structure, 0, "b", nbCreateString("abc"));
+    for (const nbArray* wrong : {nbGetField(structure, 0, "a"), nbGetField(structure, 0, "b")}) {
+        EXPECT_THROW(nbGetScalar(wrong), numbench::Exception) << "nothing, and a text";
+    }
+    EXPECT_THROW(nbArrayToStdString(nullptr), numbench::Exception);
     nbDestroyArray(structure);
 }
 

@@ -1,9 +1,7 @@
-#include "Board.h"
 #include "DigitalFilterFrequencyResponseFilter.h"
 #include "MagPhaseResponseFilter.h"
 #include "Test.h"
 #include "TestClient.h"
-#include "streamplug/Exceptions.h"
 
 namespace {
 
@@ -105,20 +103,6 @@ TEST_F(MagPhaseResponse, ShowsThreeScales) {
     }
 }
 
-/// The chain as it stands: what the coefficients' filter puts out is what this one takes.
-TEST_F(MagPhaseResponse, FollowsTheCoefficients) {
-    DigitalFilterFrequencyResponseFilter coefficients;
-    coefficients.tuneImpl(client.setup());
-    Values delay(65, 0.0);
-    delay.back() = 10.0;
-    const Values out = feed(filter, feed(coefficients, delay));
-    ASSERT_EQ(out.size(), 3U * 2048);
-    for (std::size_t k = 0; k < 2048; k += 7) {
-        EXPECT_NEAR(out[2048 + k], 20.0, 1e-12);
-        EXPECT_NEAR(out[4096 + k], std::remainder(-360.0 * 64.0 * out[k] / 44100.0, 360.0), 1e-9);  // wrapped
-    }
-}
-
 TEST_F(MagPhaseResponse, CountsRealSignalsTwiceAlsoAfterASizeChange) {
     TestClient mixed({1, 2}, "mixed");
     mixed->setIsComplex({0, 1});
@@ -132,18 +116,6 @@ TEST_F(MagPhaseResponse, CountsRealSignalsTwiceAlsoAfterASizeChange) {
         filter.tuneImpl(mixed.sizeChange());
     }
     EXPECT_EQ(mixed->channelSizeFactors, (std::vector{1.0, 1.0}));
-}
-
-TEST_F(MagPhaseResponse, PublishesMarksAndSpans) {
-    EXPECT_EQ(board::read<double>(client.board(), MagPhaseResponseFilter::customSpan, -1.0), 0.0);
-    EXPECT_THROW(filter.tuneImpl(TestClient::tune()), streamplug::kit::array::OptionNotFound);
-    filter.tuneImpl(
-        tuneOf(client).addLogicals("magPhaseData", {true, false}).append(optionList("autoSpan=true customSpan=2.5")));
-    filter.tuneImpl(tuneOf(client));
-    EXPECT_EQ(board::read<std::vector<bool>>(client.board(), MagPhaseResponseFilter::magPhaseData),
-              (std::vector{true, false}));
-    EXPECT_TRUE(board::read<bool>(client.board(), MagPhaseResponseFilter::autoSpan));
-    EXPECT_EQ(board::read<double>(client.board(), MagPhaseResponseFilter::customSpan), 2.5);
 }
 
 TEST_F(MagPhaseResponse, TakesOddFramesWithoutReachingOutside) {

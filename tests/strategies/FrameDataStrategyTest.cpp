@@ -12,22 +12,14 @@ TEST(FrameDataStrategy, makesTheMessage) {
     FrameDataStrategy strategy;
     const auto message = update(strategy, client, {{0, 1, 2, 5, nan, 4}, {}, {0, 1, 2, 3, 4, 5, 7, 8, 9}});
     EXPECT_EQ(3u, message->size());
-    EXPECT_TRUE(message->getArray("signals")->isNull(1));
-    const auto signal = at(message, "signals", 0);
-    const auto channel = at(signal, "channel", 0);
-    EXPECT_EQ("[10,11,12]", text(channel, "sample"));
-    EXPECT_EQ(10.0, channel->getValue<double>("offset"));
-    EXPECT_EQ("[5,0,4]", text(channel, "data"));
-    EXPECT_FALSE(channel->getArray("data")->get(1).isInteger());
-    EXPECT_EQ("[1]", text(channel, "NaNIdx"));
-    EXPECT_EQ(7u, channel->size());
-    EXPECT_EQ(5u, signal->size());
-    EXPECT_EQ("[4,inf]", signal->getValue<std::string>("dataMin"));
-    EXPECT_EQ("[5,-inf]", signal->getValue<std::string>("dataMax"));
-    const auto marked = at(message, "signals", 2);
-    EXPECT_EQ("[3,5]", marked->getValue<std::string>("dataMin"));  // the phases begin on the last magnitude
-    EXPECT_EQ("[5,9]", marked->getValue<std::string>("dataMax"));
-    EXPECT_EQ(1, at(marked, "channel", 1)->getValue<int>("subplotNum"));
+    EXPECT_EQ(text(message, "signals"),
+              R"([{"channel":[{"NaNIdx":[1],"data":[5,0,4],"dbid":"db0","id":"id","offset":10,"sample":[10,11,12],)"
+              R"("subplotNum":0}],"dataMax":"[5,-inf]","dataMin":"[4,inf]","id":"id","numChannels":1},null,)"
+              R"({"channel":[{"NaNIdx":[],"data":[3,4,5],"dbid":"db0","id":"id","offset":0,"sample":[0,1,2],)"
+              R"("subplotNum":0},{"NaNIdx":[],"data":[7,8,9],"dbid":"db1","id":"id","offset":0,"sample":[0,1,2],)"
+              // the phases begin on the last magnitude
+              R"("subplotNum":1}],"dataMax":"[5,9]","dataMin":"[3,5]","id":"id","numChannels":2}])");
+    EXPECT_FALSE(at(at(message, "signals", 0), "channel", 0)->getArray("data")->get(1).isInteger());
 }
 
 TEST(FrameDataStrategy, searchesItsLimitsByComparison) {

@@ -27,33 +27,22 @@ TEST(FrequencyDataStrategy, sendsAShortMessageBeforeThereIsASpectrum) {
 TEST(FrequencyDataStrategy, sendsSpectra) {
     TestClient client({2, 1, 1});
     auto& record = publish(client, 3);
-    record.frequencyOffset = {1e6, 2e6, 3e6};
+    record.frequencyOffset = {100, 200, 300};
     FrequencyDataStrategy strategy;
     const auto message = update(strategy, client, {{0, 10, 20, 5, nan, -3, 7, 8, 9}, {}, {0, 10, 20, -infinity, 1, 2}});
     EXPECT_EQ(4u, message->size());
-    EXPECT_TRUE(message->getArray("signals")->isNull(1));
-    const auto signal = at(message, "signals", 0);
-    EXPECT_EQ(7u, signal->size());
-    EXPECT_EQ(2, signal->getValue<int>("numChannels"));
-    EXPECT_EQ(3, signal->getValue<int>("spectrumLength"));
-    EXPECT_EQ(0, signal->getValue<int>("numInterpolationPoints"));
-    EXPECT_EQ("-3", signal->getValue<std::string>("dataMin"));
-    EXPECT_EQ("9", signal->getValue<std::string>("dataMax"));
-    const auto first = at(signal, "channel", 0);
-    EXPECT_EQ(7u, first->size());
-    EXPECT_EQ("[5,0,-3]", text(first, "data"));
-    EXPECT_FALSE(first->getArray("data")->get(1).isInteger());
-    EXPECT_EQ("[1]", text(first, "NaNIdx"));
-    EXPECT_EQ("[0,10,20]", text(first, "frequency"));
-    EXPECT_EQ(1e6, first->getValue<double>("frequencyOffset"));
-    const auto second = at(signal, "channel", 1);
-    EXPECT_EQ("[7,8,9]", text(second, "data"));
-    EXPECT_EQ("db1", second->getValue<std::string>("dbid"));
-    EXPECT_EQ(2e6, second->getValue<double>("frequencyOffset"));
-    EXPECT_EQ(first->getArray("frequency").get(), second->getArray("frequency").get());
-    const auto third = at(message, "signals", 2);
-    EXPECT_EQ("-inf", third->getValue<std::string>("dataMin"));                    // raw values
-    EXPECT_EQ(0.0, at(third, "channel", 0)->getValue<double>("frequencyOffset"));  // the list has no fourth
+    // The limits are those of the raw values; the list of offsets has no fourth.
+    EXPECT_EQ(text(message, "signals"),
+              R"([{"channel":[{"NaNIdx":[1],"data":[5,0,-3],"dbid":"db0","frequency":[0,10,20],"frequencyOffset":100,)"
+              R"("id":"id","subplotNum":0},{"NaNIdx":[],"data":[7,8,9],"dbid":"db1","frequency":[0,10,20],)"
+              R"("frequencyOffset":200,"id":"id","subplotNum":0}],"dataMax":"9","dataMin":"-3","id":"id",)"
+              R"("numChannels":2,"numInterpolationPoints":0,"spectrumLength":3},null,{"channel":[{"NaNIdx":[0],)"
+              R"("data":[0,1,2],"dbid":"db0","frequency":[0,10,20],"frequencyOffset":0,"id":"id","subplotNum":0}],)"
+              R"("dataMax":"2","dataMin":"-inf","id":"id","numChannels":1,"numInterpolationPoints":0,)"
+              R"("spectrumLength":3}])");
+    const auto channels = at(message, "signals", 0)->getArray("channel");
+    EXPECT_FALSE(channels->getObject(0)->getArray("data")->get(1).isInteger());
+    EXPECT_EQ(channels->getObject(0)->getArray("frequency").get(), channels->getObject(1)->getArray("frequency").get());
     EXPECT_EQ(1u, message->getObject("measurements")->size());
     EXPECT_TRUE(message->getObject("measurements")->has("signalAndChannel"));
 }

@@ -14,23 +14,14 @@ TEST(MagPhaseResponseDataStrategy, SendsMagnitudeAndPhaseOfRealAndComplexSignals
     EXPECT_EQ(message->size(), 3U);
     EXPECT_EQ(message->getObject("measurements")->size(), 0U);
     EXPECT_TRUE(message->has("simulation"));
-    for (unsigned index = 0; index < 2; ++index) {
-        const auto signal = at(message, "signals", index);
-        EXPECT_EQ(signal->getValue<int>("numChannels"), 2);
-        EXPECT_EQ(signal->getArray("channel")->size(), 2U);
-        EXPECT_EQ(signal->getValue<std::string>("dataMin"), "[-40,-90]");
-        EXPECT_EQ(signal->getValue<std::string>("dataMax"), "[-3,90]");
-        const auto magnitude = at(signal, "channel", 0);
-        const auto phase = at(signal, "channel", 1);
-        EXPECT_EQ(text(magnitude, "sample"), index == 0 ? "[100,101,102]" : "[0,1,2]");
-        EXPECT_EQ(text(magnitude, "data"), "[-3,-40,-9]");
-        EXPECT_EQ(text(phase, "data"), "[90,0,-90]");
-        EXPECT_EQ(magnitude->getValue<int>("subplotNum"), 0);
-        EXPECT_EQ(phase->getValue<int>("subplotNum"), 1);
-        EXPECT_EQ(magnitude->getValue<std::string>("dbid"), "db0");
-        EXPECT_EQ(phase->getValue<std::string>("dbid"), "db1");
-        EXPECT_EQ(phase->getValue<std::string>("id"), index == 0 ? "low" : "high");
-    }
+    EXPECT_EQ(text(message, "signals"),
+              R"([{"channel":[{"NaNIdx":[],"data":[-3,-40,-9],"dbid":"db0","id":"low","offset":100,)"
+              R"("sample":[100,101,102],"subplotNum":0},{"NaNIdx":[],"data":[90,0,-90],"dbid":"db1","id":"low",)"
+              R"("offset":100,"sample":[100,101,102],"subplotNum":1}],"dataMax":"[-3,90]","dataMin":"[-40,-90]",)"
+              R"("id":"low","numChannels":2},{"channel":[{"NaNIdx":[],"data":[-3,-40,-9],"dbid":"db0","id":"high",)"
+              R"("offset":0,"sample":[0,1,2],"subplotNum":0},{"NaNIdx":[],"data":[90,0,-90],"dbid":"db1","id":"high",)"
+              R"("offset":0,"sample":[0,1,2],"subplotNum":1}],"dataMax":"[-3,90]","dataMin":"[-40,-90]","id":"high",)"
+              R"("numChannels":2}])");
 }
 
 /// The stretch of the phases begins one point early, and an odd count of channels counts one more as magnitudes.

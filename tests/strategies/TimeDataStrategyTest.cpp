@@ -1,6 +1,7 @@
 #include "TimeDataStrategy.h"
 
 #include "MagPhaseFilter.h"
+#include "MeasurementsDataCacheFilter.h"
 #include "StrategyTestSupport.h"
 #include "wavedeck/DataStorageFilterUtils.h"
 #include "wavedeck/WaveDeckStatics.h"
@@ -53,39 +54,23 @@ TEST(TimeDataStrategy, makesTheMessage) {
         {0, 1, 2, 3, /* magnitudes */ 9, 1, nan, 3, /* phases */ 0, infinity, -90, 45}, {}, {0, 1, nan, infinity}};
     const auto message = update(strategy, client, data, {"a", "b", "c"});
     EXPECT_EQ(3u, message->size());
-    ASSERT_EQ(3u, message->getArray("signals")->size());
-    EXPECT_TRUE(message->getArray("signals")->isNull(1));
-    const auto signal = at(message, "signals", 0);
-    EXPECT_EQ(5u, signal->size());
-    EXPECT_EQ("a", signal->getValue<std::string>("id"));
-    EXPECT_EQ(2, signal->getValue<int>("numChannels"));
-    EXPECT_EQ("[1,-90]", signal->getValue<std::string>("dataMin"));
-    EXPECT_EQ("[3,45]", signal->getValue<std::string>("dataMax"));
-    const auto magnitude = at(signal, "channel", 0);
-    EXPECT_EQ(7u, magnitude->size());
-    EXPECT_EQ("[1,0,3]", text(magnitude, "data"));
-    EXPECT_TRUE(magnitude->getArray("data")->get(1).isInteger());
-    EXPECT_EQ("[1]", text(magnitude, "NaNIdx"));
-    EXPECT_EQ("[1,2,3]", text(magnitude, "time"));
-    EXPECT_EQ(magnitude->getArray("time").get(), at(signal, "channel", 1)->getArray("time").get());
-    EXPECT_EQ("db0", magnitude->getValue<std::string>("dbid"));
-    EXPECT_EQ(0.25, magnitude->getValue<double>("timeOffset"));
-    EXPECT_EQ(0, magnitude->getValue<int>("subplotNum"));
-    EXPECT_EQ("[0,-90,45]", text(at(signal, "channel", 1), "data"));
-    EXPECT_EQ(1, at(signal, "channel", 1)->getValue<int>("subplotNum"));
-    const auto unmarked = at(message, "signals", 2);  // no mark counts as none, no range as no range
-    EXPECT_EQ("[inf,inf]", unmarked->getValue<std::string>("dataMin"));
-    EXPECT_EQ("[-inf,-inf]", unmarked->getValue<std::string>("dataMax"));
-    EXPECT_EQ("[0,1]", text(at(unmarked, "channel", 0), "NaNIdx"));
+    const std::string signals = text(message, "signals");
+    // In the last signal no mark counts as none, no range as no range.
+    EXPECT_EQ(signals,
+              R"([{"channel":[{"NaNIdx":[1],"data":[1,0,3],"dbid":"db0","id":"a","subplotNum":0,"time":[1,2,3],)"
+              R"("timeOffset":0.25},{"NaNIdx":[0],"data":[0,-90,45],"dbid":"db1","id":"a","subplotNum":1,)"
+              R"("time":[1,2,3],"timeOffset":0.25}],"dataMax":"[3,45]","dataMin":"[1,-90]","id":"a","numChannels":2},)"
+              R"(null,{"channel":[{"NaNIdx":[0,1],"data":[0,0],"dbid":"db0","id":"c","subplotNum":0,"time":[0,1],)"
+              R"("timeOffset":0}],"dataMax":"[-inf,-inf]","dataMin":"[inf,inf]","id":"c","numChannels":1}])");
+    const auto channels = at(message, "signals", 0)->getArray("channel");
+    EXPECT_TRUE(channels->getObject(0)->getArray("data")->get(1).isInteger());
+    EXPECT_EQ(channels->getObject(0)->getArray("time").get(), channels->getObject(1)->getArray("time").get());
     EXPECT_EQ(0u, message->getObject("measurements")->size());
 
     EXPECT_EQ(0u, update(strategy, client, data, {"", "", ""})->getArray("signals")->size());
-    EXPECT_EQ(2u, message->getArray("signals")->getObject(0)->getArray("channel")->size());  // not written over
-    EXPECT_EQ("[1,0,3]", text(magnitude, "data"));
+    EXPECT_EQ(signals, text(message, "signals"));  // not written over
     client.numChannels = {11, 1, 1};
-    EXPECT_EQ(
-        "db10",
-        at(at(update(strategy, client, {Values(24)}), "signals", 0), "channel", 10)->getValue<std::string>("dbid"));
+    EXPECT_NE(text(update(strategy, client, {Values(24)}), "signals").find("\"db10\""), std::string::npos);
 }
 
 TEST(TimeDataStrategy, attachesWhatIsActive) {
@@ -101,6 +86,14 @@ TEST(TimeDataStrategy, attachesWhatIsActive) {
     EXPECT_TRUE(message->getObject("dataFilterObj")->getValue<bool>("forceLimitBuffer"));
     EXPECT_FALSE(message->getObject("dataFilterObj")->getValue<bool>("startTimeInBufferChanged"));
     EXPECT_EQ("0", message->getObject("measurements")->getObject("stats")->getValue<std::string>("mean"));
+    // The cache of a simulation may meet its limit.
+    MeasurementsDataCache cache;
+    cache.memoryLimitReached = true;
+    client.board().addCustomSetting(MeasurementsDataCacheFilter::measurementsDataCache, cache);
+    EXPECT_FALSE(message->getObject("measurements")->has("isMaximumCacheMemoryUsed"));
+    testsupport::activate(client, "bf_wavedeck_measurements_data_cache_filter");
+    EXPECT_TRUE(
+        update(strategy, client, {{0, 1}})->getObject("measurements")->getValue<bool>("isMaximumCacheMemoryUsed"));
 }
 
 TEST(TimeDataStrategy, countsItsUpdates) {
@@ -117,14 +110,6 @@ TEST(TimeDataStrategy, countsItsUpdates) {
     }
     EXPECT_GT(rate(), 100.0);
     wavedeck::WaveDeckStatics::setEnableWaveDecksDiagnostics(false);
-}
-
-TEST(DataStrategy, asksWhetherSignalsHaveData) {
-    const std::vector<Values> data = {{1}, {}};
-    EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 0));
-    EXPECT_TRUE(DataStrategy::areAllChannelDataValid(data, 1));
-    EXPECT_FALSE(DataStrategy::areAllChannelDataValid(data, 2));
-    EXPECT_FALSE(DataStrategy::isSignalDataValid(data, 2));
 }
 
 }  // namespace

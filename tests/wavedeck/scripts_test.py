@@ -66,6 +66,9 @@ class Scripts(unittest.TestCase):
 
         for text, expected in [
             ("{\n\n \"client\" 1}", "line 3: this is no JSON"),
+            ("[1,\n2", "line 2: "),
+            ("", "line 1: "),
+            ("{\"client\": 1,\n\"client\": 2}", "line 2: the member \"client\" is given twice"),
             ("[]", "line 1: expected an object, found a list"),
             ("{}", "line 1: expected a member \"client\""),
             (script(client={"name": "c"}), "line 2: expected a member \"signals\""),

@@ -70,35 +70,4 @@ TEST(SignalStatisticsFilter, writesTextsForTheClient) {
     }
 }
 
-TEST(SignalStatisticsFilter, hasAnOptionForEachFigure) {
-    TestClient client;
-    const struct {
-        const char* option;
-        double signalStatsStruct::*figure;
-        double expected;
-    } rows[] = {
-        {"showMax", &signalStatsStruct::yMax, 4},
-        {"showMin", &signalStatsStruct::yMin, -4},
-        {"showPeakToPeak", &signalStatsStruct::peakToPeak, 8},
-        {"showMean", &signalStatsStruct::mean, 1},
-        {"showVariance", &signalStatsStruct::variance, 19},
-        {"showStandardDeviation", &signalStatsStruct::variance, 19},
-        {"showMedian", &signalStatsStruct::median, 3},
-        {"showRMS", &signalStatsStruct::meanSquare, 41.0 / 3.0},
-        {"showMeanSquare", &signalStatsStruct::meanSquare, 41.0 / 3.0},
-    };
-    for (const auto& row : rows) {
-        for (const bool isOn : {false, true}) {
-            SignalStatisticsFilter filter;
-            PropertyList list = client.setup();
-            for (const auto& other : rows) {
-                list.addLogical(other.option, isOn && other.option == row.option);
-            }
-            filter.tuneImpl(list);
-            feed(filter, {0, 1, 2, 4, 3, -4});
-            EXPECT_DOUBLE_EQ(isOn ? row.expected : 0.0, read(client).*row.figure) << row.option;
-        }
-    }
-}
-
 }  // namespace

@@ -1,36 +1,19 @@
 #include "TriggerFilter.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
-#include <stdexcept>
-#include <vector>
-
 #include "Board.h"
+#include "Test.h"
 #include "TimeChainRig.h"
 
-namespace dspwavedecks {
 namespace {
-
-using testsupport::feed;
-using testsupport::frameOf;
-using testsupport::PropertyList;
-using testsupport::TestClient;
-using testsupport::timesFrom;
 
 /// A trigger on a client with 0.5 s of span, fed with a square wave of 1 Hz, 100 samples a second.
 struct Trigger {
     explicit Trigger(int channels = 1) : client({channels}) {
         client.board().axesTimeTable.set(0, {0.0, 0.5});
         testsupport::markNothing(client, 0.5);
-        filter.tuneImpl(client.setup()
-                            .addLogical("triggerEnabled", true)
-                            .addChar("mode", "normal")
-                            .addLogical("autoLevel", false)
-                            .addDouble("position", 50)
-                            .addDouble("customSpan", 0.5));
+        filter.tuneImpl(client.setup("triggerEnabled=true mode=normal autoLevel=false position=50 customSpan=0.5"));
     }
+    void tune(const std::string& options) { filter.tuneImpl(TestClient::tune(options)); }
     TriggerFilter::Queue& queue() { return *TriggerFilter::getTriggerEventDataQueue(client.name()); }
     void feedSeconds(int from, int to, std::size_t frameSize = 50) {
         for (long i = from * 100; i < to * 100; i += static_cast<long>(frameSize)) {
@@ -44,7 +27,7 @@ struct Trigger {
 
 TEST(TriggerFilter, queuesTheWindowsOfItsEvents) {
     Trigger trigger;
-    trigger.filter.tuneImpl(TestClient::tune().addDouble("highLevel", 0.75).addDouble("lowLevel", -0.25));
+    trigger.tune("highLevel=0.75 lowLevel=-0.25");
     trigger.feedSeconds(0, 4);
     ASSERT_EQ(trigger.queue().size(), 3u);
     const triggerStruct& event = trigger.queue()[1];
@@ -73,7 +56,7 @@ TEST(TriggerFilter, queuesTheWindowsOfItsEvents) {
     EXPECT_TRUE(trigger.queue().empty());
 
     // A frame without samples asks for the last window again.
-    std::vector<double> out;
+    Values out;
     const double none = 0.0;
     trigger.filter.setInputLength(0);
     trigger.filter.filterImpl(&none, out, 0);
@@ -97,68 +80,66 @@ TEST(TriggerFilter, takesNoFrameWhileTheQueueIsFull) {
 TEST(TriggerFilter, readsModesAndRearm) {
     Trigger trigger;
     EXPECT_FALSE(trigger.client->needsWindowing());
-    trigger.filter.tuneImpl(TestClient::tune().addChar("mode", "once"));
+    trigger.tune("mode=once");
     trigger.feedSeconds(0, 4);
     ASSERT_EQ(trigger.queue().size(), 1u);
     EXPECT_EQ(trigger.queue()[0].mode, 2);
     EXPECT_FALSE(trigger.queue()[0].enableOnceMode);
-    trigger.filter.tuneImpl(TestClient::tune().addLogical("rearm", true));  // without "mode" it is not looked at
-    trigger.filter.tuneImpl(TestClient::tune().addChar("mode", "once"));    // without "rearm" the flag stays
+    trigger.tune("rearm=true");  // without "mode" it is not looked at
+    trigger.tune("mode=once");   // without "rearm" the flag stays
     trigger.feedSeconds(4, 8);
     EXPECT_EQ(trigger.queue().size(), 1u);
-    trigger.filter.tuneImpl(TestClient::tune().addChar("mode", "once").addLogical("rearm", true));
+    trigger.tune("mode=once rearm=true");
     trigger.feedSeconds(8, 12);
     EXPECT_EQ(trigger.queue().size(), 2u);
 
     // Switching off wins over a mode in one list, and switching on again without one leaves it off.
-    trigger.filter.tuneImpl(TestClient::tune().addChar("mode", "normal").addLogical("triggerEnabled", false));
+    trigger.tune("mode=normal triggerEnabled=false");
     EXPECT_FALSE(trigger.filter.isActive());
     EXPECT_TRUE(trigger.client->needsWindowing());
-    trigger.filter.tuneImpl(TestClient::tune().addLogical("triggerEnabled", true));
+    trigger.tune("triggerEnabled=true");
     EXPECT_TRUE(trigger.filter.isActive());
     trigger.feedSeconds(12, 16);
     EXPECT_EQ(trigger.queue().size(), 2u);
-    trigger.filter.tuneImpl(TestClient::tune().addChar("mode", "normal"));
+    trigger.tune("mode=normal");
     trigger.feedSeconds(16, 20);
-    EXPECT_GT(trigger.queue().size(), 2u);
+    const auto before = trigger.queue().size();
+    EXPECT_GT(before, 2u);
+    trigger.tune("mode=once");
+    trigger.feedSeconds(20, 24);
+    EXPECT_EQ(trigger.queue().size(), before + 1) << "another mode has armed it";
 
     trigger.client->setIsDataSourceRepository(true);
-    trigger.filter.tuneImpl(TestClient::tune());
+    trigger.tune("");
     EXPECT_FALSE(trigger.filter.isActive());  // nothing triggers a replay
 }
 
-TEST(TriggerFilter, readsItsWordsAndDurations) {
+// Durations are read together with the type, under the names that the type has. The pulses are 0.5 s long.
+TEST(TriggerFilter, readsDurationsWithTheirType) {
     Trigger trigger;
-    TriggerFilter& filter = trigger.filter;
-    EXPECT_EQ(filter.getModeEnum("once"), 2);
-    EXPECT_EQ(filter.getTypeEnum("transition"), 2);
-    EXPECT_EQ(filter.getPolarityEnum("fall-time"), -1);
-    EXPECT_EQ(filter.getPolarityEnum("inside"), 1);
-    EXPECT_EQ(filter.getTypeEnum("unheard of"), 0);
-
-    EXPECT_THROW(filter.tuneImpl(TestClient::tune().addChar("type", "runt").addChar("minDuration", "long")),
-                 std::invalid_argument);
-    // Durations are read together with the type, under the names that the type has: pulses of 0.5 s.
-    int next = 0;
-    const auto events = [&](PropertyList list) {
+    EXPECT_EQ(trigger.filter.getTypeEnum("unheard of"), 0);
+    EXPECT_THROW(trigger.tune("type=runt minDuration=long"), std::invalid_argument);
+    const struct {
+        const char* options;
+        bool fires;
+    } rows[] = {{"type=pulse-width minPulseWidth=0.4", true},
+                {"type=pulse-width minPulseWidth=0.6", false},
+                {"minPulseWidth=0.4", false},
+                {"type=pulse-width minDuration=0.4", false},
+                {"type=pulse-width minPulseWidth=0", true},
+                {"type=pulse-width maxPulseWidth=0.4", false}};
+    for (int second = 0; const auto& row : rows) {
         trigger.queue().clear();
-        filter.tuneImpl(list.addChar("polarity", "positive"));
-        const int from = next;
-        trigger.feedSeconds(from, from + 4);
-        next += 4;
-        return trigger.queue().size();
-    };
-    EXPECT_GT(events(TestClient::tune().addChar("type", "pulse-width").addChar("minPulseWidth", "0.4")), 0u);
-    EXPECT_EQ(events(TestClient::tune().addChar("type", "pulse-width").addChar("minPulseWidth", "0.6")), 0u);
-    EXPECT_EQ(events(TestClient::tune().addChar("minPulseWidth", "0.4")), 0u);
-    EXPECT_EQ(events(TestClient::tune().addChar("type", "pulse-width").addChar("minDuration", "0.4")), 0u);
-    EXPECT_GT(events(TestClient::tune().addChar("type", "pulse-width").addChar("minPulseWidth", "0")), 0u);
-    EXPECT_EQ(events(TestClient::tune().addChar("type", "pulse-width").addChar("maxPulseWidth", "0.4")), 0u);
+        trigger.tune(std::string("polarity=positive ") + row.options);
+        trigger.feedSeconds(second, second + 4);
+        EXPECT_EQ(!trigger.queue().empty(), row.fires) << row.options;
+        second += 4;
+    }
 }
 
 TEST(TriggerFilter, hasASignalAndChannelOfItsOwn) {
     Trigger trigger;
-    trigger.filter.tuneImpl(TestClient::tune().addInt("measurementChannel", 7).addInt("triggerChannel", 1));
+    trigger.filter.tuneImpl(TestClient::tune("measurementChannel=7").addInt("triggerChannel", 1));
     trigger.feedSeconds(0, 4);  // there is no second channel: the frame is not looked at
     EXPECT_TRUE(trigger.queue().empty());
     trigger.filter.tuneImpl(TestClient::tune().addDouble("triggerChannel", 0.0));
@@ -167,7 +148,7 @@ TEST(TriggerFilter, hasASignalAndChannelOfItsOwn) {
 
     double lastTime = 0.0;
     deckutil::TimeDomainTriggerController engine;
-    const std::vector<double> frame{1, 2, 0, 5};
+    const Values frame{1, 2, 0, 5};
     trigger.filter.setInputLength(frame.size());
     EXPECT_TRUE(trigger.filter.addDataPointsToTrigger(frame.data(), 0, 0, engine, false, 1.0, lastTime));
     EXPECT_EQ(lastTime, 2.0);
@@ -186,4 +167,3 @@ TEST(TriggerFilter, crossesNothingFromOneChannelToAnother) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks
