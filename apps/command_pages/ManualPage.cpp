@@ -65,7 +65,7 @@ done; also when an interrupt or a broken pipe ended it early, with what was meas
 a spectrum failed its mask
 .TP
 .B 2
-the command line or an input could not be used; one line on standard error says what was wrong and where
+the command line or an input could not be used, or an output could not be written; one line on standard error says what was wrong and where
 .SH EXAMPLES
 .TP
 A recording through the time and the spectrum deck, with a report:

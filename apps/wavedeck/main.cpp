@@ -7,25 +7,21 @@
 #include "CommandLine.h"
 #include "PlaySession.h"
 #include "ScriptRunner.h"
+#include "StandardStreams.h"
 #include "StopRequest.h"
-#include "UsageError.h"
 #include "listOptions.h"
 
 namespace {
 
 enum ExitStatus { done = 0, limitFailed = 1, badInput = 2 };
 
-void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
 int execute(const program::PrintCommand& command) {
-    print(command.text);
+    program::StandardStreams::write(command.text);
     return done;
 }
 
 int execute(const program::OptionsCommand& command) {
-    print(program::listOptions(command.stage));
+    program::StandardStreams::write(program::listOptions(command.stage));
     return done;
 }
 
@@ -39,12 +35,16 @@ int execute(const program::PlayCommand& command) {
     session.play();
     const auto report = session.report();
     for (const auto& warning : report.warnings) {
-        std::fprintf(stderr, "wavedeck: warning: %s\n", warning.c_str());
+        program::StandardStreams::complain("warning: " + warning);
     }
     const auto text = command.report == "json" ? program::reportAsJson(report) : program::reportAsText(report);
-    std::fputs(text.c_str(), command.writesToStandardOutput() ? stderr : stdout);
+    if (command.writesToStandardOutput()) {
+        std::fputs(text.c_str(), stderr);
+    } else {
+        program::StandardStreams::write(text);
+    }
     if (!session.fault().empty()) {
-        std::fprintf(stderr, "wavedeck: %s\n", session.fault().c_str());
+        program::StandardStreams::complain(session.fault());
         return badInput;
     }
     return session.limitFailed() ? limitFailed : done;
@@ -53,6 +53,7 @@ int execute(const program::PlayCommand& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    program::StandardStreams::claim();
     program::StopRequest::install();
     try {
         const auto command = program::parseCommandLine(argc, argv);
@@ -62,7 +63,7 @@ int main(int argc, char** argv) {
     } catch (const std::length_error&) {
         std::fputs("wavedeck: what was asked for needs more memory than any machine has\n", stderr);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "wavedeck: %s\n", error.what());
+        program::StandardStreams::complain(error.what());
     }
     return badInput;
 }

@@ -6,20 +6,34 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 namespace program {
 namespace {
 
-volatile std::sig_atomic_t stopRequested = 0;
+// When the first signal came, in nanoseconds of the steady clock; 0: none has.
+std::atomic<std::int64_t> stopTime{0};
+static_assert(std::atomic<std::int64_t>::is_always_lock_free, "signal handlers use it");
 
 // The handler writes a byte here, so that a wait that is just about to begin ends too.
 std::array<int, 2> wakePipe{-1, -1};
 
-void onSignal(int) {
+void onSignal(int number) {
     const int savedErrno = errno;
-    stopRequested = 1;
+    timespec clock{};
+    clock_gettime(CLOCK_MONOTONIC, &clock);
+    const auto now = std::int64_t{clock.tv_sec} * 1'000'000'000 + clock.tv_nsec;
+    // One wish may come twice, to the process and to its group.
+    constexpr std::int64_t sameWish = 500'000'000;
+    std::int64_t first = 0;
+    if (!stopTime.compare_exchange_strong(first, now) && now - first > sameWish) {
+        std::signal(number, SIG_DFL);
+        raise(number);
+    }
     const char byte = 0;
     [[maybe_unused]] const auto written = write(wakePipe[1], &byte, 1);
     errno = savedErrno;
@@ -33,16 +47,14 @@ void StopRequest::install() {
     }
     struct sigaction action {};
     action.sa_handler = onSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
-    action.sa_flags = 0;
     action.sa_handler = SIG_IGN;
     sigaction(SIGPIPE, &action, nullptr);
 }
 
 bool StopRequest::requested() {
-    return stopRequested != 0;
+    return stopTime != 0;
 }
 
 bool StopRequest::waitReadable(int descriptor) {

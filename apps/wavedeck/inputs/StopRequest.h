@@ -5,7 +5,8 @@
 namespace program {
 
 /// The wish to end early: SIGINT or SIGTERM. The first one asks the program to end cleanly with what was measured so
-/// far; a second one ends it at once. SIGPIPE is ignored: a broken pipe shows as a failed write.
+/// far; another one, more than half a second later, ends it at once. SIGPIPE is ignored: a broken pipe shows as a
+/// failed write.
 class StopRequest {
 public:
     /// Takes over the signals; call once, before the first input is opened.

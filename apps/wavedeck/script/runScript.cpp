@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -7,6 +6,7 @@
 
 #include "ScriptRunner.h"
 #include "StageLibraryPath.h"
+#include "StandardStreams.h"
 #include "UsageError.h"
 
 namespace program {
@@ -32,8 +32,7 @@ void runScript(const std::string& path) {
         const wavedeck::driver::StageLibrary library(stageLibraryPath());
         ScriptRunner runner(script, library);
         for (std::size_t step = 0; step < runner.numSteps(); ++step) {
-            const auto line = runner.run(step) + '\n';
-            if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0) {
+            if (!StandardStreams::write(runner.run(step) + '\n')) {
                 return;  // nobody reads the results any more
             }
         }
