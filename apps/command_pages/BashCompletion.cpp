@@ -18,7 +18,7 @@ namespace catalogue = dspwavedecks::catalogue;
 /// What may stand behind an option, by the name that the command line gives its value.
 std::map<std::string, std::string> wordsOfValues() {
     return {{"DECK", program::join(program::deckNames(false), " ")},
-            {"FORMAT", std::string(program::sampleFormatNames())},
+            {"FORMAT", program::join(program::sampleFormats(), " ") + " csv"},
             {"LIST", program::join(program::measureNames(), " ") + " none"},
             {"FORM", "text json"}};
 }

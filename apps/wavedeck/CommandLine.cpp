@@ -8,14 +8,19 @@
 namespace program {
 namespace {
 
+/// Refuses a value that is there and empty, as of a variable of the shell that is not set.
+std::string refuseEmpty(const std::string& text) {
+    return text.empty() ? "is empty" : "";
+}
+
 /// A list option that takes one value each time it is given, so that it cannot swallow the inputs behind it.
 void addRepeated(CLI::App& app, const char* name, std::vector<std::string>& values, const char* meaning,
                  const char* valueName) {
-    app.add_option(name, values, meaning)->type_name(valueName)->allow_extra_args(false);
+    app.add_option(name, values, meaning)->type_name(valueName)->allow_extra_args(false)->check(refuseEmpty);
 }
 
 CLI::Option* addText(CLI::App& app, const char* name, std::string& value, const char* meaning, const char* valueName) {
-    return app.add_option(name, value, meaning)->type_name(valueName);
+    return app.add_option(name, value, meaning)->type_name(valueName)->check(refuseEmpty);
 }
 
 void describePlay(CLI::App& app, PlayCommand& play) {
@@ -23,11 +28,13 @@ void describePlay(CLI::App& app, PlayCommand& play) {
            "INPUT", play.inputs,
            "a sound file, a SigMF recording, a CSV table, raw samples (a file with --format or a telling extension, "
            "or - for standard input), or a test signal gen:NAME?key=value&...")
-        ->required();
+        ->required()
+        ->check(refuseEmpty);
     addText(app, "--format", play.inputOptions.format,
             "raw samples: f32 f64 s8 s16 s32 u8 u16 u32, c before it for complex, _be behind it for big-endian; or csv",
             "FORMAT");
-    addText(app, "--rate", play.inputOptions.rate, "raw samples, tables: sample rate", "HZ");
+    addText(app, "--rate", play.inputOptions.rate,
+            "sample rate of raw samples and tables, of SigMF recordings that tell none, of filters", "HZ");
     addText(app, "--channels", play.inputOptions.channels, "raw samples: channels (1)", "N");
     addText(app, "--scale", play.inputOptions.scale, "multiplies every sample of a file (1)", "FACTOR");
     app.add_flag("--iq", play.inputOptions.isIq, "sound files, tables: takes pairs of channels as I and Q");

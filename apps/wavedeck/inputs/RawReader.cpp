@@ -94,8 +94,8 @@ std::size_t RawReader::read(std::size_t points, std::vector<double>& frame) {
     separate(interleaved_.data(), n, facts_, frame);
     const bool ended = n < points && (source_->ended() || (facts_.length && next_ >= *facts_.length));
     if (ended && rest_ > 0) {
-        note(facts_.name + ": the last " + std::to_string(rest_) + " bytes are part of a sample of " +
-             std::to_string(bytesPerTime_) + " bytes and are left out");
+        note(facts_.name + ": the last " + (rest_ == 1 ? "byte is" : std::to_string(rest_) + " bytes are") +
+             " part of a sample of " + std::to_string(bytesPerTime_) + " bytes and left out");
     }
     return n;
 }

@@ -160,6 +160,20 @@ std::optional<SampleFormat> findSampleFormatOfFile(const std::string& path) {
     return findSampleFormat(usual == usualExtensions.end() ? extension : std::string(usual->second));
 }
 
+std::vector<std::string> sampleFormats() {
+    std::vector<std::string> names;
+    for (const char* order : {"", "_be"}) {
+        for (const char* part : {"", "c"}) {
+            for (const auto& type : numberTypes) {
+                if (*order == '\0' || type.bytes > 1) {
+                    names.push_back(part + std::string(type.name) + order);
+                }
+            }
+        }
+    }
+    return names;
+}
+
 std::string_view sampleFormatNames() {
     return "f32 f64 s8 s16 s32 u8 u16 u32, with c before it for complex samples, with _be behind it for big-endian "
            "ones; csv";

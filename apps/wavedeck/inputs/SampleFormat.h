@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace program {
 
@@ -37,6 +38,9 @@ std::optional<SampleFormat> findSampleFormat(std::string_view name);
 /// The format that the extension of a file stands for, among those that receivers' recordings usually have; nothing
 /// when the extension says nothing about the samples.
 std::optional<SampleFormat> findSampleFormatOfFile(const std::string& path);
+
+/// All names, one by one.
+std::vector<std::string> sampleFormats();
 
 /// All names, for people.
 std::string_view sampleFormatNames();

@@ -21,6 +21,14 @@ namespace {
 constexpr std::string_view generated = "gen:";
 constexpr std::string_view tableFormat = "csv";
 
+/// Whether the file has that extension, in letters of any size.
+bool hasExtension(const std::string& path, std::string_view extension) {
+    return path.size() > extension.size() &&
+           std::equal(extension.rbegin(), extension.rend(), path.rbegin(), [](char lower, char c) {
+               return c == lower || (c >= 'A' && c <= 'Z' && c - 'A' + 'a' == lower);
+           });
+}
+
 enum class InputKind { TestSignal, Raw, Table, Sigmf, Sound };
 
 InputKind kindOf(const std::string& input, const InputOptions& options) {
@@ -33,7 +41,7 @@ InputKind kindOf(const std::string& input, const InputOptions& options) {
     if (isSigmf(input)) {
         return InputKind::Sigmf;
     }
-    if (input.ends_with(".csv") || input.ends_with(".CSV") || input.ends_with(".tsv")) {
+    if (hasExtension(input, ".csv") || hasExtension(input, ".tsv")) {
         return InputKind::Table;
     }
     return findSampleFormatOfFile(input) ? InputKind::Raw : InputKind::Sound;
@@ -142,7 +150,29 @@ std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOpt
     return std::make_unique<ExcerptReader>(std::move(whole), seek, duration, options.loop);
 }
 
+void refuseInputOptions(const InputOptions& options, const std::string& why) {
+    const std::pair<const char*, bool> given[] = {
+        {"--format", !options.format.empty()},
+        {"--channels", !options.channels.empty()},
+        {"--scale", !options.scale.empty()},
+        {"--center", !options.center.empty()},
+        {"--iq", options.isIq},
+        {"--seek", !options.seek.empty()},
+        {"--loop", options.loop},
+        {"--duration", !options.duration.empty()},
+        {"--verify", options.verify},
+    };
+    for (const auto& [name, isGiven] : given) {
+        if (isGiven) {
+            throw UsageError(name + (": " + why));
+        }
+    }
+}
+
 void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOptions& options) {
+    if (std::count(inputs.begin(), inputs.end(), "-") > 1) {
+        throw UsageError("standard input is given twice");
+    }
     const auto any = [&](std::initializer_list<InputKind> kinds) {
         return std::any_of(inputs.begin(), inputs.end(), [&](const std::string& input) {
             return std::find(kinds.begin(), kinds.end(), kindOf(input, options)) != kinds.end();

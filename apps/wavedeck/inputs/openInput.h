@@ -27,7 +27,11 @@ struct InputOptions {
 /// sound file. Throws UsageError.
 std::unique_ptr<SignalReader> openInput(const std::string& input, const InputOptions& options);
 
-/// Throws UsageError when an option is given that none of the inputs has a use for.
+/// Throws UsageError when any of the options but --rate is given, saying why there is no use for it.
+void refuseInputOptions(const InputOptions& options, const std::string& why);
+
+/// Throws UsageError when an option is given that none of the inputs has a use for, or standard input is to be two of
+/// them.
 void refuseIdleOptions(const std::vector<std::string>& inputs, const InputOptions& options);
 
 }  // namespace program

@@ -82,13 +82,21 @@ const Deck& findDeck(std::string_view name, bool blockflow) {
         return entry.name == name && isBlockflow(entry.kind) == blockflow;
     });
     if (deck == decks.end()) {
-        throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(deckNames(blockflow), " "));
+        throw UsageError("--deck: `" + std::string(name) + "` is none of " + join(deckNames(blockflow), " ") +
+                         (blockflow ? ", the decks of --blockflow" : ""));
     }
     return *deck;
 }
 
 std::vector<std::string> defaultDecks() {
     return {"time", "spectrum"};
+}
+
+TracesTarget splitTraces(const std::string& text) {
+    const auto equals = text.find('=');
+    const auto name = text.substr(0, equals);
+    const bool isDeck = std::any_of(decks.begin(), decks.end(), [&](const Deck& entry) { return entry.name == name; });
+    return equals != std::string::npos && isDeck ? TracesTarget{name, text.substr(equals + 1)} : TracesTarget{"", text};
 }
 
 }  // namespace program

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,5 +26,12 @@ const Deck& findDeck(std::string_view name, bool blockflow);
 
 /// Names of the decks that are played when none is chosen.
 std::vector<std::string> defaultDecks();
+
+/// The deck and the path of `--traces [DECK=]PATH`; no deck where what stands before an equals sign is no name of one.
+struct TracesTarget {
+    std::string deck;
+    std::string path;
+};
+TracesTarget splitTraces(const std::string& text);
 
 }  // namespace program

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "BoardRecord.h"
+#include "Deck.h"
 #include "DeckPresets.h"
 #include "DeckTraces.h"
 #include "EngineeringNumber.h"
@@ -71,16 +72,18 @@ Exports::Exports(const PlayCommand& command, const std::vector<std::unique_ptr<D
 }
 
 void Exports::prepareTraces(const std::string& text, const std::vector<std::unique_ptr<DeckSession>>& decks) {
-    const auto name = text.substr(0, text.find('='));
-    const auto named = std::find_if(decks.begin(), decks.end(), [&](const auto& deck) { return deck->name() == name; });
-    if (named != decks.end() && name.size() < text.size()) {
-        traces_.push_back({named->get(), text.substr(name.size() + 1), {}});
+    const auto [name, path] = splitTraces(text);
+    const auto named =
+        std::find_if(decks.begin(), decks.end(), [&wanted = name](const auto& deck) { return deck->name() == wanted; });
+    if (named != decks.end()) {
+        traces_.push_back({named->get(), path, {}});
+    } else if (!name.empty()) {
+        throw UsageError("--traces " + text + ": the deck `" + name + "` is not played");
     } else if (spectrum_ != nullptr || decks.size() == 1) {
-        traces_.push_back({spectrum_ != nullptr ? spectrum_ : decks.front().get(), text, {}});
+        traces_.push_back({spectrum_ != nullptr ? spectrum_ : decks.front().get(), path, {}});
     } else {
         throw UsageError("--traces: say of which deck, DECK=FILE");
     }
-    const auto& path = traces_.back().path;
     if (path.empty()) {
         throw UsageError("--traces " + text + ": names no file");
     }

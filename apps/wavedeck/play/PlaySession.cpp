@@ -87,6 +87,7 @@ void PlaySession::openCoefficients(const PlayCommand& command) {
     if (command.decks.size() > 1 || command.inputs.size() > 1) {
         throw UsageError("--deck response: takes one file of coefficients and no other deck beside it");
     }
+    refuseInputOptions(command.inputOptions, "of no use to --deck response, which takes coefficients");
     constexpr double usualRate = 44100.0;
     const auto& rate = command.inputOptions.rate;
     inputs_.push_back(std::make_unique<CoefficientReader>(

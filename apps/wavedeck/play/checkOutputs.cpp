@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Deck.h"
 #include "UsageError.h"
 #include "openSigmf.h"
 
@@ -19,7 +20,7 @@ std::vector<Output> outputsOf(const PlayCommand& command) {
     std::vector<Output> outputs{
         {"--messages", command.messages}, {"--sweep", command.sweep}, {"--annotations", command.annotations}};
     for (const auto& text : command.traces) {
-        outputs.emplace_back("--traces", text.substr(text.find('=') + 1));
+        outputs.emplace_back("--traces", splitTraces(text).path);
     }
     std::erase_if(outputs, [](const Output& output) { return output.second.empty(); });
     return outputs;
