@@ -88,13 +88,25 @@ std::string spectrumUnit(std::string_view word) {
     return found == units.end() ? "" : std::string(found->second);
 }
 
+/// The resolution bandwidth that the options ask for, or what they ask for in its place.
+std::string requestedRBW(const DeckSettings& settings, std::string_view estimator) {
+    if (settings.has(estimator, "inputPortRBW") && settings.value(estimator, "inputPortRBW") == "true") {
+        return "by the input port";
+    }
+    if (const auto method = settings.value(estimator, "frequencyResolutionMethod"); method != "rbw") {
+        return "by " + method;
+    }
+    return settings.value(estimator, "autoRBW") == "true"
+               ? "automatic"
+               : formatQuantity(*parseNumber(settings.value(estimator, "rbw")), "Hz");
+}
+
 void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings& settings, ReportSection& section) {
     const auto* record = findRecord<dspwavedecks::spectrumEstimatorMetaDataStruct>(board, "spectrumEstimatorMetaData");
     if (record == nullptr || record->frequencyVector.empty()) {
         return;
     }
     const auto estimator = estimatorStage(settings);
-    const bool automatic = settings.value(estimator, "autoRBW") == "true";
     section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed});
     const double offset = record->frequencyOffset.empty() ? 0.0 : record->frequencyOffset.front();
     section.add({"start", "from", record->frequencyVector.front() + offset, "Hz"});
@@ -103,9 +115,7 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
     section.add({"type", "type", settings.value(estimator, "spectrumType")});
     section.add({"units", "unit", levelUnit(settings)});
     section.add({"referenceLoad", "reference load", *parseNumber(settings.value(estimator, "referenceLoad")), "ohm"});
-    section.add(
-        {"requestedRBW", "RBW asked for",
-         automatic ? std::string("automatic") : formatQuantity(*parseNumber(settings.value(estimator, "rbw")), "Hz")});
+    section.add({"requestedRBW", "RBW asked for", requestedRBW(settings, estimator)});
     section.add({"rbw", "RBW", record->transientRBW, "Hz"}).add({"enbw", "ENBW", record->enbw, "bins"});
     const bool welch = settings.value(estimator, "method") == "welch";
     section.add({"method", "method", settings.value(estimator, "method")});
