@@ -162,6 +162,7 @@ class InstalledTree(unittest.TestCase):
         self.assertEqual(completed("pl"), ["play"])
         self.assertEqual(completed("play", "--dec"), ["--deck"])
         self.assertEqual(completed("play", "--measure", "stats,pea"), ["stats,peaks"])
+        self.assertEqual(completed("play", "--format", "cs1"), ["cs16", "cs16_be"])
         self.assertEqual(completed("play", "gen", ":", "mult"), ["multitone"])
         self.assertEqual(completed("play", "--set", "trigger_filter.hyst"), ["trigger_filter.hysteresis="])
         self.assertIn("trigger_filter", completed("options", "tr"))

@@ -101,6 +101,12 @@ class BadInput(Folder):
             ([tone, "--deck", "response", "--deck", "time"], "takes one file of coefficients"),
             ([self.path("taps", b"0.5\n\n0.5x\n"), "--deck", "response"], "taps: line 3: expected one coefficient"),
             ([self.path("none", b"# none\n"), "--deck", "response"], "holds no coefficients"),
+            ([tone, "--deck", "response", "--iq"], "--iq: of no use to --deck response"),
+            ([tone, "--traces", "response=x"], "the deck `response` is not played"),
+            (["-", "-", "--format", "f32", "--rate", "5"], "standard input is given twice"),
+            ([tone, "--set", "centerFrequency=25k"], "centerFrequency: 25 kHz does not lie within 0 Hz to 24 kHz"),
+            ([tone, "--seek", ""], "--seek: is empty"),
+            (["a\nb\x1b.wav"], "a?b?.wav: No such file"),
             ([tone, "--frobnicate"], "--frobnicate"),
         ]:
             with self.subTest(arguments=arguments):
@@ -131,6 +137,17 @@ class BadInput(Folder):
         if not os.path.exists("/dev/full"):
             self.skipTest("no /dev/full")
         self.check(["gen:tone?duration=1", "--messages", "/dev/full"], "No space left")
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run([PROGRAM, "options"], stdout=full, stderr=subprocess.PIPE, check=False)
+        self.assertEqual((run.returncode, b"standard output: No space left" in run.stderr), (2, True))
+
+    def test_closed_streams_lend_their_place_to_no_file(self):
+        samples = self.path("samples", b"\0" * 800)
+        messages = os.path.join(self.folder, "messages")
+        shell = 'exec "$0" play "$1" --format f32 --rate 1k --deck time --messages "$2" <&- >&-'
+        run = subprocess.run(["sh", "-c", shell, PROGRAM, samples, messages], stderr=subprocess.PIPE, check=False)
+        self.assertEqual((run.returncode, run.stderr), (2, b"wavedeck: standard output: Bad file descriptor\n"))
+        self.assertEqual({line["client"] for line in messages_of(messages)}, {"time"})
 
 
 class Results(Folder):
@@ -200,6 +217,23 @@ class Results(Folder):
         self.assertNotIn("median", stats)
         self.assertIn("variance", stats)
         self.assertEqual(stats["measured"], "signal 0, channel 1")
+
+    def test_a_value_that_is_set_counts(self):
+        for settings, figure, expected in [
+            (["rbw=100"], "rbw", 100), (["windowLength=500"], "segmentLength", 500), (["span=2k"], "rbw", 2e3 / 1024),
+            (["startFrequency=1k"], "rbw", 23e3 / 1024), (["stopFrequency=5k"], "rbw", 5e3 / 1024),
+            (["centerFrequency=1k"], "rbw", 2e3 / 1024), (["spectralAverages=7"], "averages", 7),
+            (["rbw=100", "autoRBW=true"], "rbw", 24e3 / 1024), (["upperMask=-99"], "mask", False),
+        ]:
+            with self.subTest(settings=settings):
+                sets = [word for setting in settings for word in ("--set", setting)]
+                _, report = report_of("gen:tone?duration=1&rate=48k", "--deck", "spectrum", "--measure", "mask", *sets)
+                found = report["decks"][0][figure]
+                if figure == "mask":
+                    self.assertEqual(found["passing"], expected)
+                else:
+                    value = found["value"] if isinstance(found, dict) else found
+                    self.assertAlmostEqual(value, expected, delta=1e-3 * expected)
 
     def test_messages_hold_every_sample_and_every_gap(self):
         values = [0.5, math.nan, -2.0, math.inf]
@@ -363,6 +397,8 @@ class EarlyEnds(Folder):
                                        stderr=subprocess.PIPE)
                 time.sleep(0.5)
                 run.send_signal(signal.SIGINT)
+                time.sleep(0.01)
+                run.send_signal(signal.SIGINT)  # the same wish, as it may also come to the group of the process
                 # Standard input stays open: the wait for samples itself must end.
                 output = run.stdout.read()
                 self.assertEqual((run.wait(10), run.stderr.read()[:8]), (0, b"" if "gen" in source[0] else b"wavedeck"))

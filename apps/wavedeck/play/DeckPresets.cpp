@@ -9,6 +9,7 @@
 #include "EngineeringNumber.h"
 #include "TextLists.h"
 #include "UsageError.h"
+#include "impliedOptions.h"
 
 namespace program {
 namespace {
@@ -222,6 +223,8 @@ void applySpectrumPresets(const SessionFacts& session, DeckSettings& settings) {
     }
     presetEstimator(facts, 1.0 / sampleTime, settings);
     const double rate = *parseNumber(settings.value(estimator, "sampleRate"));
+    presetFrequencySpan(settings.value(estimator, "frequencyRange") == "centered" ? -rate / 2.0 : 0.0, rate / 2.0,
+                        settings);
     const auto range = shownRange(settings, rate);
     linkUnits(settings);
     linkOffsets(facts, settings);
@@ -278,6 +281,7 @@ void markInputPorts(const DeckSettings& settings, SessionFacts& facts) {
 
 void applyPresets(const Deck& deck, const SessionFacts& facts, DeckSettings& settings) {
     using wavedeck::driver::ChainKind;
+    presetImpliedOptions(settings);
     if (deck.kind == ChainKind::Spectrum || deck.kind == ChainKind::BlockflowSpectrum) {
         applySpectrumPresets(facts, settings);
     } else if (deck.kind == ChainKind::Time) {

@@ -67,6 +67,15 @@ void DeckSettings::preset(std::string_view stage, std::string_view option, const
     }
 }
 
+bool DeckSettings::isChosen(std::string_view stage, std::string_view option) const {
+    const auto settings = settings_.find(stage);
+    if (settings == settings_.end()) {
+        return false;
+    }
+    const auto setting = settings->second.find(option);
+    return setting != settings->second.end() && setting->second.chosen;
+}
+
 std::string DeckSettings::value(std::string_view stage, std::string_view option) const {
     if (const auto settings = settings_.find(stage); settings != settings_.end()) {
         if (const auto setting = settings->second.find(option); setting != settings->second.end()) {

@@ -27,6 +27,9 @@ public:
     /// Stores the program's own value, unless a person has chosen one.
     void preset(std::string_view stage, std::string_view option, const std::string& text);
 
+    /// Whether a person has chosen the option's value.
+    bool isChosen(std::string_view stage, std::string_view option) const;
+
     /// The text in force: chosen, preset, or the stage's default.
     std::string value(std::string_view stage, std::string_view option) const;
 
