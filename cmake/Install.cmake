@@ -32,7 +32,7 @@ endif()" COMPONENT Runtime)
 # Documents
 
 install(FILES README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
 install(FILES cmake/package/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Runtime)
 install(FILES cmake/package/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}-dev COMPONENT Development)
 # Terms of the header libraries that are compiled in, as the packages tell them from which they came.

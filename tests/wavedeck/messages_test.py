@@ -11,6 +11,9 @@ import unittest
 import jsonschema
 import websocket
 
+sys.dont_write_bytecode = True
+import message_fields  # noqa: E402
+
 PROGRAM = sys.argv.pop(1)
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
 
@@ -50,6 +53,8 @@ class Messages(unittest.TestCase):
 
     def test_the_schema_is_one(self):
         jsonschema.Draft202012Validator.check_schema(SCHEMA)
+        with open(os.path.join(ROOT, "docs", "message-fields.md"), encoding="utf-8") as page:
+            self.assertEqual(page.read(), message_fields.page(SCHEMA), "message_fields.py writes the page anew")
 
     def test_every_deck(self):
         short = ["--frame", "256", "--updates", "5"]

@@ -38,7 +38,10 @@ constexpr Definition definitions[] = {
     {"deck", "enbw", "equivalent noise bandwidth of the window: N sum(w^2) / (sum w)^2"},
     {"deck", "segmentLength", "samples of one windowed segment"},
     {"deck", "fftLength", "points of the transform of a segment"},
-    {"deck", "averages", "spectra whose plain mean scatters as the average in use does"},
+    {"deck", "averages",
+     "spectra whose plain mean scatters as the average in use does: 2 / (1 - forgetting factor) - 1, rounded up (100 "
+     "for "
+     "a factor of 1)"},
     {"deck", "vbw", "video bandwidth: that of a filter along time which averages as much"},
     {"deck", "wholeSegments", "whether segments have the length that the resolution bandwidth asks for"},
     {"deck", "noiseFloors.signal", "input, counted from 0"},

@@ -200,10 +200,18 @@ def spectrum_figures():
         choice = "--set window=" + window
         rows.append((f"ENBW, {window}", "enbw", "bins", enbw, "1 + sum a_i^2 / 2 a_0^2", *ROUND, choice))
         rows.append((f"RBW, {window}", "rbw", "Hz", enbw * BIN, "ENBW bin", *FINE, choice))
+    by_rbw = "--set frequencyResolutionMethod=rbw --set rbw=20"
     floor = 0.01 * RBW / (RATE / 2) * (1 - 1 / (3 * AVERAGES))
     rows += [("first bin", "start", "Hz", 0, "one-sided", *EXACT),
              ("last bin", "stop", "Hz", RATE / 2, "rate / 2", *EXACT),
              ("span", "span", "Hz", RATE / 2, "rate / 2", *EXACT),
+             ("segment length", "segmentLength", "", 1024, "as told", *EXACT),
+             ("FFT length", "fftLength", "", 1024, "segment length", *EXACT),
+             ("segment length, RBW of 20 Hz", "segmentLength", "", 768, "ENBW rate / RBW", *EXACT, by_rbw),
+             ("FFT length, RBW of 20 Hz", "fftLength", "", 1024, "1024 at least", *EXACT, by_rbw),
+             ("averages", "averages", "", AVERAGES, "K", *EXACT),
+             ("averages, g = 3/4", "averages", "", 7, "2 / (1 - g) - 1", *EXACT,
+              "--set averagingMethod=exponential --set forgettingFactor=0.75"),
              ("VBW", "vbw", "Hz", 2 / (AVERAGES - 1) * BIN / (2 * PI), "(1 - g) bin / 2 pi g, g = (K - 1) / (K + 1)",
               *ROUND),
              ("noise floor", "noiseFloors.0.level", "dBm", db(floor) + 30, "s^2 RBW / (rate / 2), median of K",
