@@ -51,6 +51,26 @@ std::vector<int> readInts(const ScriptValue& value) {
     return numbers;
 }
 
+/// Windows in the place of those of the trigger engine: start and end of each, NaN for none.
+std::vector<double> readWindows(const ScriptValue& engine) {
+    static constexpr std::array<std::string_view, 1> members{"windows"};
+    engine.allowOnly(members);
+    std::vector<double> bounds;
+    for (const auto& window : engine.require("windows").list("a list of windows")) {
+        if (window.isNull()) {
+            bounds.resize(bounds.size() + 2, std::numeric_limits<double>::quiet_NaN());
+            continue;
+        }
+        constexpr auto expected = "a window [start, end], or null";
+        if (window.list(expected).size() != 2) {
+            window.refuse(expected);
+        }
+        bounds.push_back(window.list()[0].number());
+        bounds.push_back(window.list()[1].number());
+    }
+    return bounds;
+}
+
 PropertyList optionsOf(const ScriptValue& step) {
     const auto* options = step.find("options");
     return options == nullptr ? PropertyList() : readScriptOptions(*options);
@@ -84,11 +104,19 @@ ScriptRunner::ScriptRunner(const ScriptValue& script, const wavedeck::driver::St
 }
 
 void ScriptRunner::makeChain(const ScriptValue& script) {
-    static constexpr std::array<std::string_view, 3> members{"stage", "options", "note"};
+    static constexpr std::array<std::string_view, 4> members{"stage", "options", "engine", "note"};
     for (const auto& entry : script.require("chain").list()) {
         entry.allowOnly(members);
         const auto& name = readFactory(entry.require("stage"), "_filter", library_);
         client_->addStage(name, library_.makeFilter(name), optionsOf(entry));
+        if (const auto* engine = entry.find("engine")) {
+            if (!name.ends_with("trigger_filter")) {
+                engine->refuse("no engine, which only a trigger filter has");
+            }
+            client_->withInfo([bounds = readWindows(*engine)](wavedeck::WaveDeckClientInfo& info) {
+                info.getClientSettings().addCustomSetting("triggerEngineWindows", bounds);
+            });
+        }
     }
     const auto& strategy = script.require("strategy").text();
     client_->setStrategy(strategy, library_.makeStrategy(strategy));

@@ -68,13 +68,22 @@ void TriggerFilter::filterImpl(const double* data, std::vector<double>&, int sig
     }
     double start = 0.0;
     double end = 0.0;
-    if (points != 0) {
+    requestWindow(points != 0, lastTime, timeRange, start, end);
+    if (std::isfinite(start) && std::isfinite(end)) {
+        takeEvent(*queue, start, end);
+    }
+}
+
+void TriggerFilter::requestWindow(bool anySamples, double lastTime, double timeRange, double& start, double& end) {
+    if (given) {
+        anySamples ? given->takeNext(start, end) : given->getLast(start, end);
+        if (controller->getMode() == tdtc::Once && std::isfinite(start)) {
+            controller->setEnableOnceMode(false);  // as the engine does when it hands a window out
+        }
+    } else if (anySamples) {
         controller->getTriggerWindow(0.0, lastTime, timeRange, needToFlushQueue(lastTime), start, end);
     } else {
         controller->getLastTriggerWindow(start, end);
-    }
-    if (std::isfinite(start) && std::isfinite(end)) {
-        takeEvent(*queue, start, end);
     }
 }
 
@@ -120,6 +129,9 @@ bool TriggerFilter::addDataPointsToTrigger(const double* data, const unsigned lo
 void TriggerFilter::setPropertiesOnSetup(const PropertyList& list) {
     BaseFilter::setPropertiesOnSetup(list);
     setPropertiesImpl(list);
+    const std::lock_guard lock(mMutex);
+    const auto* bounds = board::find<std::vector<double>>(getBoard(), givenWindows);
+    given = bounds == nullptr ? std::nullopt : std::optional<GivenTriggerWindows>(*bounds);
 }
 
 void TriggerFilter::setMode(const std::string& word, const PropertyList& list) {

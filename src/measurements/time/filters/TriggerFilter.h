@@ -7,9 +7,11 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "BaseFilter.h"
+#include "GivenTriggerWindows.h"
 #include "TimeDomainTriggerController.h"
 #include "triggerStruct.h"
 
@@ -62,17 +64,22 @@ public:
                                                            const bool& clearQueue);
 
     inline static const std::string trigger = "trigger";
+    /// A list of start and end times under this key takes the engine's place from the next setup on
+    /// (GivenTriggerWindows).
+    inline static const std::string givenWindows = "triggerEngineWindows";
     inline static std::mutex mMutex;
 
 private:
     void beginGap();
     void feed(const double* data, unsigned long points, unsigned long channel, double timeRange,
               deckutil::TimeDomainTriggerController& engine, double& lastTime) const;
+    void requestWindow(bool anySamples, double lastTime, double timeRange, double& start, double& end);
     void takeEvent(Queue& queue, double start, double end) const;
     void setMode(const std::string& word, const PropertyList& list);
     void setTypeAndDurations(const std::string& word, const PropertyList& list);
 
     std::unique_ptr<deckutil::TimeDomainTriggerController> controller;
+    std::optional<GivenTriggerWindows> given;
 
     // Options.
     unsigned long maxQueueSize = 1000;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace dspwavedecks {
+
+/// Windows that take the place of those that the trigger engine finds, one a request, so that what the filter does with
+/// them can be seen by itself.
+class GivenTriggerWindows {
+public:
+    /// bounds  start and end of each window in turn, s; NaN for a request without one
+    explicit GivenTriggerWindows(std::vector<double> bounds) : bounds_(std::move(bounds)) {}
+
+    /// The window that is next; NaN for both ends when all have been given out.
+    void takeNext(double& start, double& end) {
+        constexpr double none = std::numeric_limits<double>::quiet_NaN();
+        const bool anyLeft = next_ + 2 <= bounds_.size();
+        last_ = anyLeft ? std::pair(bounds_[next_], bounds_[next_ + 1]) : std::pair(none, none);
+        next_ += anyLeft ? 2 : 0;
+        std::tie(start, end) = last_;
+    }
+
+    /// The window given out last; NaN before the first.
+    void getLast(double& start, double& end) const { std::tie(start, end) = last_; }
+
+private:
+    // Options.
+    std::vector<double> bounds_;
+
+    // State.
+    std::size_t next_ = 0;  ///< bounds given out
+    std::pair<double, double> last_{std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
+};
+
+}  // namespace dspwavedecks
