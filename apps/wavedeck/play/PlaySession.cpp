@@ -198,13 +198,13 @@ void PlaySession::playInputs() {
     while (!readerGone_ && !StopRequest::requested()) {
         if (hasToShow() && !isFrameDue(begin)) {
             show();
-        } else if (!readFrameIfGood() || (speed_ && !StopRequest::sleepUntil(dueTime(samples_, begin)))) {
+        } else if (!readFrameIfGood() || (speed_ && !StopRequest::sleepUntil(dueTime(played(), begin)))) {
             break;
         } else {
             feed();
         }
         plans.step();
-        progress.show(static_cast<double>(samples_) / inputs_.front()->facts().sampleRate, whole);
+        progress.show(played(), whole);
     }
     for (const auto& deck : decks_) {
         deck->endInput();
@@ -228,7 +228,8 @@ bool PlaySession::hasToShow() const {
 bool PlaySession::isFrameDue(Clock::time_point begin) const {
     // Without a clock to keep up with, a simulation waits for its display.
     const bool anyHeld = std::any_of(decks_.begin(), decks_.end(), [](const auto& deck) { return deck->isHeld(); });
-    return speed_ && !anyHeld && Clock::now() >= dueTime(samples_ + frameSize_, begin);
+    const double frame = static_cast<double>(frameSize_) / inputs_.front()->facts().sampleRate;
+    return speed_ && !anyHeld && Clock::now() >= dueTime(played() + frame, begin);
 }
 
 void PlaySession::show() {
@@ -334,12 +335,19 @@ void PlaySession::send(DeckSession& deck) {
     }
 }
 
-PlaySession::Clock::time_point PlaySession::dueTime(std::uint64_t samples, Clock::time_point begin) const {
-    const double seconds = static_cast<double>(samples) / inputs_.front()->facts().sampleRate / *speed_;
+PlaySession::Clock::time_point PlaySession::dueTime(double seconds, Clock::time_point begin) const {
     // Slow speeds reach farther than the clock counts.
     constexpr double farthest = 1e9;
-    return begin +
-           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::min(seconds, farthest)));
+    return begin + std::chrono::duration_cast<Clock::duration>(
+                       std::chrono::duration<double>(std::min(seconds / *speed_, farthest)));
+}
+
+double PlaySession::played() const {
+    double longest = 0.0;
+    for (std::size_t i = 0; i < inputs_.size(); ++i) {
+        longest = std::max(longest, static_cast<double>(summaries_[i].samples()) / inputs_[i]->facts().sampleRate);
+    }
+    return longest;
 }
 
 std::optional<double> PlaySession::duration() const {

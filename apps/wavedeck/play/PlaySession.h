@@ -71,8 +71,10 @@ private:
     void send(DeckSession& deck);
     /// Keeps the display up after the end of the input until a stop is asked for.
     void serveOn();
-    /// When so many samples of the first input are over at the speed that was asked for.
-    Clock::time_point dueTime(std::uint64_t samples, Clock::time_point begin) const;
+    /// When so many seconds of the inputs are over at the speed that was asked for.
+    Clock::time_point dueTime(double seconds, Clock::time_point begin) const;
+    /// Seconds that were played of the input of which most was.
+    double played() const;
     std::optional<double> duration() const;
 
     // options

@@ -27,7 +27,7 @@ FLAGS = [
     (TONE + "--frame 100", "--updates 4", "report.decks.0.updates", "was == 10 and now == 2"),
     (TONE + "--deck time", "--span-time 0.1", "report.decks.0.span.value", "was == 0.625 and now == 0.1"),
     (TONE, "--speed 4", "seconds", "now > 0.12"),
-    (TONE, "--realtime", "seconds", "now > 0.48"),
+    (TONE.replace("gen", "gen:tone?duration=0.1&rate=8k gen"), "--realtime", "seconds", "now > 0.48"),
     (TONE + "--deck time", "--blockflow", "report.decks.0.stats", "now != was"),
     (TONE, "--messages messages", "files.messages", "was is None and now.startswith('{')"),
     (TONE + "--deck time", "--traces traces", "files.traces", "was is None and 'time (s)' in now"),
