@@ -262,6 +262,38 @@ TEST(BilevelMeasurements, referenceLevelsOutsideTheTransitionTakeTheFirstInterva
     EXPECT_NEAR(measure(bilevel, {-0.1, -0.1, 1.1, 1.1}).riseTime, 1.4 / 1.2, 1e-12);
 }
 
+// Long spans are measured in blocks: wherever their borders lie, the figures stay the same to the last bit, also where
+// a time that falls at the very end is noticed only when all else has been measured.
+TEST(BilevelMeasurements, longSpansDoNotDependOnWhereBlocksEnd) {
+    std::mt19937 random(5);
+    std::vector<double> waveform(40, 0.0);
+    while (waveform.size() < 5000) {
+        const double level = waveform.back() > 0.5 ? 0.0 : 1.0;
+        waveform.push_back(0.1 * static_cast<double>(2 + random() % 7));
+        for (std::size_t i = 3 + random() % 30; i > 0; --i) {
+            waveform.push_back(level + 0.001 * static_cast<double>(random() % 40));
+        }
+    }
+    BilevelMeasurements bilevel = measuring(0.0, 1.0);
+    bilevel.setSettleSeek(6.0);
+    waveform.insert(waveform.end(), 9, waveform.back());
+    const Metrics expected = measure(bilevel, waveform);
+    EXPECT_GT(expected.posEdges, 100.0);
+    for (std::size_t ahead = 1; ahead < 60; ++ahead) {
+        std::vector<double> values(ahead, 0.0);
+        values.insert(values.end(), waveform.begin(), waveform.end());
+        std::vector<double> times;
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            times.push_back(static_cast<double>(i) - static_cast<double>(ahead));
+        }
+        times.back() -= ahead % 2 == 0 ? 0.0 : 1.5;
+        const Metrics metrics = measure(bilevel, times, values);
+        for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
+            EXPECT_EQ(metrics.*field.value, expected.*field.value) << field.name << ", " << ahead << " ahead";
+        }
+    }
+}
+
 // Random spans, in order and not, with odd values and levels: no access outside, and the transitions are those that a
 // plain walk over all samples finds.
 TEST(BilevelMeasurements, randomSpansGiveTheTransitionsOfAPlainWalk) {

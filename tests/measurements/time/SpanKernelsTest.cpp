@@ -49,16 +49,16 @@ void expectPlain(const SpanKernels& kernels, Values values) {
     kernels.findHistogramBins(inside.data(), count, 0.0, 10.0, bins.data());
     kernels.findHistogramBinsInRange(inside.data(), count, 0.0, 10.0, quick.data());
     EXPECT_EQ(quick, bins);
-    if (count >= edgeSamples) {
-        const double mid = values[0];
-        const double start = values[1];
-        const double end = values[2];
-        const EdgeBits edge = kernels.compareEdge(values.data(), mid, start, end);
-        for (std::size_t i = 0; i < edgeSamples; ++i) {
-            const double x = values[i];
-            const std::uint64_t all[] = {edge.isOrdered,  edge.belowMid, edge.aboveMid,
-                                         edge.belowStart, edge.belowEnd, edge.aboveEnd};
-            const bool plain[] = {!std::isnan(x), x < mid, mid < x, x < start, x < end, end < x};
+    for (const double sign : {1.0, -1.0}) {
+        if (count < edgeSamples) {
+            continue;
+        }
+        const EdgeLevels levels{sign, sign * values[0], sign * values[1], sign * values[2], sign * values[3]};
+        const EdgeBits edge = kernels.compareEdge(values.data(), levels);
+        for (std::size_t i = edge.inState >> edgeSamples / 2 ? edgeSamples / 2 : 0; i < edgeSamples; ++i) {
+            const double x = sign * values[i];
+            const std::uint64_t all[] = {edge.inState, edge.beforeStart, edge.notPastMid, edge.pastMid, edge.pastEnd};
+            const bool plain[] = {x < levels.state, x < levels.start, x <= levels.mid, levels.mid < x, levels.end < x};
             for (std::size_t bits = 0; bits < std::size(all); ++bits) {
                 EXPECT_EQ((all[bits] >> i & 1) != 0, plain[bits]) << bits;
             }

@@ -1,5 +1,15 @@
 #include "BilevelMeasurements.h"
 
+#include <algorithm>
+#include <span>
+
+#include "BilevelAberrations.h"
+#include "BilevelCrossings.h"
+#include "BilevelCycles.h"
+#include "BilevelTransitionAverages.h"
+#include "BilevelTransitionWalk.h"
+#include "SpanKernels.h"
+
 namespace dspwavedecks {
 
 const bilevelMeasurementsStruct* BilevelMeasurements::computeBilevelMetrics(const double* data,
@@ -19,13 +29,9 @@ const bilevelMeasurementsStruct* BilevelMeasurements::computeBilevelMetrics(cons
     metrics.amplitude = metrics.highStateLevel - metrics.lowStateLevel;
 
     const BilevelLevels levels = referenceLevels();
-    BilevelTransitions transitions;
-    computeTransitionsMetrics(span, levels, transitions);
-    if (computeAberrations) {
-        computeAberrationsMetrics(span, levels, transitions);
-    }
-    if (computeCycles) {
-        computeCyclesMetrics(transitions);
+    // That times rise is found out on the way, and what was measured in that belief is dropped where one falls.
+    if (!measureTransitions(span, levels, true)) {
+        measureTransitions(span, levels, false);
     }
     return &metrics;
 }
@@ -43,6 +49,51 @@ BilevelLevels BilevelMeasurements::referenceLevels() const {
             low + unit * upperReferenceLevel,
             low + unit * midReferenceLevel,
             low + unit * lowerReferenceLevel};
+}
+
+bool BilevelMeasurements::measureTransitions(const BilevelSpan& span, const BilevelLevels& levels, bool timesRise) {
+    BilevelTransitionWalk walk(span, levels);
+    BilevelCrossings crossings(span, levels);
+    BilevelTransitionAverages averages;
+    // The tolerance is of another order than the state band, and not the same number to the last bit: meant so.
+    BilevelAberrations aberrations(span, levels, {levels.amplitude * stateLevelTolerance / 100.0, settleSeek},
+                                   timesRise);
+    BilevelCycles cycles;
+    std::vector<BilevelTransition> transitions;  // of a block, behind the one before whose successor is to be found
+    for (std::ptrdiff_t begin = 0; begin < span.count; begin += bilevelBlockSamples) {
+        const std::ptrdiff_t end = std::min(begin + bilevelBlockSamples, span.count);
+        const std::ptrdiff_t pairs = std::min(end + 1, span.count) - begin;
+        if (timesRise && computeAberrations &&
+            !spanKernels().neverFalls(span.t + begin, static_cast<std::size_t>(pairs))) {
+            return false;
+        }
+        const std::size_t measured = transitions.size();
+        walk.advance(end, transitions);
+        const std::span added = std::span(transitions).subspan(measured);
+        crossings.measure(added);
+        for (const BilevelTransition& transition : added) {
+            const bool isInSpan = span.contains(transition.midCrossTime);
+            averages.add(transition, isInSpan);
+            cycles.add(transition, isInSpan);
+        }
+        if (transitions.size() > 1) {
+            if (computeAberrations) {
+                aberrations.add(std::span(transitions).first(transitions.size() - 1), transitions.back().start);
+            }
+            transitions.erase(transitions.begin(), transitions.end() - 1);
+        }
+    }
+    if (computeTransitions && walk.hasStateSamples()) {
+        averages.write(metrics);
+    }
+    if (computeAberrations && !transitions.empty()) {
+        aberrations.add(transitions, span.count);
+        aberrations.write(metrics);
+    }
+    if (computeCycles) {
+        cycles.write(metrics);
+    }
+    return true;
 }
 
 }  // namespace dspwavedecks

@@ -34,18 +34,15 @@ public:
     /// data   times of the span first, data[0 .. count) in s with count = range[1] - range[0]
     /// range  data[range[0] .. range[1]) are the samples
     /// Returns the address of the figures, which stay as they were if the range is empty.
-    /// O(count) where times don't fall; allocates lists of the transitions.
+    /// O(count) where times don't fall; allocates a list of the transitions of a few thousand samples.
     const bilevelMeasurementsStruct* computeBilevelMetrics(const double* data, const std::vector<unsigned long>& range);
 
 private:
     void computeStateLevels(const BilevelSpan& span);
     BilevelLevels referenceLevels() const;
-    void computeTransitionsMetrics(const BilevelSpan& span, const BilevelLevels& levels,
-                                   BilevelTransitions& transitions);
-    void averageTransitions(const BilevelTransitions& transitions, const std::vector<double>& slewRates);
-    void computeAberrationsMetrics(const BilevelSpan& span, const BilevelLevels& levels,
-                                   const BilevelTransitions& transitions);
-    void computeCyclesMetrics(const BilevelTransitions& transitions);
+    /// Measures transitions, aberrations and cycles in one pass over the span. Returns false, with no figure set, if
+    /// `timesRise` and a time falls.
+    bool measureTransitions(const BilevelSpan& span, const BilevelLevels& levels, bool timesRise);
 
     // Options.
     bool autoStateLevel = true;

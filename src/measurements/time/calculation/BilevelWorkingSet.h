@@ -1,9 +1,7 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <vector>
 
 namespace dspwavedecks {
 
@@ -15,13 +13,13 @@ struct BilevelSpan {
 
     double firstTime() const { return t[0]; }
     double lastTime() const { return t[count - 1]; }
-    /// Begins to load the samples about a transition: they lie apart, and memory does not foresee where.
-    void prefetch(std::ptrdiff_t i) const {
+
+    /// Begins to load the samples begin .. end.
+    void prefetch(std::ptrdiff_t begin, std::ptrdiff_t end) const {
         constexpr std::ptrdiff_t lineSamples = 8;
-        for (const std::ptrdiff_t near :
-             {std::max(i - lineSamples, std::ptrdiff_t{0}), i, std::min(i + lineSamples, count - 1)}) {
-            __builtin_prefetch(t + near);
-            __builtin_prefetch(x + near);
+        for (std::ptrdiff_t i = begin; i < end; i += lineSamples) {
+            __builtin_prefetch(t + i);
+            __builtin_prefetch(x + i);
         }
     }
 
@@ -38,8 +36,9 @@ struct BilevelSpan {
     }
 };
 
-/// How many transitions ahead their samples are loaded.
-inline constexpr std::size_t prefetchDistance = 8;
+/// Samples that are taken in together: their values and times stay in the first cache while the transitions among them
+/// are measured.
+inline constexpr std::ptrdiff_t bilevelBlockSamples = 2048;
 
 /// The levels that one span is measured against, in the signal's unit.
 struct BilevelLevels {
@@ -54,15 +53,14 @@ inline double levelByPolarity(double rising, double falling, int p) {
     return (rising + falling + (rising - falling) * p) * 0.5;
 }
 
-/// The transitions found in one span, in order; one entry each in the first five lists.
-struct BilevelTransitions {
-    bool hasStateSamples = false;              ///< some sample of the span lies in a state
-    std::vector<std::ptrdiff_t> startIndices;  ///< last sample in the state that is left
-    std::vector<std::ptrdiff_t> endIndices;    ///< first sample in the state that is entered
-    std::vector<int> polarities;               ///< 1 rising, -1 falling
-    std::vector<double> midCrossTimes;         ///< s
-    std::vector<double> durations;             ///< s, between the two reference crossings
-    std::vector<std::size_t> inSpan;           ///< numbers of the transitions whose mid crossing lies in the span
+/// One transition between the two states of a span.
+struct BilevelTransition {
+    std::ptrdiff_t start;  ///< last sample in the state that is left
+    std::ptrdiff_t end;    ///< first sample in the state that is entered
+    bool rising;
+    double midCrossTime;  ///< s
+    double duration;      ///< s, between the two reference crossings
+    double slewRate;      ///< signal's unit/s, between the two reference crossings
 };
 
 }  // namespace dspwavedecks

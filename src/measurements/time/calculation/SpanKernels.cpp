@@ -1,6 +1,7 @@
 #include "SpanKernels.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 

@@ -20,10 +20,19 @@ struct ScannedExtremes {
 /// Samples that are compared together around an edge.
 inline constexpr std::size_t edgeSamples = 16;
 
-/// How samples lie to the levels that an edge crosses, sample 0 in the lowest bit.
+/// The levels of an edge by which samples are compared, for a rising one. A falling edge is mirrored: sign is -1, and
+/// the levels are negated.
+struct EdgeLevels {
+    double sign;
+    double state;  ///< samples below lie in the state that is left
+    double start;  ///< samples below lie before the crossing at which the duration begins
+    double mid;
+    double end;  ///< samples above lie behind the crossing at which the duration ends
+};
+
+/// How samples lie to the levels of an edge, sample 0 in the lowest bit. A NaN has no bit set.
 struct EdgeBits {
-    std::uint64_t isOrdered;  ///< no NaN
-    std::uint64_t belowMid, aboveMid, belowStart, belowEnd, aboveEnd;
+    std::uint64_t inState, beforeStart, notPastMid, pastMid, pastEnd;
 };
 
 /// Vectorised passes over a span, for the instructions that the machine has.
@@ -31,7 +40,7 @@ struct SpanKernels {
     /// Extremes of x [n].
     ScannedExtremes (*scanExtremes)(const double* x, std::size_t n);
 
-    /// The same for n <= edgeSamples where x [edgeSamples] may be read, without a branch that depends on n: of short
+    /// The same for n <= edgeSamples where x [edgeSamples] may be read, without a loop that depends on n: of short
     /// stretches no length can be foreseen, and it is known late.
     ScannedExtremes (*scanFew)(const double* x, std::size_t n);
 
@@ -42,8 +51,9 @@ struct SpanKernels {
     std::size_t (*findAbove)(const double* x, std::size_t n, double bound);
     std::size_t (*findBelow)(const double* x, std::size_t n, double bound);
 
-    /// Compares x [edgeSamples] with the levels of an edge.
-    EdgeBits (*compareEdge)(const double* x, double mid, double start, double end);
+    /// Compares x [edgeSamples] with the levels of an edge; without the first half where some of the second lie in the
+    /// state.
+    EdgeBits (*compareEdge)(const double* x, const EdgeLevels& levels);
 
     /// Bin of each value of x [n], 0 to 99:
     ///   ceil((x - minimum) * 100 / divisor) - 1, capped at 99; 0 where that is negative or not finite

@@ -1,0 +1,63 @@
+#include "LaterTimeSearch.h"
+
+#include <algorithm>
+
+namespace dspwavedecks {
+
+namespace {
+
+using Index = std::ptrdiff_t;
+
+bool isNotLater(double stamp, double time) {
+    return !(stamp > time);
+}
+
+}  // namespace
+
+LaterTimeSearch::LaterTimeSearch(const BilevelSpan& searchedSpan, bool timesRise)
+    : t(searchedSpan.t),
+      hasRisingTimes(timesRise),
+      rate(static_cast<double>(searchedSpan.count - 1) / (searchedSpan.lastTime() - searchedSpan.firstTime())) {}
+
+Index LaterTimeSearch::between(Index low, Index high, double time, Index anchor) const {
+    if (low >= high) {
+        return high;
+    }
+    if (!hasRisingTimes) {
+        return std::find_if(t + low, t + high, [time](double stamp) { return stamp > time; }) - t;
+    }
+    // Even steps lead to the place itself but where rounding decides.
+    const auto length = static_cast<double>(high - low);
+    const double steps = (time - t[anchor]) * rate + static_cast<double>(anchor - low + 1);
+    const Index guess = low + static_cast<Index>(std::max(0.0, std::min(length, steps)));
+    if ((guess == low || isNotLater(t[guess - 1], time)) && (guess == high || !isNotLater(t[guess], time))) {
+        return guess;
+    }
+    return gallop(low, high, time, std::min(guess, high - 1));
+}
+
+/// In steps that double, from where the time is thought to be.
+Index LaterTimeSearch::gallop(Index low, Index high, double time, Index guess) const {
+    if (isNotLater(t[guess], time)) {
+        low = guess + 1;
+        for (Index step = 1; low + step < high; step *= 2) {
+            if (!isNotLater(t[low + step], time)) {
+                high = low + step;
+            } else {
+                low += step + 1;
+            }
+        }
+    } else {
+        high = guess;
+        for (Index step = 1; high - step > low; step *= 2) {
+            if (isNotLater(t[high - step], time)) {
+                low = high - step + 1;
+            } else {
+                high -= step;
+            }
+        }
+    }
+    return std::partition_point(t + low, t + high, [time](double stamp) { return isNotLater(stamp, time); }) - t;
+}
+
+}  // namespace dspwavedecks
