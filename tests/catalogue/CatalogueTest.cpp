@@ -1,18 +1,13 @@
 #include "Catalogue.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <set>
-#include <sstream>
-#include <string>
-#include <string_view>
 #include <type_traits>
-#include <vector>
 
-namespace dspwavedecks::catalogue {
+#include "Test.h"
+
 namespace {
+
+using namespace dspwavedecks::catalogue;
 
 /// What a filter's table does: an option as template argument decides the type of the value.
 template <const Option& option>
@@ -89,4 +84,3 @@ TEST(Catalogue, DefaultsAreValuesThatTheOptionTakes) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks::catalogue

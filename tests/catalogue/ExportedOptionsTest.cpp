@@ -2,35 +2,19 @@
 // takes the kind that the catalogue tells, refuses each other one in the reader's own words, needs what the catalogue
 // calls required and nothing else, and looks at an option only at the actions that the catalogue names.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <fstream>
-#include <initializer_list>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "Catalogue.h"
-#include "StageLibrary.h"
+#include "DriverTest.h"
 #include "TestClient.h"
 #include "foundation/numbenchdata/Array.h"
 #include "streamplug/Exceptions.h"
 
-namespace dspwavedecks::catalogue {
 namespace {
 
+using namespace dspwavedecks::catalogue;
+using dspwavedecks::catalogue::Stage;  // not the driver's
 using foundation::numbenchdata::Array;
 using foundation::numbenchdata::ArrayFactory;
 using foundation::numbenchdata::ArrayType;
-using testsupport::PropertyList;
-using testsupport::TestClient;
-
-const wavedeck::driver::StageLibrary& library() {
-    static const wavedeck::driver::StageLibrary loaded(STAGE_LIBRARY);
-    return loaded;
-}
 
 struct Action {
     When when;
@@ -111,13 +95,13 @@ std::string faultOf(Kind kind, const Value& value) {
 
 class ExportedOptions : public testing::TestWithParam<const Stage*> {
 protected:
-    void SetUp() override { ASSERT_TRUE(library().offers(std::string(stage().name))); }
+    void SetUp() override { ASSERT_TRUE(stageLibrary().offers(std::string(stage().name))); }
 
     const Stage& stage() const { return *GetParam(); }
 
     /// A stage that is set up unless the action to come is its setup.
     std::shared_ptr<wavedeck::WaveDeckTransformImpl> makeStage(const Action& action) {
-        auto made = library().makeFilter(std::string(stage().name));
+        auto made = stageLibrary().makeFilter(std::string(stage().name));
         if (action.when != When::Setup) {
             made->tuneImpl(required(actions[0], ""));
         }
@@ -187,7 +171,7 @@ PropertyList withCompanion(PropertyList list, std::string_view option) {
 
 TEST_P(ExportedOptions, AreReadAsTheCatalogueTells) {
     if (stage().kind == StageKind::Strategy) {
-        EXPECT_NE(library().makeStrategy(std::string(stage().name)), nullptr);
+        EXPECT_NE(stageLibrary().makeStrategy(std::string(stage().name)), nullptr);
         return;
     }
     for (const Action& action : actions) {
@@ -254,4 +238,3 @@ INSTANTIATE_TEST_SUITE_P(Stages, ExportedOptions, testing::ValuesIn(allStages())
                          [](const auto& info) { return std::string(info.param->name); });
 
 }  // namespace
-}  // namespace dspwavedecks::catalogue

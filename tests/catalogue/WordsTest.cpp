@@ -1,18 +1,17 @@
 // The words and numbers of the catalogue against the look-ups of the classes that take them.
 
-#include <gtest/gtest.h>
-
 #include <span>
-#include <string>
 
 #include "Catalogue.h"
 #include "ChannelMeasurements.h"
 #include "DistortionMeasurements.h"
 #include "SpectralMaskTester.h"
 #include "SpectrumEstimatorEnum.h"
+#include "Test.h"
 
-namespace dspwavedecks::catalogue {
 namespace {
+
+using namespace dspwavedecks::catalogue;
 
 /// Every word gives its number. A look-up that does not know a word gives 0 or throws.
 template <typename LookUp>
@@ -52,4 +51,3 @@ TEST(Words, AreThoseOfTheMeasurements) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks::catalogue

@@ -1,14 +1,10 @@
 #include "EngineeringNumber.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
+#include "Test.h"
 
 namespace {
 
 TEST(EngineeringNumber, ReadsNumbersWithSuffixes) {
-    const double infinity = std::numeric_limits<double>::infinity();
     const std::pair<const char*, double> rows[] = {
         {"48k", 48000.0},   {"2.5M", 2.5e6},   {"1G", 1e9},         {"3m", 0.003},  // rounded once: the literal
         {"22.7u", 22.7e-6}, {"5n", 5e-9},      {"-1e-3", -1e-3},    {"+7", 7.0},

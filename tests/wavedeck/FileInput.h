@@ -1,23 +1,18 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sndfile.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <initializer_list>
-#include <string>
-#include <vector>
 
+#include "Test.h"
 #include "UsageError.h"
 #include "openInput.h"
 
 /// A folder of its own for the files of a test.
-class FileInput : public ::testing::Test {
+class FileInput : public testing::Test {
 protected:
-    FileInput() : folder_(::testing::TempDir() + "wavedeck_inputs_" + std::to_string(getpid()) + "/") {
+    FileInput() : folder_(testing::TempDir() + "wavedeck_inputs_" + std::to_string(getpid()) + "/") {
         std::filesystem::create_directories(folder_);
     }
     ~FileInput() override { std::filesystem::remove_all(folder_); }

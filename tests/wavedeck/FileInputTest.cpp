@@ -1,13 +1,6 @@
 // Sound files and raw samples, sound and damaged.
-#include <gtest/gtest.h>
-#include <sndfile.h>
-
 #include <bit>
-#include <cmath>
-#include <cstdint>
 #include <filesystem>
-#include <limits>
-#include <string>
 
 #include "FileInput.h"
 #include "openInput.h"
@@ -21,29 +14,18 @@ TEST_F(FileInput, SoundFileComesChannelByChannelInFramesOfAnySize) {
         EXPECT_EQ(reader->facts().sampleRate, 8000.0);
         EXPECT_EQ(reader->facts().channels, 2);
         EXPECT_EQ(reader->facts().length, 5U);
-        std::vector<double> left;
-        std::vector<double> right;
-        std::vector<double> frame;
+        Values left;
+        Values right;
+        Values frame;
         while (const auto n = reader->read(points, frame)) {
             ASSERT_EQ(frame.size(), 2 * n);
             left.insert(left.end(), frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(n));
             right.insert(right.end(), frame.begin() + static_cast<std::ptrdiff_t>(n), frame.end());
         }
-        EXPECT_EQ(left, (std::vector<double>{1 / 32768.0, 2 / 32768.0, 3 / 32768.0, 4 / 32768.0, 32767 / 32768.0}));
-        EXPECT_EQ(right, (std::vector<double>{-1 / 32768.0, -2 / 32768.0, -3 / 32768.0, -4 / 32768.0, -1.0}));
+        EXPECT_EQ(left, (Values{1 / 32768.0, 2 / 32768.0, 3 / 32768.0, 4 / 32768.0, 32767 / 32768.0}));
+        EXPECT_EQ(right, (Values{-1 / 32768.0, -2 / 32768.0, -3 / 32768.0, -4 / 32768.0, -1.0}));
         EXPECT_TRUE(reader->notes().empty());
     }
-}
-
-TEST_F(FileInput, TruncatedWavGivesWhatIsThereAndSaysSo) {
-    const auto path = writeWav("cut.wav", std::vector<std::int16_t>(100, 7), 1);
-    std::filesystem::resize_file(path, 44 + 41);  // half a sample behind 20 whole ones
-    const auto reader = program::openInput(path, {});
-    std::vector<double> frame;
-    EXPECT_EQ(reader->read(1000, frame), 20U);
-    EXPECT_EQ(reader->read(1000, frame), 0U);
-    ASSERT_EQ(reader->notes().size(), 1U);
-    EXPECT_NE(reader->notes()[0].find("cut short"), std::string::npos);
 }
 
 TEST_F(FileInput, UnusableFilesAreRefusedInOneLine) {
@@ -73,10 +55,8 @@ TEST_F(FileInput, UnusableFilesAreRefusedInOneLine) {
 }
 
 TEST_F(FileInput, RawFormatsDecodeToTheirScale) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const float infinity = std::numeric_limits<float>::infinity();
-    const std::tuple<const char*, std::string, std::vector<double>> rows[] = {
-        {"f32", bytesOf<float>({0.25F, -infinity}), {0.25, -INFINITY}},
+    const std::tuple<const char*, std::string, Values> rows[] = {
+        {"f32", bytesOf<float>({0.25F, -INFINITY}), {0.25, -infinity}},
         {"f64", bytesOf<double>({0.1, nan}), {0.1, nan}},
         {"s16", bytesOf<std::int16_t>({-32768, 16384}), {-1.0, 0.5}},
         {"u8", bytesOf<std::uint8_t>({0, 192}), {-1.0, 0.5}},
@@ -89,7 +69,7 @@ TEST_F(FileInput, RawFormatsDecodeToTheirScale) {
     };
     for (const auto& [format, bytes, values] : rows) {
         const auto reader = program::openInput(write("samples.raw", bytes), {format, "1M", "", ""});
-        std::vector<double> frame;
+        Values frame;
         reader->read(10, frame);
         ASSERT_EQ(frame.size(), values.size()) << format;
         for (std::size_t i = 0; i < values.size(); ++i) {
@@ -103,12 +83,12 @@ TEST_F(FileInput, RawComplexChannelsAndScaleAndRest) {
     const auto path = write("iq.raw", bytesOf<std::int8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 9, 9}));
     const auto reader = program::openInput(path, {"cs8", "2M", "2", "128"});
     EXPECT_EQ(reader->facts().length, 2U);
-    std::vector<double> frame;
+    Values frame;
     EXPECT_EQ(reader->read(1, frame), 1U);
-    EXPECT_EQ(frame, (std::vector<double>{1, 3, 2, 4}));
+    EXPECT_EQ(frame, (Values{1, 3, 2, 4}));
     EXPECT_TRUE(reader->notes().empty());
     EXPECT_EQ(reader->read(5, frame), 1U);
-    EXPECT_EQ(frame, (std::vector<double>{5, 7, 6, 8}));
+    EXPECT_EQ(frame, (Values{5, 7, 6, 8}));
     ASSERT_EQ(reader->notes().size(), 1U);
     EXPECT_NE(reader->notes()[0].find("the last 3 bytes"), std::string::npos);
     EXPECT_EQ(reader->read(5, frame), 0U);

@@ -1,14 +1,4 @@
 // SigMF recordings, tables, sound files above 4 GiB, and parts of all kinds of input.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 #include "FileInput.h"
 #include "openInput.h"
@@ -19,9 +9,9 @@ using program::InputOptions;
 using program::SignalReader;
 
 /// All values of a reader's first row, in frames of a size that fits nothing.
-std::vector<double> firstRow(SignalReader& reader, std::size_t most = 1000) {
-    std::vector<double> row;
-    std::vector<double> frame;
+Values firstRow(SignalReader& reader, std::size_t most = 1000) {
+    Values row;
+    Values frame;
     while (row.size() < most) {
         const auto n = reader.read(std::min<std::size_t>(7, most - row.size()), frame);
         if (n == 0) {
@@ -74,10 +64,10 @@ TEST_F(Recording, EveryDatatypeOfSigmfDecodes) {
                     continue;
                 }
                 const auto reader = program::openInput(path, {});
-                std::vector<double> frame;
+                Values frame;
                 EXPECT_EQ(reader->read(4, frame), isComplex ? 1U : 2U) << datatype;
                 const double shift = datatype.starts_with("cu8") ? 0.5 : 0.0;
-                EXPECT_EQ(frame, (std::vector<double>{(3 + shift) / fullScale, (5 + shift) / fullScale})) << datatype;
+                EXPECT_EQ(frame, (Values{(3 + shift) / fullScale, (5 + shift) / fullScale})) << datatype;
             }
         }
     }
@@ -105,13 +95,13 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
         EXPECT_EQ(program::formatDateTime(*recorded.at(3, 5)), "2026-01-02T00:00:00.600000Z") << "no time of its own";
         EXPECT_EQ(program::formatDateTime(*recorded.behind(4, 5)), "2026-01-02T00:00:00.800000Z");
         EXPECT_EQ(program::formatDateTime(*recorded.behind(5, 5)), "2027-01-01T00:00:00.700000Z");
-        std::vector<double> frame;
+        Values frame;
         EXPECT_EQ(reader->read(100, frame), 4U) << "the frame ends with its centre frequency";
         EXPECT_EQ(reader->facts().centerFrequency, 1e6);
-        EXPECT_EQ(frame, (std::vector<double>{1 / 128., 2 / 128., 1.5, 2, -1 / 128., -2 / 128., -1.5, -2}));
+        EXPECT_EQ(frame, (Values{1 / 128., 2 / 128., 1.5, 2, -1 / 128., -2 / 128., -1.5, -2}));
         EXPECT_EQ(reader->read(100, frame), 2U);
         EXPECT_EQ(reader->facts().centerFrequency, 2e6);
-        EXPECT_EQ(frame, (std::vector<double>{1.25, 1.5, -1.25, -1.5}));
+        EXPECT_EQ(frame, (Values{1.25, 1.5, -1.25, -1.5}));
         EXPECT_EQ(reader->read(100, frame), 0U);
         EXPECT_TRUE(reader->notes().empty());
     }
@@ -121,13 +111,13 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
     loop.seek = "0.6";
     const auto reader = program::openInput(path, loop);
     EXPECT_EQ(program::formatDateTime(*reader->facts().recorded.at(3 + 3 * 7, 5)), "2026-01-02T00:00:00.600000Z");
-    std::vector<double> frame;
+    Values frame;
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(reader->read(3, frame), 1U);
-        EXPECT_EQ(frame, (std::vector<double>{2, -2}));
+        EXPECT_EQ(frame, (Values{2, -2}));
         EXPECT_EQ(reader->facts().centerFrequency, 1e6);
         EXPECT_EQ(reader->read(3, frame), 2U);
-        EXPECT_EQ(frame, (std::vector<double>{1.25, 1.5, -1.25, -1.5}));
+        EXPECT_EQ(frame, (Values{1.25, 1.5, -1.25, -1.5}));
         EXPECT_EQ(reader->facts().centerFrequency, 2e6);
     }
 }
@@ -178,8 +168,7 @@ TEST_F(Recording, DoubtfulMetadataAreTold) {
         {"name":"capture_details","optional":false},{"name":"other","optional":false},{"name":"x","optional":true}])",
                             R"({"core:sample_start":2,"core:header_bytes":2,"core:datetime":"noon"})", "12345678");
     const auto reader = program::openInput(path, {});
-    EXPECT_EQ(firstRow(*reader),
-              (std::vector<double>{49 / 128., 50 / 128., 53 / 128., 54 / 128., 55 / 128., 56 / 128.}));
+    EXPECT_EQ(firstRow(*reader), (Values{49 / 128., 50 / 128., 53 / 128., 54 / 128., 55 / 128., 56 / 128.}));
     EXPECT_FALSE(reader->facts().recorded.at(0, 5));
     ASSERT_EQ(reader->notes().size(), 2U);
     EXPECT_NE(reader->notes()[0].find("`other`, which"), std::string::npos) << reader->notes()[0];
@@ -208,7 +197,6 @@ TEST_F(Recording, ChecksumIsComparedOnRequest) {
 }
 
 TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
-    const double nan = std::nan("");
     std::string rounded = "Time (ms);U;I\n";  // six digits of times at 44.1 kHz, a decimal comma
     for (int i = 0; i < 5000; ++i) {
         auto row = std::to_string(i / 44.1) + ';' + std::to_string(i) + ";0,5\r\n";
@@ -216,11 +204,11 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
         rounded += row;
     }
     const InputOptions at5{"", "5"};
-    const std::tuple<std::string, InputOptions, double, int, std::vector<double>> rows[] = {
+    const std::tuple<std::string, InputOptions, double, int, Values> rows[] = {
         {"0,1\n0.5,2\n1.0,3\n", {}, 2, 1, {1, 2, 3}},
         {"0,1\n0.5,2\n1.0,3", at5, 5, 2, {0, 0.5, 1}},
         {"# made by hand\n\ntime,a,\"b, c\"\n0,1,4\n3e-6,,5\n6e-6,3,6\n", {}, 1 / 3e-6, 2, {1, nan, 3}},
-        {"\xEF\xBB\xBFt [us]\ty\n0\t1\n1\tinf\n", {}, 1e6, 1, {1, INFINITY}},
+        {"\xEF\xBB\xBFt [us]\ty\n0\t1\n1\tinf\n", {}, 1e6, 1, {1, infinity}},
         {"1 2\n 3 \t4\n", at5, 5, 2, {1, 3}},
         {"Model,X1\nSample Interval,4e-9\nTIME,CH1\n-4e-09,1\n0,2\n4e-09,3\n", {}, 250e6, 1, {1, 2, 3}},
         {"volts\n1\n+2\n", at5, 5, 1, {1, 2}},
@@ -231,7 +219,7 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
         {"t (ms),v,\n0,1,\n2,2,\n", {}, 500, 1, {1, 2}},
         {"\"time\n(ms)\",v\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
         {"t (ms)\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
-        {"v\n1e400\n-1e400\n1e-400\n", at5, 5, 1, {INFINITY, -INFINITY, 0}},
+        {"v\n1e400\n-1e400\n1e-400\n", at5, 5, 1, {infinity, -infinity, 0}},
     };
     for (const auto& [text, options, rate, channels, values] : rows) {
         const auto reader = program::openInput(write("table.csv", text), options);
@@ -247,9 +235,9 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
     pairs.isIq = true;
     pairs.scale = "2";
     const auto reader = program::openInput(write("iq.csv", "I,Q\n1,2\n3,4\n"), pairs);
-    std::vector<double> frame;
+    Values frame;
     EXPECT_EQ(reader->read(9, frame), 2U);
-    EXPECT_EQ(frame, (std::vector<double>{2, 6, 4, 8}));
+    EXPECT_EQ(frame, (Values{2, 6, 4, 8}));
     EXPECT_TRUE(reader->facts().isComplex);
 }
 
@@ -294,7 +282,7 @@ TEST_F(Recording, BadTablesAreRefusedByLine) {
     }
     // The rows in front of a bad one are read; it is told when they have been.
     const auto bad = program::openInput(write("bad.csv", "1\n2\n3\nx\n"), at5);
-    std::vector<double> frame;
+    Values frame;
     EXPECT_EQ(bad->read(10, frame), 3U);
     EXPECT_THROW(bad->read(10, frame), program::UsageError);
     const auto late = program::openInput(write("late.csv", "1\n2\n3\n"), {.rate = "5", .seek = "1"});
@@ -335,7 +323,7 @@ TEST_F(Recording, SoundFilesAbove4GiBAreReadToTheirEnd) {
         options.seek = std::to_string(static_cast<double>(manyBytes / 2 - 3) / 48000.0);
         const auto reader = program::openInput(folder() + name, options);
         EXPECT_EQ(reader->facts().length, 3U) << name;
-        EXPECT_EQ(firstRow(*reader), (std::vector<double>{0, 0.5, -0.5})) << name;
+        EXPECT_EQ(firstRow(*reader), (Values{0, 0.5, -0.5})) << name;
         EXPECT_TRUE(reader->notes().empty()) << name << reader->notes().front();
         std::filesystem::resize_file(folder() + name, 100000);
         ASSERT_EQ(program::openInput(folder() + name, {})->notes().size(), 1U) << name << " is cut short";
@@ -383,9 +371,9 @@ TEST_F(Recording, PartsOfEveryKindOfInput) {
     EXPECT_TRUE(reader->facts().isComplex);
     EXPECT_EQ(reader->facts().channels, 1);
     EXPECT_EQ(reader->facts().centerFrequency, 100e6);
-    std::vector<double> frame;
+    Values frame;
     reader->read(2, frame);
-    EXPECT_EQ(frame, (std::vector<double>{0, 1 / 32768.0, 0, 0}));
+    EXPECT_EQ(frame, (Values{0, 1 / 32768.0, 0, 0}));
     EXPECT_NE(errorOf(writeWav("one.wav", {1, 2, 3}, 1), iq).find("makes no pair"), std::string::npos);
     const std::pair<InputOptions, const char*> refused[] = {
         {{.seek = "-1"}, "--seek: -1 is not a time"},       {{.duration = "x"}, "--duration: `x` is not a number"},

@@ -1,28 +1,22 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include <cmath>
-#include <complex>
-#include <numbers>
-
 #include "TestSignalReader.h"
+
+#include "Test.h"
 #include "UsageError.h"
 
 namespace {
 
 using Complex = std::complex<double>;
 
-std::vector<double> samples(const std::string& text, std::size_t n) {
+Values samples(const std::string& text, std::size_t n) {
     program::TestSignalReader reader(text);
-    std::vector<double> frame;
+    Values frame;
     reader.read(n, frame);
     return frame;
 }
 
 /// Amplitude of the component at a frequency that goes through whole cycles within the samples: the magnitude of the
 /// discrete Fourier sum times 2 / n.
-Complex component(const std::vector<double>& x, double cycles) {
+Complex component(const Values& x, double cycles) {
     Complex sum = 0.0;
     const auto n = static_cast<double>(x.size());
     for (std::size_t i = 0; i < x.size(); ++i) {
@@ -31,11 +25,11 @@ Complex component(const std::vector<double>& x, double cycles) {
     return sum * 2.0 / n;
 }
 
-double level(const std::vector<double>& x, double cycles) {
+double level(const Values& x, double cycles) {
     return std::abs(component(x, cycles));
 }
 
-double meanPower(const std::vector<double>& x) {
+double meanPower(const Values& x) {
     double sum = 0.0;
     for (const double value : x) {
         sum += value * value;
@@ -134,7 +128,7 @@ TEST(TestSignal, StepOvershootsByItsDamping) {
     EXPECT_NEAR(slow[4000], 1.0 - (4.0 * std::exp(-wt / 2.0) - std::exp(-2.0 * wt)) / 3.0, rounding);
     // The ideal step, repeated.
     const auto ideal = samples("step?at=2&period=4&rate=1", 9);
-    EXPECT_EQ(ideal, (std::vector<double>{0, 0, 1, 1, 0, 0, 1, 1, 0}));
+    EXPECT_EQ(ideal, (Values{0, 0, 1, 1, 0, 0, 1, 1, 0}));
 }
 
 TEST(TestSignal, NoiseHasItsPowerAndEachChannelItsOwn) {
@@ -185,8 +179,8 @@ TEST(TestSignal, AnySplitGivesTheSameSamples) {
         const auto whole = samples(text, 997);
         program::TestSignalReader reader(text);
         const auto rows = static_cast<std::size_t>(reader.facts().rows());
-        std::vector<std::vector<double>> joined(rows);
-        std::vector<double> frame;
+        std::vector<Values> joined(rows);
+        Values frame;
         for (std::size_t points = 1, done = 0; done < 997; points = points * 3 % 101) {
             const auto n = reader.read(std::min(points, 997 - done), frame);
             for (std::size_t row = 0; row < rows; ++row) {
@@ -205,7 +199,7 @@ TEST(TestSignal, AnySplitGivesTheSameSamples) {
 
 TEST(TestSignal, EndsAfterItsDuration) {
     program::TestSignalReader reader("tone?duration=10m&rate=1k");
-    std::vector<double> frame;
+    Values frame;
     EXPECT_EQ(reader.facts().length, 10U);
     EXPECT_EQ(reader.read(7, frame), 7U);
     EXPECT_EQ(reader.read(7, frame), 3U);

@@ -6,16 +6,12 @@
 #include <Poco/Net/NetException.h>
 #include <Poco/Net/WebSocket.h>
 #include <Poco/StreamCopier.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
+#include "Test.h"
 #include "UsageError.h"
 
 namespace {
