@@ -3,12 +3,6 @@
 
 namespace {
 
-Values ramp(double first, std::size_t count) {
-    Values values(count);
-    std::iota(values.begin(), values.end(), first);
-    return values;
-}
-
 TEST(SampleHistory, KeepsTheNewestPointsForAnySplitIntoFrames) {
     constexpr std::size_t total = 100;
     for (const std::size_t capacity : {1U, 7U, 99U, 100U, 128U}) {
@@ -17,15 +11,12 @@ TEST(SampleHistory, KeepsTheNewestPointsForAnySplitIntoFrames) {
             history.configure(2, capacity);
             for (std::size_t first = 0; first < total; first += frame) {
                 const std::size_t n = std::min(frame, total - first);
-                Values block = ramp(static_cast<double>(first), n);
-                const Values channel = ramp(static_cast<double>(first) + 1000.0, n);
-                block.insert(block.end(), channel.begin(), channel.end());
-                history.append(block.data(), n);
+                const auto value = static_cast<double>(first);
+                history.append(joined({ramp(value, n), ramp(value + 1000.0, n)}).data(), n);
             }
             const std::size_t kept = std::min(capacity, total);
-            Values expected = ramp(static_cast<double>(total - kept), kept);
-            const Values channel = ramp(static_cast<double>(total - kept) + 1000.0, kept);
-            expected.insert(expected.end(), channel.begin(), channel.end());
+            const auto oldest = static_cast<double>(total - kept);
+            const Values expected = joined({ramp(oldest, kept), ramp(oldest + 1000.0, kept)});
             Values blocks;
             history.layOut(blocks);
             EXPECT_EQ(blocks, expected) << capacity << " " << frame;

@@ -15,10 +15,7 @@ Values thinned(const std::vector<Values>& rows, double numPoints, bool isComplex
     const auto thinner = std::make_shared<TimeDeckThinnerFilter>();
     client.addStage("thinner", thinner, PropertyList().addDouble("numPoints", numPoints));
     client.setup();
-    Values data;
-    for (const auto& row : rows) {
-        data.insert(data.end(), row.begin(), row.end());
-    }
+    const Values data = joined(rows);
     Values out{-7.0};
     thinner->setInputLength(data.size());
     thinner->filterImpl(data.data(), out, 0);
@@ -50,10 +47,9 @@ TEST(Thinner, NumbersHideNeitherBehindNorAreMadeOfNaN) {
 
 TEST(Thinner, HoldsItsLimitInLongRows) {
     for (const std::size_t points : {101U, 1000U, 4097U}) {
-        Values f(points);
+        const Values f = ramp(0, points);
         Values x(points);
         for (std::size_t i = 0; i < points; ++i) {
-            f[i] = static_cast<double>(i);
             x[i] = std::sin(0.37 * f[i]) * std::cos(0.011 * f[i]);
         }
         const Values out = thinned({f, x}, 100.0);

@@ -17,14 +17,6 @@ Complex delayBy(long double m, long double f, long double rate = sampleRate) {
     return std::polar(1.0L, -2 * pi * (turns - std::round(turns)));
 }
 
-Values randomCoefficients(std::size_t count) {
-    std::mt19937 engine(static_cast<unsigned>(count));
-    std::normal_distribution<double> normal;
-    Values coefficients(count);
-    std::generate(coefficients.begin(), coefficients.end(), [&] { return normal(engine); });
-    return coefficients;
-}
-
 DigitalFilterFrequencyResponse response(unsigned long points, double rate = sampleRate) {
     DigitalFilterFrequencyResponse result;
     result.setFFTLength(points);
@@ -196,7 +188,7 @@ TEST(DigitalFilterFrequencyResponse, AgreesWithAnotherTool) {
 }
 
 TEST(DigitalFilterFrequencyResponse, ChangedOptionsActLikeANewObject) {
-    Lists numerators{randomCoefficients(17), {1.0, 2.0}};
+    Lists numerators{gaussianNoise(17, 1), {1.0, 2.0}};
     Lists denominators{{1.0}, {1.0, 0.5}};
     Values out;
     Values expected;
@@ -238,7 +230,7 @@ TEST(UnitCirclePolynomial, KernelsAgreeWithThePlainRule) {
         for (const std::size_t points : {1U, 7U, 8U, 9U, 16U, 31U, 32U, 33U, 67U}) {
             for (const std::size_t count : {0U, 1U, 2U, 65U}) {
                 SCOPED_TRACE(std::string(kernel.instructionSet) + " " + std::to_string(points));
-                const Values c = randomCoefficients(count);
+                const Values c = gaussianNoise(count, 1);
                 Values zReal(points);
                 Values zImag(points);
                 for (std::size_t k = 0; k < points; ++k) {

@@ -23,13 +23,8 @@ MeasurementsDataCache& cacheOf(const TestClient& client) {
 
 /// One channel of 0, 1, ... at whole seconds from first to last.
 Values seconds(int first, int last) {
-    Values frame;
-    for (int block = 0; block < 2; ++block) {
-        for (int i = first; i <= last; ++i) {
-            frame.push_back(i);
-        }
-    }
-    return frame;
+    const Values times = ramp(first, static_cast<std::size_t>(last - first + 1));
+    return joined({times, times});
 }
 
 /// A client with a cache of one sample a second from 0 to `newest`, and a filter for the calculator to ask.

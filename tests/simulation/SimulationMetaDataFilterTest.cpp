@@ -32,25 +32,26 @@ TEST(SimulationMetaDataFilter, countsPlainStreams) {
     EXPECT_EQ((Counters{0, 0, 0}), read(client));
     filter.tuneImpl(client.setup());
     const Values real(4), complex(8);
+    const auto frame = [&] {
+        feed(filter, real, 0);
+        feed(filter, complex, 1);
+    };
     feed(filter, real, 0);
     EXPECT_EQ((Counters{0, 0, 0}), read(client));  // the board is written on the last signal
     feed(filter, complex, 1);
     EXPECT_EQ((Counters{1, 8, 1.5}), read(client));  // the last sample of the first signal stands at 3 * 0.5
-    feed(filter, real, 0);
-    feed(filter, complex, 1);
+    frame();
     EXPECT_EQ((Counters{2, 16, 3.5}), read(client));
     EXPECT_FALSE(SimulationMetaDataFilter::packageImpl(client.name())->has("simDriftRate"));
 
     // A replay freezes the counters, also over a setup, which resets those of a live source.
     client->setIsDataSourceRepository(true);
     filter.tuneImpl(client.setup());
-    feed(filter, real, 0);
-    feed(filter, complex, 1);
+    frame();
     EXPECT_EQ((Counters{2, 16, 3.5}), read(client));
     client->setIsDataSourceRepository(false);
     filter.tuneImpl(client.sizeChange());
-    feed(filter, real, 0);
-    feed(filter, complex, 1);
+    frame();
     EXPECT_EQ((Counters{3, 24, 5.5}), read(client));
     filter.tuneImpl(client.setup());
     feed(filter, {}, 1);
@@ -115,22 +116,22 @@ TEST(BFSimulationMetaDataFilter, countsAndTakesBackSampleBasedFrames) {
     client->setTimeBased(false);
     BFSimulationMetaDataFilter filter;
     filter.tuneImpl(client.setup("compiledStepSize=0.5"));
+    const auto frame = [&] {
+        feed(filter, Values(8), 0);
+        feed(filter, Values(3), 1);
+    };
     client->setSimulationTime(100);
-    feed(filter, Values(8), 0);
-    feed(filter, Values(3), 1);
+    frame();
     // The first signal was timed before the frame was counted, one step before 0; the second after it.
     EXPECT_EQ((Counters{1, 7, 0.0}), read(client));
-    feed(filter, Values(8), 0);
-    feed(filter, Values(3), 1);
+    frame();
     EXPECT_EQ((Counters{2, 14, 0.5}), read(client));
     client->setSimulationTime(-1);
-    feed(filter, Values(8), 0);
-    feed(filter, Values(3), 1);
+    frame();
     EXPECT_EQ((Counters{1, 7, 0.5}), read(client));  // signal 0 was timed at two frames
     filter.tuneImpl(TestClient::tune("useBlockflowSimTime=true"));
     client->setSimulationTime(42);
-    feed(filter, Values(8), 0);
-    feed(filter, Values(3), 1);
+    frame();
     EXPECT_EQ((Counters{2, 14, 42}), read(client));
 }
 

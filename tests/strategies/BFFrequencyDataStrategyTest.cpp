@@ -18,10 +18,6 @@ std::string dataOf(const testsupport::ObjectPointer& signal, unsigned channel) {
     return text(at(signal, "channel", channel), "data");
 }
 
-void append(Values& to, const Values& values) {
-    to.insert(to.end(), values.begin(), values.end());
-}
-
 // Padding is 0.5 here, so that it shows.
 TEST(BFFrequencyDataStrategy, findsTheSpectraOfABufferLaidOutByHand) {
     const struct {
@@ -65,10 +61,8 @@ TEST(BFFrequencyDataStrategy, findsTheSpectraOfABufferLaidOutByHand) {
         record.showSpectrogram = row.isSpectrogram;
         record.numSpectrogramLines = row.lines;
         record.frequencyVector = {10, 20, 30, 40};
-        Values buffer = row.header;
-        append(buffer, Values(row.points.size(), 0.25));
-        append(buffer, row.points);
-        const auto signal = signalOf(client, row.frameSize, buffer);
+        const Values others(row.points.size(), 0.25);
+        const auto signal = signalOf(client, row.frameSize, joined({row.header, others, row.points}));
         EXPECT_EQ(row.expected, dataOf(signal, 1));
         EXPECT_EQ(std::string::npos, dataOf(signal, 0).find("0.5"));
         EXPECT_EQ(static_cast<int>(row.length), signal->getValue<int>("spectrumLength"));
@@ -150,14 +144,13 @@ TEST(BFFrequencyDataStrategy, agreesWithTheAggregator) {
                     aggregator.preProcessImpl();
                     const Values out = testsupport::feed(aggregator, outputOf(spectra, length, next));
                     EXPECT_TRUE(aggregator.hostFlagB());
-                    const auto slots = static_cast<std::ptrdiff_t>(out.size() / (1 + 2 * client.frameSize[0]));
-                    header.insert(header.end(), out.begin(), out.begin() + slots);
-                    rows[0].insert(rows[0].end(), out.begin() + slots, out.begin() + slots * (1 + frameSize));
-                    rows[1].insert(rows[1].end(), out.begin() + slots * (1 + frameSize), out.end());
+                    const auto size = static_cast<std::size_t>(frameSize);
+                    const std::size_t slots = out.size() / (1 + 2 * size);
+                    append(header, part(out, 0, slots));
+                    append(rows[0], part(out, slots, slots * size));
+                    append(rows[1], part(out, slots * (1 + size), slots * size));
                 }
-                append(header, rows[0]);
-                append(header, rows[1]);
-                const auto signal = signalOf(client, frameSize, header);
+                const auto signal = signalOf(client, frameSize, joined({header, rows[0], rows[1]}));
                 const auto first = at(signal, "channel", 0)->getArray("data");
                 const auto second = at(signal, "channel", 1)->getArray("data");
                 const auto total = static_cast<unsigned>(next) - 1;

@@ -9,12 +9,6 @@
 
 namespace {
 
-Values counted(std::size_t count) {
-    Values values(count);
-    std::iota(values.begin(), values.end(), 0.0);
-    return values;
-}
-
 TEST(FrequencyDataStrategy, sendsAShortMessageBeforeThereIsASpectrum) {
     TestClient client;
     publish(client, 0);
@@ -53,7 +47,7 @@ TEST(FrequencyDataStrategy, sendsTheNewestLinesFirst) {
     record.showSpectrogram = true;
     record.numSpectrogramLines = 10;
     FrequencyDataStrategy strategy;
-    Values buffer = counted(800);  // four lines in the buffer
+    Values buffer = ramp(0, 800);  // four lines in the buffer
     buffer[400 + 100 + 2] = nan;   // line 2, third point
     auto channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
     EXPECT_EQ(400u, channel->getArray("data")->size());
@@ -93,7 +87,7 @@ TEST(FrequencyDataStrategy, staysInsideTheBuffer) {
             record.showSpectrogram = isSpectrogram;
             record.numSpectrogramLines = row.lines;
             FrequencyDataStrategy strategy;
-            const auto signal = at(update(strategy, client, {counted(row.size)}), "signals", 0);
+            const auto signal = at(update(strategy, client, {ramp(0, row.size)}), "signals", 0);
             ASSERT_LE(1u, signal->getArray("channel")->size()) << row.what;
             if (row.lines != 0 || isSpectrogram) {
                 EXPECT_EQ(0u, at(signal, "channel", 0)->getArray("data")->size()) << row.what;
@@ -141,7 +135,7 @@ TEST(FrequencyDataStrategy, takesTheLengthsOfAThinner) {
     client.board().addCustomSetting(SpectrumThinnerFilter::thinnedSpectrumLength, std::vector<unsigned long>{4, 0});
     testsupport::activate(client, "spectrum_thinner_filter");
     FrequencyDataStrategy strategy;
-    const auto message = update(strategy, client, {counted(8), counted(8), counted(8)});
+    const auto message = update(strategy, client, {ramp(0, 8), ramp(0, 8), ramp(0, 8)});
     EXPECT_EQ("[4,5,6,7]", text(at(at(message, "signals", 0), "channel", 0), "data"));
     EXPECT_EQ("[0,1,2,3]", text(at(at(message, "signals", 0), "channel", 0), "frequency"));
     for (const unsigned signal : {1u, 2u}) {  // thinned to nothing, no length known

@@ -29,6 +29,45 @@ namespace dspwavedecks {}
 
 namespace testsupport {
 
+using Values = std::vector<double>;
+
+/// So many numbers, each by a step above the one before.
+inline Values ramp(double first, std::size_t count, double step = 1.0) {
+    Values values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        values[i] = first + step * static_cast<double>(i);
+    }
+    return values;
+}
+
+/// Numbers of a normal distribution.
+inline Values gaussianNoise(std::size_t count, unsigned seed, double deviation = 1.0) {
+    std::mt19937 random(seed);
+    std::normal_distribution<double> normal(0.0, deviation);
+    Values values(count);
+    std::generate(values.begin(), values.end(), [&] { return normal(random); });
+    return values;
+}
+
+/// So many of the values, from a place on.
+inline Values part(const Values& values, std::size_t first, std::size_t count) {
+    const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
+    return Values(begin, begin + static_cast<std::ptrdiff_t>(count));
+}
+
+inline void append(Values& to, const Values& values) {
+    to.insert(to.end(), values.begin(), values.end());
+}
+
+/// One row behind the other.
+inline Values joined(const std::vector<Values>& rows) {
+    Values values;
+    for (const Values& row : rows) {
+        append(values, row);
+    }
+    return values;
+}
+
 /// 10 * log10 of a ratio of powers.
 inline double decibels(double ratio) {
     return 10.0 * std::log10(ratio);
@@ -41,7 +80,6 @@ namespace {
 
 using namespace dspwavedecks;
 using namespace testsupport;
-using Values = std::vector<double>;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 

@@ -6,25 +6,21 @@
 
 namespace {
 
-using Numbers = Values;
-
-/// A frame of two channels, the second of which holds ten times the time.
-void add(MeasurementsDataCache& cache, const Numbers& times) {
-    Numbers frame = times;
-    frame.insert(frame.end(), times.size(), -1.0);
-    for (const double time : times) {
-        frame.push_back(10.0 * time);
-    }
-    cache.addData(frame.data(), 1, times.size());
-}
-
-void expectTimes(const MeasurementsDataCache& cache, const Numbers& times) {
-    EXPECT_EQ(cache.getTime(), times);
-    Numbers values = times;
+Values tenTimes(Values values) {
     for (double& value : values) {
         value *= 10.0;
     }
-    EXPECT_EQ(cache.getData(), values);
+    return values;
+}
+
+/// A frame of two channels, the second of which holds ten times the time.
+void add(MeasurementsDataCache& cache, const Values& times) {
+    cache.addData(joined({times, Values(times.size(), -1.0), tenTimes(times)}).data(), 1, times.size());
+}
+
+void expectTimes(const MeasurementsDataCache& cache, const Values& times) {
+    EXPECT_EQ(cache.getTime(), times);
+    EXPECT_EQ(cache.getData(), tenTimes(times));
 }
 
 TEST(MeasurementsDataCache, dropsWhatIsOlderThanTheLastFrame) {
@@ -42,17 +38,13 @@ TEST(MeasurementsDataCache, dropsWhatIsOlderThanTheLastFrame) {
 
 TEST(MeasurementsDataCache, fullRingLosesItsOldestAndKeepsItsOldestOnResize) {
     MeasurementsDataCache cache;
-    Numbers times(5001);
-    for (std::size_t i = 0; i < times.size(); ++i) {
-        times[i] = static_cast<double>(i);
-    }
-    add(cache, times);
+    add(cache, ramp(0, 5001));
     EXPECT_EQ(cache.size(), 5000u);
     EXPECT_EQ(cache.timeAt(0), 1.0);
     // Ranges across the seam of the ring.
-    EXPECT_EQ(cache.getTimeInRange({4997, 5000}), Numbers({4998, 4999, 5000}));
-    EXPECT_EQ(cache.getDataInRange({0, 2}), Numbers({10, 20}));
-    EXPECT_EQ(cache.getTimeAndDataInRange({4999, 5000}), Numbers({5000, 50000}));
+    EXPECT_EQ(cache.getTimeInRange({4997, 5000}), Values({4998, 4999, 5000}));
+    EXPECT_EQ(cache.getDataInRange({0, 2}), Values({10, 20}));
+    EXPECT_EQ(cache.getTimeAndDataInRange({4999, 5000}), Values({5000, 50000}));
     EXPECT_TRUE(cache.getTimeAndDataInRange({7, 7}).empty());
     EXPECT_TRUE(cache.getDataInRange({8, 7}).empty());
 
@@ -72,7 +64,7 @@ TEST(MeasurementsDataCache, fullRingLosesItsOldestAndKeepsItsOldestOnResize) {
 TEST(MeasurementsDataCache, followsRollbacks) {
     struct Row {
         double rollbackTime;
-        Numbers kept;
+        Values kept;
     };
     const Row rows[] = {
         {2.5, {1, 2}},        // between two samples: all older ones stay
@@ -92,7 +84,7 @@ TEST(MeasurementsDataCache, followsRollbacks) {
         expectTimes(cache, row.kept);
         // After a partial rollback samples enter from the last time offered on, after a full one all do.
         add(cache, {3.5, 4.5});
-        Numbers expected = row.kept;
+        Values expected = row.kept;
         if (row.rollbackTime <= 0.5) {
             expected.push_back(3.5);
         }
@@ -103,11 +95,11 @@ TEST(MeasurementsDataCache, followsRollbacks) {
 
 TEST(MeasurementsDataCache, frameBasedInputSpreadsTheStampsOfItsFrames) {
     // Two frames of three samples at 1 and 2 s, one channel before the one asked for.
-    const Numbers frame{1, 2, 0, 0, 0, 0, 0, 0, 11, 21, 12, 22, 13, 23};
+    const Values frame{1, 2, 0, 0, 0, 0, 0, 0, 11, 21, 12, 22, 13, 23};
     MeasurementsDataCache cache;
     cache.addDataFrameBased(frame.data(), 1, 2, 3, 0.75);
-    EXPECT_EQ(cache.getTime(), Numbers({1, 1.25, 1.5, 2, 2.25, 2.5}));
-    EXPECT_EQ(cache.getData(), Numbers({11, 12, 13, 21, 22, 23}));
+    EXPECT_EQ(cache.getTime(), Values({1, 1.25, 1.5, 2, 2.25, 2.5}));
+    EXPECT_EQ(cache.getData(), Values({11, 12, 13, 21, 22, 23}));
     EXPECT_EQ(cache.lastTime, 2.5);
     cache.addDataFrameBased(frame.data(), 1, 2, 3, 0.75);
     EXPECT_EQ(cache.size(), 6u);
@@ -122,7 +114,7 @@ TEST(MeasurementsDataCache, searchesAgreeWithScans) {
         cache.setCapacity(20 + random() % 80);
         double now = 0.0;
         for (int step = 0; step < 30; ++step) {
-            Numbers times;
+            Values times;
             for (std::size_t i = 0; i <= random() % 20; ++i) {
                 now += static_cast<double>(random() % 3);
                 const bool odd = run % 2 == 0 && random() % 50 == 0;
@@ -135,7 +127,7 @@ TEST(MeasurementsDataCache, searchesAgreeWithScans) {
             if (random() % 10 == 0) {
                 cache.setCapacity(20 + random() % 80);
             }
-            const Numbers all = cache.getTime();
+            const Values all = cache.getTime();
             ASSERT_EQ(all.size(), cache.getData().size());
             for (double time = now - 20.0; time < now + 2.0; time += 0.5) {
                 const auto first = std::find_if(all.begin(), all.end(), [&](double t) { return t >= time; });

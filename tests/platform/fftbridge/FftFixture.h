@@ -18,14 +18,11 @@ public:
           data_(store_.get() + offset) {}
     double* data() { return data_; }
     void fillWithNoise(unsigned seed) {
-        std::mt19937 random(seed);
-        std::normal_distribution<double> normal;
-        for (std::size_t i = 0; i < size_; ++i) {
-            data_[i] = normal(random);
-        }
+        const testsupport::Values noise = testsupport::gaussianNoise(size_, seed);
+        std::copy(noise.begin(), noise.end(), data_);
     }
     std::complex<double> at(std::size_t i) const { return {data_[2 * i], data_[2 * i + 1]}; }
-    std::vector<double> copy() const { return {data_, data_ + size_}; }
+    testsupport::Values copy() const { return {data_, data_ + size_}; }
 
 private:
     std::unique_ptr<double, ApiFree> store_;

@@ -47,14 +47,6 @@ struct Case {
     const Setting* setting;
 };
 
-Values noise(std::size_t n, unsigned seed) {
-    std::mt19937 random(seed);
-    std::normal_distribution<double> normal;
-    Values values(n);
-    std::generate(values.begin(), values.end(), [&] { return normal(random); });
-    return values;
-}
-
 Values magnitudes(Values values) {
     std::transform(values.begin(), values.end(), values.begin(), [](double x) { return std::abs(x); });
     return values;
@@ -118,7 +110,7 @@ TEST_P(PolyphaseBank, EqualsThePlainBankInAnyOrderOfCalls) {
         GTEST_SKIP() << "not on this machine";
     }
     const bool isComplex = kind == polyphase::SampleKind::complex;
-    const Values branches = noise(setting.numBands * setting.numTaps, 3);
+    const Values branches = gaussianNoise(setting.numBands * setting.numTaps, 3);
     Stores stores(setting, branches, kind);
     Expectation expected(setting, branches);
     const std::size_t stride = 2 * setting.numBands + 3;
@@ -126,7 +118,7 @@ TEST_P(PolyphaseBank, EqualsThePlainBankInAnyOrderOfCalls) {
     for (const auto& [length, numSegments] : setting.calls) {
         SCOPED_TRACE(std::to_string(numSegments) + " segments of " + std::to_string(length));
         const std::size_t planes = isComplex ? 2 : 1;
-        const Values samples = noise(length * numSegments * planes, ++seed);
+        const Values samples = gaussianNoise(length * numSegments * planes, ++seed);
         Values rows(numSegments * stride, guard);
         polyphase::analyzeWith(polyphase::groupKernelFor(set), {setting.numBands, setting.numTaps, stores.taps.data()},
                                kind, stores.delays.data(), samples.data(), length, numSegments,
@@ -170,7 +162,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, PolyphaseBank, testing::ValuesIn(allCases()),
 
 TEST(PolyphaseKernels, AreTheBankWithOneSegmentACall) {
     const Setting setting{"", 36, 4, {}};
-    const Values branches = noise(setting.numBands * setting.numTaps, 3);
+    const Values branches = gaussianNoise(setting.numBands * setting.numTaps, 3);
     Stores real(setting, branches, polyphase::SampleKind::real);
     Stores complex(setting, branches, polyphase::SampleKind::complex);
     Expectation expectedReal(setting, branches);
@@ -178,7 +170,7 @@ TEST(PolyphaseKernels, AreTheBankWithOneSegmentACall) {
     const int one = 1;
     const std::size_t n = setting.numBands;
     for (unsigned segment = 0; segment < 20; ++segment) {
-        const Values samples = noise(2 * n, 100 + segment);
+        const Values samples = gaussianNoise(2 * n, 100 + segment);
         std::vector<Complex> realSamples(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(n));
         std::vector<Complex> complexSamples(n);
         for (std::size_t i = 0; i < n; ++i) {

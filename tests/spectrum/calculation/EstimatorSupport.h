@@ -5,6 +5,7 @@
 
 namespace spectrumtest {
 
+using namespace testsupport;
 using Method = SpectrumEstimator::Method;
 using Range = SpectrumEstimator::FrequencyRange;
 using Resolution = SpectrumEstimator::FrequencyResolutionMethod;
@@ -89,8 +90,7 @@ public:
     const Values& grid() const { return record().frequencyVector; }
     /// A channel's row of the last update.
     Values row(std::size_t signal = 0, std::size_t channel = 0) const {
-        const auto begin = outs.at(signal).begin() + static_cast<std::ptrdiff_t>((channel + 1) * points());
-        return Values(begin, begin + static_cast<std::ptrdiff_t>(points()));
+        return part(outs.at(signal), (channel + 1) * points(), points());
     }
     std::size_t binOf(double frequency) const {
         std::size_t best = 0;
@@ -122,8 +122,7 @@ private:
         for (int signal = 0; signal < count; ++signal) {
             Values frame;
             for (const Values& column : signals[static_cast<std::size_t>(signal)].columns) {
-                const auto begin = column.begin() + static_cast<std::ptrdiff_t>(from);
-                frame.insert(frame.end(), begin, begin + static_cast<std::ptrdiff_t>(size));
+                append(frame, part(column, from, size));
             }
             const std::uint64_t before = record().numUpdatesProcessed;
             estimator.computeSpectrum(frame.data(), outs[static_cast<std::size_t>(signal)], signal);

@@ -4,12 +4,6 @@
 
 namespace {
 
-Values ramp(std::size_t n) {
-    Values values(n);
-    std::iota(values.begin(), values.end(), 1.0);
-    return values;
-}
-
 SpectrumBuffer makeBuffer(std::size_t segmentLength, double overlapPercent, bool zeros, std::size_t channels = 1,
                           bool complex = false) {
     SpectrumBuffer buffer;
@@ -27,12 +21,10 @@ Values contents(const SpectrumBuffer& buffer, std::size_t channel = 0) {
 
 /// Segments as their definition has them: hop * k on the samples with the zeros, if any, in front.
 Values segmentsOf(const Values& samples, std::size_t L, std::size_t O, bool zeros) {
-    Values padded(zeros ? O : 0, 0.0);
-    padded.insert(padded.end(), samples.begin(), samples.end());
+    const Values padded = joined({Values(zeros ? O : 0, 0.0), samples});
     Values segments;
     for (std::size_t start = 0; start + L <= padded.size(); start += L - O) {
-        segments.insert(segments.end(), padded.begin() + static_cast<std::ptrdiff_t>(start),
-                        padded.begin() + static_cast<std::ptrdiff_t>(start + L));
+        append(segments, part(padded, start, L));
     }
     return segments;
 }
@@ -63,7 +55,7 @@ TEST(SpectrumBuffer, RoundsTheOverlap) {
 
 TEST(SpectrumBuffer, AnyCutOfTheInputGivesTheSameSegments) {
     std::mt19937 random(7);
-    const Values samples = ramp(1000);
+    const Values samples = ramp(1, 1000);
     for (const std::size_t L : {1U, 2U, 7U, 64U, 300U}) {
         for (const double percent : {0.0, 33.0, 50.0, 75.0, 99.0, 100.0}) {
             for (const bool zeros : {true, false}) {
@@ -75,9 +67,7 @@ TEST(SpectrumBuffer, AnyCutOfTheInputGivesTheSameSegments) {
                         random() % 5 == 0 ? random() % 400 : random() % 9 + 1, samples.size() - position);
                     buffer.addData(samples.data() + position, 0, frame, 1, false);
                     position += frame;
-                    const Values held = contents(buffer);
-                    const auto whole = static_cast<std::ptrdiff_t>(buffer.getNumSegments(0) * L);
-                    segments.insert(segments.end(), held.begin(), held.begin() + whole);
+                    append(segments, part(contents(buffer), 0, buffer.getNumSegments(0) * L));
                     buffer.clear();
                 }
                 ASSERT_EQ(segments, expected) << L << " samples, " << percent << " percent, zeros " << zeros;
@@ -105,7 +95,7 @@ TEST(SpectrumBuffer, DropsWholeBlocksOnly) {
     SpectrumBuffer buffer = makeBuffer(4, 50, false, 2);
     buffer.setSegmentsPerBlock(3);
     EXPECT_FALSE(buffer.isReady());
-    const Values samples = ramp(17);
+    const Values samples = ramp(1, 17);
     buffer.addData(samples.data(), 1, 17, 2, false);
     EXPECT_FALSE(buffer.isReady()) << "channel 0 alone counts";
     buffer.addData(samples.data(), 0, 17, 2, false);

@@ -39,10 +39,6 @@ double powerGain(const Values& h, double frequencyInBands) {
     return std::norm(sum);
 }
 
-double decibels(double power) {
-    return 10.0 * std::log10(power);
-}
-
 // A Kaiser lowpass of A dB and N + 1 taps has a transition of (A - 7.95) / (14.36 N) of the rate, around the band edge;
 // the formula is an empirical one, good to some 2 dB.
 TEST(SpectrumEstimatorFilterBank, PrototypeHasTheShapeOfAKaiserLowpass) {

@@ -5,11 +5,9 @@ namespace {
 constexpr double sampleRate = 10000.0;
 
 Bench::Signal whiteNoise(std::size_t n, double deviation, bool isComplex) {
-    std::mt19937 random(11);
-    std::normal_distribution<double> gauss(0.0, deviation);
-    Bench::Signal signal{std::vector<Values>(isComplex ? 2 : 1, Values(n)), isComplex};
-    for (Values& column : signal.columns) {
-        std::generate(column.begin(), column.end(), [&] { return gauss(random); });
+    Bench::Signal signal{{gaussianNoise(n, 11, deviation)}, isComplex};
+    if (isComplex) {
+        signal.columns.push_back(gaussianNoise(n, 12, deviation));
     }
     return signal;
 }

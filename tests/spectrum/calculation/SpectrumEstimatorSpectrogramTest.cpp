@@ -23,11 +23,6 @@ Bench makeBench(double timeResolution) {
     return bench;
 }
 
-Values part(const Values& values, std::size_t first, std::size_t count) {
-    const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
-    return Values(begin, begin + static_cast<std::ptrdiff_t>(count));
-}
-
 TEST(SpectrumEstimatorSpectrogram, KeepsEverySegmentByItself) {
     const Values a = colouredNoise(1, 3 * L);
     const Values b = colouredNoise(2, 3 * L);

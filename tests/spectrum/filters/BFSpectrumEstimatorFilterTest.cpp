@@ -9,9 +9,7 @@ namespace {
 
 /// A frame in head form: times, then values.
 Values withHead(std::size_t times, const Values& values) {
-    Values frame(times, 1e6);
-    frame.insert(frame.end(), values.begin(), values.end());
-    return frame;
+    return joined({Values(times, 1e6), values});
 }
 
 PropertyList plain(PropertyList list) {

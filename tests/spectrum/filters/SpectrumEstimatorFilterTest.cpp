@@ -24,10 +24,8 @@ TEST(SpectrumEstimatorFilter, publishesWhatItEstimates) {
         EXPECT_EQ((Values{1.0, 0.5}), client->channelSizeFactors);
         Values out;
         for (std::size_t from = 0; from < 256; from += cut) {
-            Values frame = sine(cut, 2.0, 5.0 / 64, from);
-            const Values second = sine(cut, 4.0, 9.0 / 64, from);
-            frame.insert(frame.end(), second.begin(), second.end());
-            const Values result = feed(filter, frame, 0);
+            const Values result =
+                feed(filter, joined({sine(cut, 2.0, 5.0 / 64, from), sine(cut, 4.0, 9.0 / 64, from)}), 0);
             out = result.empty() ? out : result;
             feed(filter, Values(2 * cut, 1.0), 1);
         }

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "Board.h"
-#include "QueryStructure.h"
+#include "QueryAnswer.h"
 #include "SimulationMetaDataFilter.h"
 #include "SpectrumFilterTestSupport.h"
 #include "Test.h"
@@ -12,31 +12,10 @@
 
 namespace {
 
-using Query = void (*)(nbArray**, const nbArray**);
-
-std::vector<NbArrayPointer> ask(Query query, const std::string& client) {
-    const NbArrayPointer name(nbCreateString(client.c_str()));
-    const nbArray* arguments[] = {name.get()};
-    nbArray* results[12] = {};
-    query(results, arguments);
-    std::vector<NbArrayPointer> answers;
-    for (nbArray* result : results) {
-        if (result != nullptr) {
-            answers.emplace_back(result);
-        }
-    }
-    return answers;
-}
-
-Values values(const NbArrayPointer& array) {
-    const double* const first = nbGetDoubles(array.get());
-    return {first, first + nbGetNumberOfElements(array.get())};
-}
-
 TEST(SpectrumQueries, giveTheRecord) {
     TestClient client({1, 2});
-    EXPECT_FALSE(nbGetScalar(ask(answerIsSpectrumAvailable, client.name())[0].get()));
-    EXPECT_THROW(ask(answerSpectrumData, client.name()), numbench::Exception);
+    EXPECT_FALSE(QueryAnswer(answerIsSpectrumAvailable, client).number());
+    EXPECT_THROW(QueryAnswer(answerSpectrumData, client), numbench::Exception);
     client.board().addCustomSetting(SimulationMetaDataFilter::simTime, 2.5);
     spectrumEstimatorMetaDataStruct stored;
     stored.spectrumLength = 2;
@@ -55,59 +34,57 @@ TEST(SpectrumQueries, giveTheRecord) {
     auto* const record = board::find<spectrumEstimatorMetaDataStruct>(
         client.board(), SpectrumEstimatorFilter::spectrumEstimatorMetaData);
 
-    auto answers = ask(answerSpectrumData, client.name());
+    QueryAnswer answers(answerSpectrumData, client);
     ASSERT_EQ(11u, answers.size());
-    EXPECT_EQ(2.5, nbGetScalar(answers[0].get()));
-    EXPECT_EQ((Values{0, 100}), values(answers[1]));
-    EXPECT_EQ(1u, nbGetColumns(answers[1].get()));
-    EXPECT_EQ((Values{3, 4, 7, 8, 11, 12}), values(answers[2]));  // the newest of each channel
-    EXPECT_EQ(2u, nbGetRows(answers[2].get()));
-    EXPECT_EQ(3u, nbGetColumns(answers[2].get()));
-    for (const int off : {3, 4, 5}) {
-        EXPECT_EQ(0u, nbGetNumberOfElements(answers[static_cast<std::size_t>(off)].get()));
+    EXPECT_EQ(2.5, answers.number());
+    EXPECT_EQ((Values{0, 100}), answers.numbers(1));
+    EXPECT_EQ(1u, nbGetColumns(answers.array(1)));
+    EXPECT_EQ((Values{3, 4, 7, 8, 11, 12}), answers.numbers(2));  // the newest of each channel
+    EXPECT_EQ(2u, nbGetRows(answers.array(2)));
+    EXPECT_EQ(3u, nbGetColumns(answers.array(2)));
+    for (const std::size_t off : {3U, 4U, 5U}) {
+        EXPECT_EQ(0u, nbGetNumberOfElements(answers.array(off)));
     }
-    EXPECT_TRUE(nbIsLogical(answers[6].get()) && nbGetScalar(answers[6].get()) == 1.0);
-    EXPECT_EQ(2.0, nbGetScalar(answers[7].get()));
-    EXPECT_EQ(5.0, nbGetScalar(answers[8].get()));
-    EXPECT_EQ(100.0, nbGetScalar(answers[9].get()));
-    EXPECT_TRUE(nbIsLogical(answers[10].get()));
+    EXPECT_TRUE(nbIsLogical(answers.array(6)) && answers.number(6) == 1.0);
+    EXPECT_EQ(2.0, answers.number(7));
+    EXPECT_EQ(5.0, answers.number(8));
+    EXPECT_EQ(100.0, answers.number(9));
+    EXPECT_TRUE(nbIsLogical(answers.array(10)));
     EXPECT_TRUE(record->isNewDataReady);
 
     record->showSpectrum = false;
     record->showSpectrogram = true;
     record->plotMaxHoldTrace = true;
     record->plotMinHoldTrace = true;
-    answers = ask(answerSpectrumData, client.name());
-    EXPECT_EQ(0u, nbGetNumberOfElements(answers[2].get()));
-    EXPECT_EQ((Values{9, 10, 11, 12}), values(answers[3]));  // all lines of the selected channel
-    EXPECT_EQ(Values(12, 0.0), values(answers[4]));          // no trace there
-    EXPECT_EQ((Values{1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0}), values(answers[5]));
+    answers = QueryAnswer(answerSpectrumData, client);
+    EXPECT_EQ(0u, nbGetNumberOfElements(answers.array(2)));
+    EXPECT_EQ((Values{9, 10, 11, 12}), answers.numbers(3));  // all lines of the selected channel
+    EXPECT_EQ(Values(12, 0.0), answers.numbers(4));          // no trace there
+    EXPECT_EQ((Values{1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0}), answers.numbers(5));
     for (const std::uint64_t odd : {0u, 9u}) {  // no lines, a channel that is not there
         record->spectrogramChannel = odd;
         record->numSpectrumBlocks = odd;
-        EXPECT_EQ(11u, ask(answerSpectrumData, client.name()).size());
+        EXPECT_EQ(11u, QueryAnswer(answerSpectrumData, client).size());
     }
     record->spectrogramChannel = ~std::uint64_t{0};  // a channel of -1
     record->numSpectrumBlocks = 2;
-    EXPECT_EQ(Values(4, 0.0), values(ask(answerSpectrumData, client.name())[3]));
+    EXPECT_EQ(Values(4, 0.0), QueryAnswer(answerSpectrumData, client).numbers(3));
 
-    EXPECT_TRUE(nbGetScalar(ask(answerIsSpectrumAvailable, client.name())[0].get()));
-    answers = ask(answerIsNewSpectrumReady, client.name());
-    EXPECT_EQ(1.0, nbGetScalar(answers[0].get()));
-    EXPECT_EQ(640.0, nbGetScalar(answers[1].get()));
-    EXPECT_EQ(640.0, nbGetScalar(ask(answerNumSamplesProcessed, client.name())[0].get()));
-    EXPECT_EQ(10.0, nbGetScalar(ask(answerNumUpdatesProcessed, client.name())[0].get()));
-    EXPECT_EQ(1.0, nbGetScalar(ask(answerResetCachedNumSamplesProcessed, client.name())[0].get()));
-    EXPECT_EQ(0.0, nbGetScalar(ask(answerResetCachedNumSamplesProcessed, client.name())[0].get()));
+    EXPECT_TRUE(QueryAnswer(answerIsSpectrumAvailable, client).number());
+    answers = QueryAnswer(answerIsNewSpectrumReady, client);
+    EXPECT_EQ(1.0, answers.number());
+    EXPECT_EQ(640.0, answers.number(1));
+    EXPECT_EQ(640.0, QueryAnswer(answerNumSamplesProcessed, client).number());
+    EXPECT_EQ(10.0, QueryAnswer(answerNumUpdatesProcessed, client).number());
+    EXPECT_EQ(1.0, QueryAnswer(answerResetCachedNumSamplesProcessed, client).number());
+    EXPECT_EQ(0.0, QueryAnswer(answerResetCachedNumSamplesProcessed, client).number());
 }
 
 TEST(SpectrumQueries, tellOnceThatTheCounterBeganAgain) {
     TestClient client;
     SpectrumEstimatorFilter filter;
     filter.tuneImpl(client.setup("defaultSegmentLength=64"));
-    const auto isReset = [&] {
-        return nbGetScalar(ask(answerResetCachedNumSamplesProcessed, client.name())[0].get()) != 0.0;
-    };
+    const auto isReset = [&] { return QueryAnswer(answerResetCachedNumSamplesProcessed, client).number() != 0.0; };
     feed(filter, noise(200));
     isReset();
     feed(filter, noise(200));
@@ -134,12 +111,11 @@ TEST(SpectrumQueries, mayComeFromAnotherThread) {
     std::atomic<bool> isRunning{true};
     std::thread reader([&] {
         while (isRunning) {
-            const auto answers = ask(answerSpectrumData, client.name());
-            EXPECT_EQ(nbGetNumberOfElements(answers[1].get()), static_cast<std::size_t>(nbGetScalar(answers[7].get())));
-            for (const Query query :
-                 {answerIsNewSpectrumReady, answerResetCachedNumSamplesProcessed, answerNumUpdatesProcessed,
-                  answerNumSamplesProcessed, answerIsSpectrumAvailable}) {
-                ask(query, client.name());
+            const QueryAnswer answers(answerSpectrumData, client);
+            EXPECT_EQ(nbGetNumberOfElements(answers.array(1)), static_cast<std::size_t>(answers.number(7)));
+            for (const auto query : {answerIsNewSpectrumReady, answerResetCachedNumSamplesProcessed,
+                                     answerNumUpdatesProcessed, answerNumSamplesProcessed, answerIsSpectrumAvailable}) {
+                QueryAnswer(query, client);
             }
         }
     });

@@ -11,11 +11,7 @@ using enum SpectrumMeasurementsEnum::SpectrumUnits;
 
 /// Bins of 10 Hz from -995 to 995 Hz: they cover -1000 .. 1000 Hz.
 Values grid() {
-    Values frequencies;
-    for (int k = 0; k < 200; ++k) {
-        frequencies.push_back(-995.0 + 10 * k);
-    }
-    return frequencies;
+    return ramp(-995, 200, 10);
 }
 
 template <class Density>

@@ -30,10 +30,7 @@ Values levels(const std::map<std::size_t, double>& tones, std::size_t count = 40
 }
 
 distortionStruct measure(DistortionMeasurements& measurement, const Values& spectrum, double firstFrequency = 0) {
-    Values frequencies;
-    for (std::size_t k = 0; k < spectrum.size(); ++k) {
-        frequencies.push_back(firstFrequency + binWidth * static_cast<double>(k));
-    }
+    const Values frequencies = ramp(firstFrequency, spectrum.size(), binWidth);
     measurement.setRBW(rbw);
     return measurement.computeDistortion(frequencies.data(), spectrum.data(), {0, spectrum.size()});
 }

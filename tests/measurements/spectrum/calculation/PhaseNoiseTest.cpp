@@ -25,14 +25,7 @@ Values carrierBlock(std::size_t count, std::size_t carrier, double level) {
 }
 
 Values frame(double firstFrequency, const std::vector<Values>& blocks) {
-    Values result;
-    for (std::size_t k = 0; k < blocks.front().size(); ++k) {
-        result.push_back(firstFrequency + binWidth * static_cast<double>(k));
-    }
-    for (const Values& block : blocks) {
-        result.insert(result.end(), block.begin(), block.end());
-    }
-    return result;
+    return joined({ramp(firstFrequency, blocks.front().size(), binWidth), joined(blocks)});
 }
 
 PhaseNoise measurement(const std::vector<unsigned long>& channels, const Values& spots) {

@@ -16,10 +16,7 @@ struct Bin {
 };
 
 Values frame(const std::vector<Bin>& channels, double gridShift = 0) {
-    Values data;
-    for (std::size_t k = 0; k < numPoints; ++k) {
-        data.push_back(static_cast<double>(k) - 2000 + gridShift);
-    }
+    Values data = ramp(gridShift - 2000, numPoints);
     for (const Bin& bin : channels) {
         data.insert(data.end(), numPoints, -50.0);
         data[data.size() - numPoints + static_cast<std::size_t>(bin.frequency + 2000)] = bin.level;

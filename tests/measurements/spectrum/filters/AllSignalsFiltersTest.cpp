@@ -11,11 +11,7 @@ using Names = std::vector<std::string>;
 
 /// The grid 0 .. 9 Hz and channels of ten levels.
 Values frame(const std::vector<Values>& channels) {
-    Values data{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
-    for (const Values& channel : channels) {
-        data.insert(data.end(), channel.begin(), channel.end());
-    }
-    return data;
+    return joined({ramp(0, 10), joined(channels)});
 }
 
 const Values carrier{-90, 0, -10, -20, -30, -40, -50, -60, -70, -80};  // at 1 Hz, 10 dB less with every hertz

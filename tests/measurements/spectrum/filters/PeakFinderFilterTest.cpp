@@ -42,17 +42,8 @@ TEST(PeakFinderFilter, searchesTheChosenChannel) {
 /// Six bins of a spectrum, the last one empty, at the end of blocks of seven, for two channels.
 constexpr unsigned long spectrumLength = 6;
 Values frame(const Values& first, const Values& second, double shift = 0) {
-    Values result;
-    for (int bin = -1; bin < 5; ++bin) {
-        result.push_back(bin + shift);
-    }
-    result.push_back(99);
-    for (const Values& channel : {first, second}) {
-        result.push_back(50);  // no part of the spectrum
-        result.insert(result.end(), channel.begin(), channel.end());
-        result.push_back(0);
-    }
-    return result;
+    const Values noPart{50};  // of the spectrum
+    return joined({ramp(shift - 1, 6), {99}, noPart, first, {0}, noPart, second, {0}});
 }
 const Values flat(5, 1.0);
 

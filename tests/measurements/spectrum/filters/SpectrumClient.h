@@ -4,7 +4,7 @@
 #include <Poco/SharedPtr.h>
 
 #include "Board.h"
-#include "QueryStructure.h"
+#include "QueryAnswer.h"
 #include "SpectrumEstimatorFilter.h"
 #include "Test.h"
 #include "TestClient.h"
@@ -35,39 +35,6 @@ public:
     Record& record(const std::string& key) const {
         return *dspwavedecks::board::find<Record>(board(), key);
     }
-};
-
-/// What a query function hands out for a client.
-class QueryAnswer {
-public:
-    QueryAnswer(void (*answer)(nbArray**, const nbArray**), const TestClient& client) {
-        const dspwavedecks::NbArrayPointer name(nbCreateString(client.name().c_str()));
-        const nbArray* arguments[] = {name.get()};
-        nbArray* results[2] = {};
-        answer(results, arguments);
-        first.reset(results[0]);
-        second.reset(results[1]);
-    }
-
-    std::vector<std::string> fields() const {
-        std::vector<std::string> names;
-        for (int i = 0; i < nbGetNumberOfFields(first.get()); ++i) {
-            names.emplace_back(nbGetFieldNameByNumber(first.get(), i));
-        }
-        return names;
-    }
-    const nbArray* field(const char* name) const { return nbGetField(first.get(), 0, name); }
-    double number(const char* name) const { return nbGetScalar(field(name)); }
-    std::vector<double> numbers(const char* name) const {
-        const double* const values = nbGetDoubles(field(name));
-        return {values, values + nbGetNumberOfElements(field(name))};
-    }
-    bool isTrue() const { return nbGetScalar(first.get()) != 0.0; }
-    bool isSecondTrue() const { return nbGetScalar(second.get()) != 0.0; }
-
-private:
-    dspwavedecks::NbArrayPointer first;
-    dspwavedecks::NbArrayPointer second;
 };
 
 inline std::string text(const Poco::SharedPtr<Poco::JSON::Object>& package, const char* key) {
