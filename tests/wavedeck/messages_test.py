@@ -91,27 +91,44 @@ class Messages(unittest.TestCase):
                     self.assertLessEqual(expected, set(lines[-1]["message"]["measurements"]))
 
     def test_the_live_connection(self):
+        estimator, trigger = "spectrum_estimator_filter", "trigger_filter"
         with Server("gen:tone?duration=inf&rate=8k", "--deck", "spectrum", "--deck", "time") as server:
             live = websocket.create_connection(server.address, timeout=20)
             seen = {}
-            tunes = [{"type": "tune", "request": 1, "client": "spectrum", "stage": "spectrum_estimator_filter", "options": {"rbw": "50"}},
-                     {"type": "tune", "request": 2, "client": "time", "stage": "trigger_filter", "options": {"mode": "sometimes"}}]
-            for tune in tunes:
-                self.check(tune, "tune")
-                live.send(json.dumps(tune))
-            live.send("not a tune")
-            errors = 0
-            while errors < 2 or not {"hello", "update", "tuned"} <= seen.keys():
-                message = json.loads(live.recv())
-                if message["type"] not in seen or message["type"] == "error":
-                    self.check(message, message["type"])
-                seen[message["type"]] = message
-                errors += message["type"] == "error"
+
+            def answer(kind, client="", stage="", options=None):
+                """The first message of that kind, behind a tune if there are options."""
+                if options is not None:
+                    live.send(json.dumps({"type": "tune", "request": 7, "client": client, "stage": stage, "options": options}))
+                while True:
+                    message = json.loads(live.recv())
+                    if message["type"] not in seen or message["type"] == "error":
+                        self.check(message, message["type"])
+                    seen[message["type"]] = message
+                    if message["type"] == kind:
+                        return message
+
+            answer("update")
             self.assertEqual(next(iter(seen)), "hello")
-            self.assertEqual(seen["tuned"]["request"], 1)
+            for client, stage, options, reason in [
+                ("frame", trigger, {"level": 1}, "no client `frame`"),
+                ("spectrum", trigger, {"level": 1}, "trigger_filter: no option `level` in this deck"),
+                ("spectrum", estimator, {"colour": "red"}, "spectrum_estimator_filter: no option `colour` in this deck"),
+                ("spectrum", estimator, {"frequencyOffset": "x"}, "frequencyOffset"),
+                ("spectrum", estimator, {"window": 7}, "window"),
+                ("spectrum", estimator, {"window": {"a": 1}}, "window"),
+                ("time", trigger, {"mode": "sometimes"}, "mode"),
+            ]:
+                refused = answer("error", client, stage, options)
+                self.assertEqual(refused["request"], 7)
+                self.assertIn(reason, refused["text"])
+            live.send("not a tune")
+            answer("error")
+            self.check({"type": "tune", "request": 7, "client": "spectrum", "stage": estimator, "options": {"rbw": "50"}}, "tune")
+            self.assertEqual(answer("tuned", "spectrum", estimator, {"rbw": "50"})["request"], 7)
             options = {option["name"]: option["value"] for client in seen["hello"]["clients"] if client["name"] == "spectrum"
-                       for stage in client["stages"] for option in stage["options"] if stage["name"] == "spectrum_estimator_filter"}
-            self.assertEqual(options["rbw"], 50)
+                       for stage in client["stages"] for option in stage["options"] if stage["name"] == estimator}
+            self.assertEqual((options["rbw"], options["window"]), (50, "hann"))
             live.close()
 
     def test_the_example_client(self):
