@@ -14,6 +14,9 @@ namespace program {
 /// Samples of the measured channel that the measurements of the time deck look back over at most.
 constexpr double numCachedSamples = 5000.0;
 
+/// Samples that a time display keeps at most.
+constexpr double numDisplayedSamples = 16777216.0;
+
 /// What all decks of a session have in common.
 struct SessionFacts {
     std::vector<wavedeck::driver::SignalFacts> signals;

@@ -148,9 +148,17 @@ void PlaySession::makeDecks(const PlayCommand& command) {
 }
 
 void PlaySession::warnOfLongSpan(const Deck& deck, const SessionFacts& session, const DeckSettings& settings) {
+    if (deck.kind != wavedeck::driver::ChainKind::Time) {
+        return;
+    }
+    const auto& signal = session.signals.front();
+    const double span = session.displaySpan.value_or(0.0);
+    if (const double shown = numDisplayedSamples * signal.sampleTime; span > shown) {
+        warnings_.push_back("--span-time: the display shows the newest 2^24 samples, " + formatQuantity(shown, "s"));
+    }
     const auto measures = measuresOn(settings);
-    const double measured = numCachedSamples * session.signals.front().sampleTime;
-    if (deck.kind == wavedeck::driver::ChainKind::Time && session.displaySpan.value_or(0.0) > measured &&
+    const double measured = numCachedSamples * signal.sampleTime;
+    if (span > measured &&
         std::any_of(measures.begin(), measures.end(), [](const auto* each) { return each->name != "trigger"; })) {
         warnings_.push_back("--span-time: statistics, peaks and pulses are measured over the newest 5000 samples, " +
                             formatQuantity(measured, "s"));
