@@ -140,10 +140,10 @@ private:
     };
 
     class BlockTimes;
+    struct FollowedLevels;
 
     bool usesTwoLevels() const;
-    CrossingBits followLower(const SampleBlock& block, LevelBits& bits);
-    CrossingBits followUpper(const SampleBlock& block, LevelBits& bits);
+    FollowedLevels followLevels(const SampleBlock& block);
     void advanceTimeout(const SampleBlock& block, const CrossingBits& crossings, TriggerBlockPoints& points);
     void advanceStretches(const SampleBlock& block, const StretchBits& up, const StretchBits& down, double countsFrom,
                           TriggerBlockPoints& points);

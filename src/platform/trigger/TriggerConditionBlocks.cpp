@@ -26,59 +26,59 @@ int highestBit(std::uint64_t bits) {
     return 63 - std::countl_zero(bits);
 }
 
-/// Whether a level is crossed among the last 8 of n samples.
-bool crossesLast(const CrossingBits& crossings, std::size_t n) {
-    constexpr std::size_t few = 8;
-    return (crossings.rising | crossings.falling) >> (std::max(n, few) - few) != 0;
+/// What a block of samples does to a level.
+struct FollowedLevel {
+    LevelBits bits;
+    CrossingBits crossings;
+};
+
+FollowedLevel follow(LevelComparator& comparator, const SampleBlock& block) {
+    FollowedLevel level{levelComparison()(block.values, block.count, comparator.bounds()), {}};
+    level.crossings = comparator.advanceBlock(level.bits, block.count);
+    return level;
 }
 
 }  // namespace
 
-/// What the next samples do to the lower level, or the only one.
-CrossingBits TriggerCondition::followLower(const SampleBlock& block, LevelBits& bits) {
-    bits = levelComparison()(block.values, block.count, lower.bounds());
-    const CrossingBits crossings = lower.advanceBlock(bits, block.count);
-    crossedLast = crossesLast(crossings, block.count);
-    return crossings;
-}
+/// What a block of samples does to both levels; nothing to the upper one where it is not looked at.
+struct TriggerCondition::FollowedLevels {
+    FollowedLevel lower, upper;
+};
 
-CrossingBits TriggerCondition::followUpper(const SampleBlock& block, LevelBits& bits) {
-    bits = levelComparison()(block.values, block.count, upper.bounds());
-    const CrossingBits crossings = upper.advanceBlock(bits, block.count);
-    crossedLast = crossedLast || crossesLast(crossings, block.count);
-    return crossings;
+TriggerCondition::FollowedLevels TriggerCondition::followLevels(const SampleBlock& block) {
+    const FollowedLevels at{follow(lower, block), usesTwoLevels() ? follow(upper, block) : FollowedLevel{}};
+    const CrossingBits& low = at.lower.crossings;
+    const CrossingBits& high = at.upper.crossings;
+    constexpr std::size_t few = 8;
+    crossedLast = (low.rising | low.falling | high.rising | high.falling) >> (std::max(block.count, few) - few) != 0;
+    return at;
 }
 
 void TriggerCondition::advanceBlock(const SampleBlock& block, double countsFrom, TriggerBlockPoints& points) {
     points.count = 0;
-    LevelBits atLower;
-    LevelBits atUpper;
-    const CrossingBits low = followLower(block, atLower);
+    const FollowedLevels at = followLevels(block);
+    const CrossingBits& low = at.lower.crossings;
+    const CrossingBits& high = at.upper.crossings;
     if (settings.type == TDTC::Timeout) {
         advanceTimeout(block, low, points);
     } else if (settings.type == TDTC::PulseWidth) {
         advanceStretches(block, {lowerLevel, lowerLevel, low.rising, 0, low.falling},
                          {lowerLevel, lowerLevel, low.falling, 0, low.rising}, countsFrom, points);
     } else if (settings.type == TDTC::Transition) {
-        const CrossingBits high = followUpper(block, atUpper);
         advanceStretches(block, {lowerLevel, upperLevel, low.rising, low.falling, high.rising},
                          {upperLevel, lowerLevel, high.falling, high.rising, low.falling}, countsFrom, points);
     } else {
-        const CrossingBits high = followUpper(block, atUpper);
-        advanceStretches(block, {lowerLevel, lowerLevel, low.rising, atUpper.atLeast, low.falling},
-                         {upperLevel, upperLevel, high.falling, atLower.atMost, high.rising}, countsFrom, points);
+        advanceStretches(block, {lowerLevel, lowerLevel, low.rising, at.upper.bits.atLeast, low.falling},
+                         {upperLevel, upperLevel, high.falling, at.lower.bits.atMost, high.rising}, countsFrom, points);
     }
 }
 
 BlockCrossings TriggerCondition::advanceBlock(const SampleBlock& block) {
-    LevelBits bits;
-    const CrossingBits low = followLower(block, bits);
-    const std::uint64_t atLower = wanted(TDTC::Positive, low.rising) | wanted(TDTC::Negative, low.falling);
-    if (settings.type == TDTC::Edge) {
-        return {atLower, 0};
-    }
-    const CrossingBits high = followUpper(block, bits);
-    return {atLower, wanted(TDTC::Positive, high.falling) | wanted(TDTC::Negative, high.rising)};
+    const FollowedLevels at = followLevels(block);
+    const CrossingBits& low = at.lower.crossings;
+    const CrossingBits& high = at.upper.crossings;
+    return {wanted(TDTC::Positive, low.rising) | wanted(TDTC::Negative, low.falling),
+            wanted(TDTC::Positive, high.falling) | wanted(TDTC::Negative, high.rising)};
 }
 
 TriggerPoints TriggerCondition::pointsAt(const SampleBlock& block, const BlockCrossings& crossings, int i) const {
@@ -179,9 +179,9 @@ void TriggerCondition::advanceStretches(const SampleBlock& block, const StretchB
         ends[side] = wanted(polarities[side], completed) & counting;
         open[side] = (states >> (block.count - 1) & 1) != 0;
     }
-    constexpr int few = 8;
-    if (const int count = std::popcount(ends[0] | ends[1]); count > 0) {
-        const BlockTimes times(block, {lower.getLevel(), upper.getLevel()}, usesTwoLevels(), count > few);
+    if (const std::uint64_t all = ends[0] | ends[1]; all != 0) {
+        constexpr int few = 8;
+        const BlockTimes times(block, {lower.getLevel(), upper.getLevel()}, usesTwoLevels(), std::popcount(all) > few);
         for (int side = 0; side < 2; ++side) {
             ends[side] = lastingEnds(times, *bits[side], ends[side], stretches[side]->start);
         }
