@@ -91,19 +91,23 @@ void trigger(benchmark::State& state) {
         [&] { benchmark::DoNotOptimize(comparePass(samples.values, 0.1)); });
 }
 
-/// White noise under a condition that is armed nearly all the time. Without met its limits are never fulfilled; with it
-/// one in some hundred of the pulses, transitions and runts is short enough and some stays last for the timeout. Edge
-/// and window have no limits: they fire again as soon as their window of 100 samples is full, or have fired once.
+enum Limits { NeverMet, Met, MetOrFree };
+
+/// White noise under a condition that is armed nearly all the time. Its limits are never fulfilled, or one in some
+/// hundred of the pulses, transitions and runts is short enough and some stays last for the timeout; edge and window
+/// have no limits: they have fired once, or fire again as soon as their window of 100 samples is full. MetOrFree also
+/// has an automatic level, and makes a window of its own whenever none has come for 100 samples.
 void armedTrigger(benchmark::State& state) {
     const Samples samples = makeSamples(WhiteNoise);
-    const bool met = state.range(2) != 0;
+    const bool met = state.range(2) != NeverMet;
+    const bool isFree = state.range(2) == MetOrFree;
     const bool hasLimits = state.range(0) != TDTC::Edge && state.range(0) != TDTC::Window;
     const double timeRange = met ? 100 * interval : displaySpan;
     TimeDomainTriggerController engine;
-    engine.setMode(hasLimits || met ? TDTC::Normal : TDTC::Once);
+    engine.setMode(isFree ? TDTC::Auto : hasLimits || met ? TDTC::Normal : TDTC::Once);
     engine.setType(static_cast<TDTC::TypeEnum>(state.range(0)));
     engine.setPolarity(static_cast<TDTC::PolarityEnum>(state.range(1)));
-    engine.setAutoLevel(false);
+    engine.setAutoLevel(isFree);
     engine.setLevel(0.1);
     engine.setUpperLevel(0.5);
     engine.setLowerLevel(-0.5);
@@ -122,10 +126,10 @@ void armedTrigger(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(armedTrigger)
-    ->ArgNames({"type", "polarity", "met"})
+    ->ArgNames({"type", "polarity", "limits"})
     ->ArgsProduct({{TDTC::Edge, TDTC::PulseWidth, TDTC::Transition, TDTC::Runt, TDTC::Window, TDTC::Timeout},
                    {TDTC::Negative, TDTC::Either, TDTC::Positive},
-                   {0, 1}})
+                   {NeverMet, Met, MetOrFree}})
     ->UseManualTime()
     ->MinTime(0.1);
 BENCHMARK(trigger)
