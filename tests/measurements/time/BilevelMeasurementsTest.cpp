@@ -244,6 +244,13 @@ TEST(BilevelMeasurements, stretchBeforeTheThirdTransitionEndsAtTheSecond) {
                                      0.6, 0.4, 0.2, 0.0,  0.2, 0.4, 0.6, 0.8, 1.0, 1.0, 1.0};
     // 40 % before the first rise and 0 % before the second.
     EXPECT_NEAR(measure(bilevel, values).posPreshoot, 20.0, 1e-9);
+    // The second rise, in one interval, looks back from 11.02 to 8.62, and so passes over the dip; but a time before
+    // the fall that is later than that lets it begin right at the fall.
+    std::vector<double> times{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13};
+    const std::vector<double> dipBehindFall{0, 0, 0, 1, 1, 0, -0.4, 0, 0, 0, 0, 0, 1, 1};
+    EXPECT_EQ(measure(bilevel, times, dipBehindFall).posPreshoot, 0.0);
+    times[1] = 10.5;
+    EXPECT_NEAR(measure(bilevel, times, dipBehindFall).posPreshoot, 20.0, 1e-9);
 }
 
 TEST(BilevelMeasurements, referenceLevelsOutsideTheTransitionTakeTheFirstInterval) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "ExtremeScan.h"
 #include "SpanKernels.h"
@@ -51,8 +52,7 @@ void BilevelAberrations::add(std::span<const BilevelTransition> transitions, Ind
     stretches.resize(added);
     for (std::size_t i = 0; i < added; ++i) {
         stretches[i] = {before(transitions[i]), after(transitions[i], startBehind(i))};
-        previousEnd = transitions[i].end;
-        ++count;
+        pass(transitions[i]);
     }
     for (std::size_t i = 0; i < added; ++i) {
         const BilevelTransition& transition = transitions[i];
@@ -108,9 +108,23 @@ BilevelAberrations::Stretch BilevelAberrations::before(const BilevelTransition& 
     const SideLevels& edge = edges[transition.rising ? 1 : 0];
     const Index start = transition.start;
     const double from = span.crossing(edge.startBound, start) - stretchDurations * transition.duration;
-    const Index first = start == 0 ? 0 : firstLater.between(0, start, from, start);
-    // From the third transition on: the second may reach back over the first one. Meant so.
-    return {count >= 2 ? std::max(first, previousEnd) : first, start};
+    const Index first = latestPassed > from ? passed : firstLater.between(passed, start, from, start);
+    return {first, start};
+}
+
+/// Stretches from the third transition on begin behind the transition before, but the second one's may reach back over
+/// the first one. Meant so.
+void BilevelAberrations::pass(const BilevelTransition& transition) {
+    if (isFirst) {
+        isFirst = false;
+        return;
+    }
+    // Where times rise, a search from there on says the same as one from the start of the span.
+    if (!hasRisingTimes) {
+        const auto later = [](double latest, double time) { return time > latest ? time : latest; };
+        latestPassed = std::accumulate(span.t + passed, span.t + transition.end, latestPassed, later);
+    }
+    passed = transition.end;
 }
 
 BilevelAberrations::Stretch BilevelAberrations::after(const BilevelTransition& transition, Index nextStart) const {

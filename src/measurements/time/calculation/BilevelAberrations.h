@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -70,6 +71,7 @@ private:
     void addDeviations(bool rising, const Stretches& about);
     void addDeviationsInSpan(bool rising, const Stretches& about);
     void addInSpan(Average& average, double value, double time) const;
+    void pass(const BilevelTransition& transition);
     double findSettleTime(const BilevelTransition& transition, Index nextStart) const;
     double percent(double difference) const;
 
@@ -85,9 +87,10 @@ private:
     const LaterTimeSearch firstLater;
 
     // State.
-    Side sides[2];  ///< falling, rising
-    std::size_t count = 0;
-    Index previousEnd = 0;
+    Side sides[2];                                                   ///< falling, rising
+    bool isFirst = true;                                             ///< no transition was taken in yet
+    Index passed = 0;                                                ///< stretches begin no earlier
+    double latestPassed = -std::numeric_limits<double>::infinity();  ///< of times that fall: the latest before `passed`
 
     // Scratch.
     std::vector<Stretches> stretches;

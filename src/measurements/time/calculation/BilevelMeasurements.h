@@ -34,14 +34,15 @@ public:
     /// data   times of the span first, data[0 .. count) in s with count = range[1] - range[0]
     /// range  data[range[0] .. range[1]) are the samples
     /// Returns the address of the figures, which stay as they were if the range is empty.
-    /// O(count) where times don't fall; allocates a list of the transitions of a few thousand samples.
+    /// O(count); allocates a list of the transitions of a few thousand samples, and from one on whose mid crossing lies
+    /// outside the span a list of all.
     const bilevelMeasurementsStruct* computeBilevelMetrics(const double* data, const std::vector<unsigned long>& range);
 
 private:
     void computeStateLevels(const BilevelSpan& span);
     BilevelLevels referenceLevels() const;
     /// Measures transitions, aberrations and cycles in one pass over the span. Returns false, with no figure set, if
-    /// `timesRise` and a time falls.
+    /// `timesRise` and a time falls or is NaN.
     bool measureTransitions(const BilevelSpan& span, const BilevelLevels& levels, bool timesRise);
 
     // Options.
