@@ -8,10 +8,6 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-bool isNotLater(double stamp, double time) {
-    return !(stamp > time);
-}
-
 }  // namespace
 
 LaterTimeSearch::LaterTimeSearch(const BilevelSpan& searchedSpan, bool timesRise)
@@ -19,21 +15,8 @@ LaterTimeSearch::LaterTimeSearch(const BilevelSpan& searchedSpan, bool timesRise
       hasRisingTimes(timesRise),
       rate(static_cast<double>(searchedSpan.count - 1) / (searchedSpan.lastTime() - searchedSpan.firstTime())) {}
 
-Index LaterTimeSearch::between(Index low, Index high, double time, Index anchor) const {
-    if (low >= high) {
-        return high;
-    }
-    if (!hasRisingTimes) {
-        return std::find_if(t + low, t + high, [time](double stamp) { return stamp > time; }) - t;
-    }
-    // Even steps lead to the place itself but where rounding decides.
-    const auto length = static_cast<double>(high - low);
-    const double steps = (time - t[anchor]) * rate + static_cast<double>(anchor - low + 1);
-    const Index guess = low + static_cast<Index>(std::max(0.0, std::min(length, steps)));
-    if ((guess == low || isNotLater(t[guess - 1], time)) && (guess == high || !isNotLater(t[guess], time))) {
-        return guess;
-    }
-    return gallop(low, high, time, std::min(guess, high - 1));
+Index LaterTimeSearch::scan(Index low, Index high, double time) const {
+    return std::find_if(t + low, t + high, [time](double stamp) { return stamp > time; }) - t;
 }
 
 /// In steps that double, from where the time is thought to be.

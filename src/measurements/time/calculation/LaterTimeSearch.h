@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "BilevelWorkingSet.h"
@@ -15,9 +16,26 @@ public:
 
     /// First index from low up whose time is later, or `high` if none lies below it.
     /// anchor  an index whose time is near
-    std::ptrdiff_t between(std::ptrdiff_t low, std::ptrdiff_t high, double time, std::ptrdiff_t anchor) const;
+    std::ptrdiff_t between(std::ptrdiff_t low, std::ptrdiff_t high, double time, std::ptrdiff_t anchor) const {
+        if (low >= high) {
+            return high;
+        }
+        if (!hasRisingTimes) {
+            return scan(low, high, time);
+        }
+        // Even steps lead to the place itself but where rounding decides.
+        const auto length = static_cast<double>(high - low);
+        const double steps = (time - t[anchor]) * rate + static_cast<double>(anchor - low + 1);
+        const std::ptrdiff_t guess = low + static_cast<std::ptrdiff_t>(std::max(0.0, std::min(length, steps)));
+        if ((guess == low || isNotLater(t[guess - 1], time)) && (guess == high || !isNotLater(t[guess], time))) {
+            return guess;
+        }
+        return gallop(low, high, time, std::min(guess, high - 1));
+    }
 
 private:
+    static bool isNotLater(double stamp, double time) { return !(stamp > time); }
+    std::ptrdiff_t scan(std::ptrdiff_t low, std::ptrdiff_t high, double time) const;
     std::ptrdiff_t gallop(std::ptrdiff_t low, std::ptrdiff_t high, double time, std::ptrdiff_t guess) const;
 
     const double* const t;
