@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <functional>
 #include <limits>
 #include <random>
 #include <vector>
+
+#include "BilevelWorkingSet.h"
 
 namespace dspwavedecks {
 namespace {
@@ -299,6 +302,14 @@ TEST(BilevelMeasurements, longSpansDoNotDependOnWhereBlocksEnd) {
             EXPECT_EQ(metrics.*field.value, expected.*field.value) << field.name << ", " << ahead << " ahead";
         }
     }
+    // Times that begin anew right behind a block: the rise before lies behind the last time, and nothing of it counts.
+    std::vector<double> times;
+    for (std::ptrdiff_t i = 0; i < bilevelBlockSamples + 100; ++i) {
+        times.push_back(static_cast<double>(i % bilevelBlockSamples));
+    }
+    std::vector<double> step(times.size() - 120, 0.0);
+    step.resize(times.size(), 1.0);
+    EXPECT_TRUE(std::isnan(measure(bilevel, times, step).posOvershoot));
 }
 
 // Random spans, in order and not, with odd values and levels: no access outside, and the transitions are those that a
