@@ -133,6 +133,8 @@ TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
         facts.stopTime = c.stopTime;
         SimulationRig rig(facts, c.steps);
         while (rig.simulation.step() == StepResult::Stepped) {
+            const bool isLast = rig.simulation.stepsTaken() == c.expected;
+            EXPECT_EQ(rig.simulation.status() == wavedeck::SimStatus::Ended, isLast);
         }
         EXPECT_EQ(rig.simulation.stepsTaken(), c.expected);
         EXPECT_EQ(rig.simulation.status(), wavedeck::SimStatus::Ended);

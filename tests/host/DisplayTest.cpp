@@ -200,6 +200,8 @@ TEST(Display, ARollbackMovesTheStreamBack) {
         rig.client.frame(Buffers{ramp(0, 8)});
         rig.client.rollback(PropertyList().addDouble("rollbacktime", time));
         EXPECT_EQ(rig.client.streamTime(), 1.0);
+        rig.client.updateNow();
+        EXPECT_EQ(rig.strategy->numPoints[0], 4);
         rig.client.frame(Buffers{{-1}});
         EXPECT_EQ(stage->seen[0], (Values{1.0, -1}));
         rig.client.update();

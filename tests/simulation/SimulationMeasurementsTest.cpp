@@ -70,6 +70,7 @@ const Row rows[] = {
     {10, {0, 11}},   // at its end it has not moved
     {25, {20, 26}},  // moved by whole spans
     {30, {20, 31}},  // a whole number of spans shows the last
+    {22, {20, 23}, {.axes = {0.0, 2.2, 0}}},  // ten of its spans, but for rounding
     {25, {20, 26}, {.automatic = true}},
     {25, {23, 26}, {.optionStart = 3.0}},
     {25, {5, 16}, {.axes = {5.0, 10.0, 1}}},  // axes driven from elsewhere stand still
@@ -176,6 +177,8 @@ TEST(BFMeasurementsDataCacheFilter, beginsAnewWithEachSpan) {
     client->setIsDataSourceRepository(true);  // a replay is cached too, and a setup empties the cache all the same
     feed(filter, seconds(23, 24));
     EXPECT_EQ(cache.size(), 9u);
+    feed(filter, seconds(30, 31));  // begins where a span ends
+    EXPECT_EQ(cache.size(), 2u);
     filter.tuneImpl(client.setup("autoSpan=true autoTimeRange=3.0"));
     EXPECT_EQ(cache.size(), 0u);
     feed(filter, seconds(22, 24));
