@@ -20,7 +20,7 @@ struct CrossingBits {
 /// The two values lie on different sides of the level, or one of them on it.
 inline double crossingTime(double t0, double x0, double t1, double x1, double level) {
     const double time = t0 + (t1 - t0) * ((level - x0) / (x1 - x0));
-    // Values near the largest double overflow in the differences; the sample that crossed is then near enough.
+    // Values near the largest double overflow in the differences; either of the two samples is then near enough.
     return time >= t0 && time <= t1 ? time : t1;
 }
 

@@ -262,7 +262,8 @@ void TimeDomainTriggerController::acceptCrossings(const SampleBlock& block) {
         for (std::size_t i = 0; i < points.count; ++i) {
             anyCounts |= acceptTrigger(points.times[i]);
         }
-        if (anyCounts) {
+        // Behind a window that ends before its trigger point the next crossing counts already.
+        if (anyCounts && left != 0 && block.times[std::countr_zero(left)] < countsFrom()) {
             left &= block.notBefore(countsFrom());
         }
     }
@@ -278,6 +279,9 @@ void TimeDomainTriggerController::acceptStretches(const SampleBlock& block) {
 
 void TimeDomainTriggerController::processSamples(const double* times, const double* values, std::size_t n,
                                                  double timeRange) {
+    if (mode == TDTC::Off) {
+        return;
+    }
     std::size_t notIdleUntil = 0;
     const auto rest = [&](std::size_t i) { return SampleBlock{times + i, values + i, n - i}; };
     for (std::size_t i = 0; i < n;) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
 #include <tuple>
@@ -15,16 +16,21 @@ public:
     /// bounds  start and end of each window in turn, s; NaN for a request without one
     explicit GivenTriggerWindows(std::vector<double> bounds) : bounds_(std::move(bounds)) {}
 
-    /// The window that is next; NaN for both ends when all have been given out.
-    void takeNext(double& start, double& end) {
+    /// The window that is next; NaN for both ends when all have been given out. Returns whether it is one.
+    bool takeNext(double& start, double& end) {
         constexpr double none = std::numeric_limits<double>::quiet_NaN();
         const bool anyLeft = next_ + 2 <= bounds_.size();
-        last_ = anyLeft ? std::pair(bounds_[next_], bounds_[next_ + 1]) : std::pair(none, none);
+        start = anyLeft ? bounds_[next_] : none;
+        end = anyLeft ? bounds_[next_ + 1] : none;
         next_ += anyLeft ? 2 : 0;
-        std::tie(start, end) = last_;
+        const bool isWindow = std::isfinite(start) && std::isfinite(end);
+        if (isWindow) {
+            last_ = {start, end};
+        }
+        return isWindow;
     }
 
-    /// The window given out last; NaN before the first.
+    /// The last that was one; NaN before the first.
     void getLast(double& start, double& end) const { std::tie(start, end) = last_; }
 
 private:

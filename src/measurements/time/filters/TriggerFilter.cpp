@@ -75,11 +75,12 @@ void TriggerFilter::filterImpl(const double* data, std::vector<double>&, int sig
 }
 
 void TriggerFilter::requestWindow(bool anySamples, double lastTime, double timeRange, double& start, double& end) {
-    if (given) {
-        anySamples ? given->takeNext(start, end) : given->getLast(start, end);
-        if (controller->getMode() == tdtc::Once && std::isfinite(start)) {
+    if (given && anySamples) {
+        if (given->takeNext(start, end) && controller->getMode() == tdtc::Once) {
             controller->setEnableOnceMode(false);  // as the engine does when it hands a window out
         }
+    } else if (given) {
+        given->getLast(start, end);
     } else if (anySamples) {
         controller->getTriggerWindow(0.0, lastTime, timeRange, needToFlushQueue(lastTime), start, end);
     } else {
