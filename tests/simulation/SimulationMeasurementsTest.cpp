@@ -65,11 +65,11 @@ struct Row {
 
 // Index i of the cache is second i.
 const Row rows[] = {
-    {0, {0, 0}},     // nothing but the start of the simulation
-    {7, {0, 8}},     // inside the first span
-    {10, {0, 11}},   // at its end it has not moved
-    {25, {20, 26}},  // moved by whole spans
-    {30, {20, 31}},  // a whole number of spans shows the last
+    {0, {0, 0}},                              // nothing but the start of the simulation
+    {7, {0, 8}},                              // inside the first span
+    {10, {0, 11}},                            // at its end it has not moved
+    {25, {20, 26}},                           // moved by whole spans
+    {30, {20, 31}},                           // a whole number of spans shows the last
     {22, {20, 23}, {.axes = {0.0, 2.2, 0}}},  // ten of its spans, but for rounding
     {25, {20, 26}, {.automatic = true}},
     {25, {23, 26}, {.optionStart = 3.0}},
