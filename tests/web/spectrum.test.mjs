@@ -3,7 +3,7 @@
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
-import { drawn, ended, launch, limitTime, onPage, quantity, reportOf, set, status, tableRows } from './support.mjs';
+import { drawn, ended, launch, limitTime, onPage, quantity, reportOf, set, says, status, tableRows } from './support.mjs';
 
 limitTime(100);
 let browser;
@@ -58,10 +58,10 @@ test('tunes change the spectrum, bad values show the error, every browser follow
     await set(page, 'autoRBW', false);
     await set(page, 'rbw', '0.4k');
     await drawn(page, (view) => Math.abs(view.message.spectrum.rbw - 400) < 20);
-    assert.match((await status(page)).RBW, /^(39|40|41)\d(\.\d+)? Hz$/);
+    await says(page, 'RBW', /^(39|40|41)\d(\.\d+)? Hz$/);
     await set(page, 'span', '6k');
     await drawn(page, (view) => view.main.rangeX().join() === '9000,15000');
-    assert.equal((await status(page)).Span, '6 kHz');
+    await says(page, 'Span', /^6 kHz$/);
     await set(page, 'span', '');
     await drawn(page, (view) => view.main.rangeX()[1] === 24000);
     await set(page, 'spectrumUnits', 'dbw');

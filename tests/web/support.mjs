@@ -117,6 +117,14 @@ export function status(page) {
   })));
 }
 
+/** Waits until the status line says so: tables and texts are written less often than pictures are drawn. */
+export async function says(page, name, pattern) {
+  for (const end = Date.now() + patience; Date.now() < end && !pattern.test((await status(page))[name]);) {
+    await new Promise((resolve) => { setTimeout(resolve, 20); });
+  }
+  assert.match((await status(page))[name], pattern);
+}
+
 /** Sets a field of the settings as a person would. */
 export async function set(page, option, value) {
   const field = page.locator(`[data-option="${option}"]`);
