@@ -19,15 +19,20 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME wavedeck)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION science)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Plays recordings, raw samples, live streams and test signals through chains of measurement stages, reports the
-figures, and shows the traces in the browser. The stages are a library that hosts load by name.")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Plays recordings, raw samples, live streams and test signals through
+chains of measurement stages, reports the figures, and shows the traces in
+the browser. The stages are a library that hosts load by name.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/package/triggers)
 
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS Runtime)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME wavedeck-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libpoco-dev, libboost-dev (>= 1.74)")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Headers of the host and of its driver, of the records that stages publish and of the catalogue of options, the C header
-for other languages, and the files by which CMake and pkg-config find them.")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Headers of the host and of its driver, of the records that stages
+publish and of the catalogue of options, the C header for other languages,
+and the files by which CMake and pkg-config find them.")
+
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/package/DebianDocuments.cmake)
 
 include(CPack)

@@ -75,7 +75,7 @@ private:
     double findSettleTime(const BilevelTransition& transition, Index nextStart) const;
     double percent(double difference) const;
 
-    // Options.
+    // What is measured, and how.
     const BilevelSpan& span;
     const BilevelLevels& levels;
     const Settling settling;
