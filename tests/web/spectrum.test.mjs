@@ -64,6 +64,14 @@ test('tunes change the spectrum, bad values show the error, every browser follow
     await says(page, 'Span', /^6 kHz$/);
     await set(page, 'span', '');
     await drawn(page, (view) => view.main.rangeX()[1] === 24000);
+    await set(page, 'startFrequency', '5k');
+    await drawn(page, (view) => view.main.rangeX().join() === '5000,24000');
+    await set(page, 'stopFrequency', '9k');
+    await drawn(page, (view) => view.main.rangeX().join() === '5000,9000');
+    await set(page, 'centerFrequency', '8k');
+    await drawn(page, (view) => view.main.rangeX().join() === '6000,10000');
+    await set(page, 'centerFrequency', '');
+    await drawn(page, (view) => view.main.rangeX()[1] === 24000);
     await set(page, 'spectrumUnits', 'dbw');
     await drawn(page, (view) => view.panes.spectrum.chart.axes[1].label() === 'Level / dBW');
 
@@ -126,6 +134,11 @@ test('markers snap to peaks, the wheel and the box zoom, double click shows all'
     near(parseFloat(rows[2][2]), 0, 0.01, 'difference of two equal tones');
     await page.keyboard.press('Delete');
     await page.waitForSelector('[data-table="Markers"]', { state: 'detached' });
+    await page.keyboard.press('m');
+    await page.waitForSelector('[data-table="Markers"]');
+    const [[, frequency, highest]] = await tableRows(page, 'Markers');
+    const [[, strongest, most]] = await tableRows(page, 'Peaks');
+    assert.deepEqual([frequency, highest], [strongest, most]);
 
     await page.mouse.move(...await place(7000, 0));
     await page.mouse.wheel(0, -200);
@@ -159,6 +172,21 @@ test('the spectrogram keeps time, its levels can be fixed, the mask is drawn as 
     assert.ok(tops.length > 15);
     // A line is 64 ms of the chirp, somewhere in which lies its strongest bin; where an update was missed the gap may be one line off.
     tops.forEach(([ago, frequency]) => near(frequency, tops[0][1] - 19000 / 3 * ago, 19000 / 3 * 2 * 0.064, `line ${ago} s ago`));
+    const [height, at] = await page.evaluate(() => {
+      const { chart } = wavedeck.state.view.panes.waterfall;
+      const { left, top } = chart.over.getBoundingClientRect();
+      return [wavedeck.state.view.seconds / wavedeck.state.view.waterfall.depth, [left + chart.valToPos(10000, 'x'), top + chart.valToPos(1, 'y')]];
+    });
+    await page.mouse.click(...at);
+    await page.waitForSelector('[data-table="Markers in the spectrogram"]');
+    const [[, place, ago, level]] = await tableRows(page, 'Markers in the spectrogram');
+    near(quantity(place), 10000, 60, 'marker'); near(quantity(ago), 1, height, 'marker');
+    const lines = await page.evaluate(([x, y]) => {
+      const { rows, columns } = wavedeck.state.view.waterfall;
+      const column = Math.floor(x / 24000 * columns);
+      return [-1, 0, 1].flatMap((line) => [-1, 0, 1].map((c) => rows[y + line][column + c]));
+    }, [quantity(place), Math.floor(quantity(ago) / height)]);
+    assert.ok(lines.some((value) => Math.abs(value - parseFloat(level)) < 0.006), `${level} stands nowhere near the marker`);
     await page.fill('#level-low', '-80');
     await page.fill('#level-high', '-20');
     await page.press('#level-high', 'Enter');

@@ -202,6 +202,7 @@ const actions = {
     state.view?.restyle();
   },
   help: () => byId('keys').showModal(),
+  peak: () => state.view?.main?.markPeak(),
   clear: () => panes().forEach((pane) => pane.clearMarkers()),
   hold: () => resetHold(state.clients.get(state.current)).catch(showError),
 };
@@ -210,11 +211,11 @@ const keys = [
   [' ', 'run', 'space', 'run or hold'], ['s', 'single', 's', 'one complete measurement, then hold'], ['.', 'step', '.', 'one update'],
   ['f', 'full', 'f', 'full span'], ['a', 'auto', 'a', 'fit the level range'], ['h', 'hold', 'h', 'reset hold traces'],
   ['p', 'picture', 'p', 'save the picture'], ['c', 'table', 'c', 'save the trace'], ['t', 'theme', 't', 'light or dark'],
-  ['Delete', 'clear', 'Delete', 'clear the markers'], ['?', 'help', '?', 'this page'],
+  ['m', 'peak', 'm', 'marker on the highest point'], ['Delete', 'clear', 'Delete', 'clear the markers'], ['?', 'help', '?', 'this page'],
 ];
 
 const habits = [['wheel', 'zoom frequency or time; over the level axis, its range'], ['drag', 'zoom a box'], ['double click', 'full span'],
-  ['click', 'marker'], ['shift click', 'second marker, for the difference'], ['1 to 9', 'choose a deck']];
+  ['click', 'marker, in the spectrogram too'], ['shift click', 'second marker, for the difference'], ['1 to 9', 'choose a deck']];
 
 function buildHelp() {
   const rows = [...keys.map(([, , name, text]) => [name, text]), ...habits];

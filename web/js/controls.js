@@ -5,6 +5,7 @@ const groups = {
   spectrum: [
     ['Frequency', [
       ['Span', 'spectrum_estimator_filter', 'span'], ['Centre', 'spectrum_estimator_filter', 'centerFrequency'],
+      ['Start', 'spectrum_estimator_filter', 'startFrequency'], ['Stop', 'spectrum_estimator_filter', 'stopFrequency'],
       ['Span mode', 'spectrum_estimator_filter', 'frequencySpan'], ['Range', 'spectrum_estimator_filter', 'frequencyRange'],
     ]],
     ['Resolution', [
@@ -53,13 +54,15 @@ const groups = {
 const bound = {
   span: ['frequencySpan', 'span-and-center-frequency', 'full', 'full'],
   centerFrequency: ['frequencySpan', 'span-and-center-frequency', 'full', 'full'],
+  startFrequency: ['frequencySpan', 'start-and-stop-frequencies', 'full', 'full'],
+  stopFrequency: ['frequencySpan', 'start-and-stop-frequencies', 'full', 'full'],
   rbw: ['autoRBW', false, 'automatic', true],
   level: ['autoLevel', false, 'automatic', true],
 };
 
 /**
- * What a new value of an option asks for: the option itself and that it counts; of span and centre both, the other as it is
- * on the display now. An empty field gives up the option.
+ * What a new value of an option asks for: the option itself and that it counts; of span and centre, of start and stop both,
+ * the other as it is on the display now. An empty field gives up the option.
  */
 function tuneFor(client, stage, name, value, display) {
   const [master, needed, , otherwise] = bound[name] ?? [];
@@ -67,8 +70,9 @@ function tuneFor(client, stage, name, value, display) {
   if (value === '') return { [master]: otherwise };
   if (client.value(stage, master) === needed) return { [name]: value };
   const [from, to] = display?.frequencies() ?? [];
-  const now = master === 'frequencySpan' && to > from ? { span: to - from, centerFrequency: (from + to) / 2 } : {};
-  return { ...now, [name]: value, [master]: needed };
+  const shown = ['span', 'centerFrequency'].includes(name) ? { span: to - from, centerFrequency: (from + to) / 2 }
+    : { startFrequency: from, stopFrequency: to };
+  return { ...(master === 'frequencySpan' && to > from ? shown : {}), [name]: value, [master]: needed };
 }
 
 const suffixes = { k: 1e3, M: 1e6, G: 1e9, m: 1e-3, u: 1e-6, 'µ': 1e-6, n: 1e-9 };
@@ -97,9 +101,10 @@ function field(option) {
 }
 
 function show(node, option, client) {
-  const [master, needed, otherwise] = bound[option.name] ?? [];
-  const counts = !client.option(node.dataset.stage, master) || client.value(node.dataset.stage, master) === needed;
-  node.placeholder = counts ? '' : otherwise;
+  const [master, needed, otherwise, whenOtherwise] = bound[option.name] ?? [];
+  const now = client.option(node.dataset.stage, master) ? client.value(node.dataset.stage, master) : needed;
+  const counts = now === needed;
+  node.placeholder = !counts && now === whenOtherwise ? otherwise : '';
   if (option.kind === 'logical') node.checked = Boolean(option.value);
   else node.value = counts ? option.value ?? '' : '';
 }

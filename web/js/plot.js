@@ -30,7 +30,8 @@ export class Plot {
   /**
    * host     element that the pane fills
    * options  xLabel, xUnit, yLabel, logX (logarithmic x axis), reversedY, background(context, plot): drawn under the traces,
-   *          overlay(context, plot): drawn over them, margin(context, plot): drawn above the picture, top: room for it, onView(plot): the x range changed, onCursor(plot, x, y)
+   *          overlay(context, plot): drawn over them, margin(context, plot): drawn above the picture, top: room for it,
+   *          levelAt(x, y): what a marker reads in a pane without traces, onView(plot): the x range changed, onCursor(plot, x, y)
    */
   constructor(host, options) {
     this.host = host;
@@ -362,15 +363,34 @@ export class Plot {
     return best < 0 ? Math.min(this.x.length - 1, lowerBound(this.x, x)) : best;
   }
 
-  /** Puts marker 0 or 1 near x on the trace that is nearest to the level y there. */
+  /** Puts marker 0 or 1 near x on the trace that is nearest to the level y there; in a pane without traces, at that place. */
   setMarker(x, which, y = NaN) {
-    if (!this.traces.length || !this.x.length) return;
+    if (!this.x.length) return;
+    if (this.traces.length) this.placeMarker(which, this.traceMarker(x, y));
+    else if (this.options.levelAt) this.placeMarker(which, { x, height: y });
+  }
+
+  /** Puts marker 0 on the highest point in view of the first trace. */
+  markPeak() {
+    const [from, to] = this.rangeX();
+    const values = this.traces[0]?.values ?? [];
+    let best = -1;
+    for (let i = lowerBound(this.x, from); i < this.x.length && this.x[i] <= to; ++i) {
+      if (Number.isFinite(values[i]) && !(values[i] <= values[best])) best = i;
+    }
+    if (best >= 0) this.placeMarker(0, { x: this.x[best], trace: 0 });
+  }
+
+  traceMarker(x, y) {
     const nearest = this.traces.map((trace, index) => {
       const at = Math.min(this.x.length - 1, lowerBound(this.x, x));
       const peak = trace.values[this.markerPoint(trace.values, x)];
       return { trace: index, far: Math.min(Math.abs(trace.values[at] - y), Math.abs(peak - y)) };
     }).reduce((best, each) => (each.far < best.far ? each : best), { trace: 0, far: Infinity });
-    const place = { x: this.x[this.markerPoint(this.traces[nearest.trace].values, x)], trace: nearest.trace };
+    return { x: this.x[this.markerPoint(this.traces[nearest.trace].values, x)], trace: nearest.trace };
+  }
+
+  placeMarker(which, place) {
     this.markers[which] = place;
     if (which === 1 && !this.markers[0]) this.markers[0] = place;
     this.redraw();
@@ -383,9 +403,10 @@ export class Plot {
     this.options.onMarkers?.(this);
   }
 
-  /** Markers with the value of their trace under them: [{x, y}]. */
+  /** Markers with what they read, and in a pane without traces where they stand: [{x, y, height?}]. */
   markerReadings() {
-    return this.markers.map(({ x, trace }) => {
+    return this.markers.map(({ x, trace, height }) => {
+      if (trace === undefined) return { x, y: this.options.levelAt(x, height), height };
       const values = this.traces[Math.min(trace, this.traces.length - 1)]?.values ?? [];
       return { x, y: values[Math.min(this.x.length - 1, lowerBound(this.x, x))] };
     });
@@ -393,9 +414,10 @@ export class Plot {
 
   drawMarkers(context) {
     const ratio = window.devicePixelRatio || 1;
-    this.markerReadings().forEach(({ x, y }, i) => {
+    const colour = this.options.background ? 'white' : variable('--warn');
+    this.markerReadings().forEach(({ x, y, height = y }, i) => {
       const px = this.canvasX(x);
-      context.strokeStyle = variable('--warn');
+      context.strokeStyle = colour;
       context.lineWidth = ratio;
       context.setLineDash([4 * ratio, 3 * ratio]);
       context.beginPath();
@@ -403,9 +425,9 @@ export class Plot {
       context.lineTo(px, this.chart.bbox.top + this.chart.bbox.height);
       context.stroke();
       context.setLineDash([]);
-      if (Number.isFinite(y)) {
-        const py = this.canvasY(y);
-        context.fillStyle = variable('--warn');
+      if (Number.isFinite(height)) {
+        const py = this.canvasY(height);
+        context.fillStyle = colour;
         context.beginPath();
         context.moveTo(px, py);
         context.lineTo(px - 5 * ratio, py - 9 * ratio);

@@ -159,7 +159,7 @@ export class SpectrumView {
     const pane = this.pane('waterfall', false, this.frequencyOptions({
       yLabel: 'Time ago', reversedY: true, fullY: () => [0, this.seconds],
       background: (context, plot) => this.drawWaterfall(context, plot),
-      onLevelWheel: (factor) => this.scaleWaterfall(factor), top: 26,
+      onLevelWheel: (factor) => this.scaleWaterfall(factor), top: 26, levelAt: (frequency, ago) => this.lineLevel(frequency, ago),
       margin: (context, plot) => this.drawScale(context, plot),
     }));
     pane.view.y = [0, this.seconds];
@@ -214,6 +214,12 @@ export class SpectrumView {
     context.drawImage(this.waterfall.canvas, left, top, right - left, bottom - top);
   }
 
+  /** Level of the spectrogram at a frequency some seconds ago. */
+  lineLevel(frequency, ago) {
+    const [low, high] = this.fullFrequency;
+    return this.waterfall.level((frequency - low) / (high - low), Math.floor(ago / (this.seconds / this.waterfall.depth)));
+  }
+
   get phaseNoiseSignal() { return this.message.phaseNoise?.find(Boolean); }
 
   updatePhaseNoise() {
@@ -249,6 +255,8 @@ export class SpectrumView {
     const out = [];
     const markers = this.panes.spectrum?.markerReadings() ?? [];
     if (markers.length) out.push(markerTable(markers, 'Hz', this.unit));
+    const lineMarkers = this.panes.waterfall?.markerReadings() ?? [];
+    if (lineMarkers.length) out.push(markerTable(lineMarkers, 'Hz', this.unit, 'Markers in the spectrogram'));
     if (measurements.peaks) {
       const y = figures(measurements.peaks.peaks);
       out.push(peakTable(figures(measurements.peaks.locations).map((x, i) => ({ x, y: y[i] })), this.unit, 'Hz'));
@@ -278,10 +286,8 @@ export class SpectrumView {
     if (peak !== undefined) parts.Peak = `${engineering(peak, 'Hz', 7)} ${level(figures(this.message.measurements.peaks.peaks)[0], this.unit)}`;
     if (this.cursor) {
       if (this.cursor.plot === this.panes.waterfall) {
-        const [low, high] = this.fullFrequency;
-        const line = Math.floor(this.cursor.y / (this.seconds / this.waterfall.depth));
         parts.Cursor = `${engineering(this.cursor.x, 'Hz', 7)}, ${engineering(this.cursor.y, 's')} ago, ` +
-          level(this.waterfall.level((this.cursor.x - low) / (high - low), line), this.unit);
+          level(this.lineLevel(this.cursor.x, this.cursor.y), this.unit);
       } else parts.Cursor = `${engineering(this.cursor.x, 'Hz', 7)} ${level(this.cursor.y, this.cursor.plot.unit)}`;
     }
     return parts;

@@ -1,6 +1,6 @@
 /** Tables of the figures that a message carries. */
 
-import { engineering, figure, figures, level } from './format.js';
+import { engineering, figure, figures, isDecibel, level } from './format.js';
 
 function element(name, text, className) {
   const node = document.createElement(name);
@@ -114,13 +114,17 @@ export function triggerTable(trigger) {
   return table('Trigger', rows);
 }
 
-/** Readings of up to two markers and their difference. */
-export function markerTable(readings, xUnit, unit) {
-  const rows = readings.map(({ x, y }, i) => [`M${i + 1}`, engineering(x, xUnit, 7), level(y, unit)]);
+/** Readings of up to two markers and their difference; in a spectrogram their heights are seconds ago. */
+export function markerTable(readings, xUnit, unit, title = 'Markers') {
+  const row = (name, { x, y, height }, levelUnit) => [name, engineering(x, xUnit, 7),
+    ...(height === undefined ? [] : [engineering(height, 's', 4)]), level(y, levelUnit)];
+  const rows = readings.map((reading, i) => row(`M${i + 1}`, reading, unit));
   if (readings.length === 2) {
-    const dx = readings[1].x - readings[0].x;
-    rows.push(['Δ', engineering(dx, xUnit, 7), level(readings[1].y - readings[0].y, unit.startsWith('dB') ? 'dB' : unit)]);
+    const [first, second] = readings;
+    const dx = second.x - first.x;
+    const height = first.height === undefined ? undefined : second.height - first.height;
+    rows.push(row('Δ', { x: dx, y: second.y - first.y, height }, isDecibel(unit) ? 'dB' : unit));
     if (xUnit === 's' && dx !== 0) rows.push(['1/Δ', engineering(1 / Math.abs(dx), 'Hz', 7), '']);
   }
-  return table('Markers', rows);
+  return table(title, rows);
 }
