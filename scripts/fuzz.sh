@@ -13,7 +13,7 @@ shift
 mkdir -p build/fuzz/found
 # Names of stages and options, for the fuzzers of texts.
 build/fuzz/bin/wavedeck options | sed -n 's/^ \{0,2\}\([A-Za-z_]\{3,\}\) .*/"\\"\1\\""/p' | sort -u >build/fuzz/names.dict
-# Each connection of `websocket` has a thread, and a thread whose number was used before is lost on the leak checker.
+# Each connection of `websocket` has a thread, and the leak checker overlooks a thread whose number was used before.
 if [[ " $* " == *" websocket "* ]] && [ "$(cat /proc/sys/kernel/pid_max)" -lt 1000000 ]; then
   echo "websocket: after some 30,000 inputs leaks may be reported that are none, unless kernel.pid_max is raised" >&2
 fi

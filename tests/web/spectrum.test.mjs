@@ -68,6 +68,11 @@ test('tunes change the spectrum, bad values show the error, every browser follow
     await drawn(page, (view) => view.main.rangeX().join() === '5000,24000');
     await set(page, 'stopFrequency', '9k');
     await drawn(page, (view) => view.main.rangeX().join() === '5000,9000');
+    await set(page, 'startFrequency', '12k');
+    await drawn(page, (view) => view.main.rangeX().join() === '12000,16000');
+    await set(page, 'stopFrequency', '9k');
+    await drawn(page, (view) => view.main.rangeX().join() === '5000,9000');
+    assert.equal(await page.inputValue('[data-option="startFrequency"]'), '5000');
     await set(page, 'centerFrequency', '8k');
     await drawn(page, (view) => view.main.rangeX().join() === '6000,10000');
     await set(page, 'centerFrequency', '');
@@ -75,7 +80,7 @@ test('tunes change the spectrum, bad values show the error, every browser follow
     await set(page, 'spectrumUnits', 'dbw');
     await drawn(page, (view) => view.panes.spectrum.chart.axes[1].label() === 'Level / dBW');
 
-    for (const [option, value] of [['rbw', 'abc'], ['overlapPercent', '1,2']]) {
+    for (const [option, value] of [['rbw', 'abc'], ['rbw', '5K'], ['overlapPercent', '1,2']]) {
       await set(page, option, value);
       const message = page.locator('#message');
       await message.getByText(option).waitFor();

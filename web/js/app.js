@@ -42,7 +42,7 @@ function select(name) {
     state.dirty = true;
   });
   const display = {
-    frequencies: () => state.view.frequencies,
+    frequencies: () => (state.view.band ? state.view.frequencies : undefined),
     names: Object.keys(maps),
     map: () => state.view.waterfall.map,
     chooseMap: (map) => {

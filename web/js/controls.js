@@ -60,6 +60,13 @@ const bound = {
   level: ['autoLevel', false, 'automatic', true],
 };
 
+/** Start and stop after one of them is set; one that is passed over moves along, and the span stays. */
+function edges(name, value, from, to) {
+  const span = Math.abs(to - from);
+  return name === 'startFrequency' ? { startFrequency: value, stopFrequency: value < to ? to : value + span }
+    : { startFrequency: value > from ? from : value - span, stopFrequency: value };
+}
+
 /**
  * What a new value of an option asks for: the option itself and that it counts; of span and centre, of start and stop both,
  * the other as it is on the display now. An empty field gives up the option.
@@ -68,18 +75,20 @@ function tuneFor(client, stage, name, value, display) {
   const [master, needed, , otherwise] = bound[name] ?? [];
   if (!master || !client.option(stage, master)) return { [name]: value };
   if (value === '') return { [master]: otherwise };
-  if (client.value(stage, master) === needed) return { [name]: value };
-  const [from, to] = display?.frequencies() ?? [];
-  const shown = ['span', 'centerFrequency'].includes(name) ? { span: to - from, centerFrequency: (from + to) / 2 }
-    : { startFrequency: from, stopFrequency: to };
-  return { ...(master === 'frequencySpan' && to > from ? shown : {}), [name]: value, [master]: needed };
+  const counts = client.value(stage, master) === needed;
+  const isEdge = ['startFrequency', 'stopFrequency'].includes(name);
+  if (!Number.isFinite(value) || (counts && !isEdge)) return { [name]: value, [master]: needed };
+  const [from, to] = counts ? ['startFrequency', 'stopFrequency'].map((edge) => client.value(stage, edge)) : display?.frequencies() ?? [];
+  if (master !== 'frequencySpan' || from === undefined || to === undefined) return { [name]: value, [master]: needed };
+  const both = isEdge ? edges(name, value, from, to) : { span: to - from, centerFrequency: (from + to) / 2, [name]: value };
+  return { ...both, [master]: needed };
 }
 
 const suffixes = { k: 1e3, M: 1e6, G: 1e9, m: 1e-3, u: 1e-6, 'µ': 1e-6, n: 1e-9 };
 
 /** "12.5k" as a number; the text itself where it is none, so that the program can say what is wrong with it. */
 export function parseNumber(text) {
-  const match = /^\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:e[-+]?\d+)?)\s*([kMGmuµn]?)\s*$/i.exec(text);
+  const match = /^\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)\s*([kMGmuµn]?)\s*$/.exec(text);
   if (!match) return text;
   return Number(match[1]) * (suffixes[match[2]] ?? 1);
 }

@@ -48,7 +48,7 @@ export class Plot {
     host.addEventListener('wheel', (event) => this.wheel(event), { passive: false });
   }
 
-  /** x rising; traces: [{name, values (NaN in gaps), colour?, dash?}]. */
+  /** x rising; traces: [{name, values (NaN in gaps), colour?, dash?, held?: a hold trace}]. */
   setTraces(x, traces, unit) {
     const rebuild = !this.chart || traces.length !== this.traces.length || unit !== this.unit ||
       traces.some((trace, i) => trace.name !== this.traces[i].name);
@@ -370,15 +370,17 @@ export class Plot {
     else if (this.options.levelAt) this.placeMarker(which, { x, height: y });
   }
 
-  /** Puts marker 0 on the highest point in view of the first trace. */
+  /** Puts marker 0 on the highest point in view of the traces, hold traces left out. */
   markPeak() {
     const [from, to] = this.rangeX();
-    const values = this.traces[0]?.values ?? [];
-    let best = -1;
-    for (let i = lowerBound(this.x, from); i < this.x.length && this.x[i] <= to; ++i) {
-      if (Number.isFinite(values[i]) && !(values[i] <= values[best])) best = i;
-    }
-    if (best >= 0) this.placeMarker(0, { x: this.x[best], trace: 0 });
+    const first = lowerBound(this.x, from);
+    let best = { y: -Infinity };
+    this.traces.forEach(({ values, held }, trace) => {
+      for (let i = first; !held && i < this.x.length && this.x[i] <= to; ++i) {
+        if (Number.isFinite(values[i]) && values[i] > best.y) best = { x: this.x[i], y: values[i], trace };
+      }
+    });
+    if (best.x !== undefined) this.placeMarker(0, { x: best.x, trace: best.trace });
   }
 
   traceMarker(x, y) {
@@ -403,12 +405,12 @@ export class Plot {
     this.options.onMarkers?.(this);
   }
 
-  /** Markers with what they read, and in a pane without traces where they stand: [{x, y, height?}]. */
+  /** Markers with what they read (NaN outside the data), and in a pane without traces where they stand: [{x, y, height?}]. */
   markerReadings() {
     return this.markers.map(({ x, trace, height }) => {
       if (trace === undefined) return { x, y: this.options.levelAt(x, height), height };
       const values = this.traces[Math.min(trace, this.traces.length - 1)]?.values ?? [];
-      return { x, y: values[Math.min(this.x.length - 1, lowerBound(this.x, x))] };
+      return { x, y: x >= this.x[0] && x <= this.x[this.x.length - 1] ? values[lowerBound(this.x, x)] : NaN };
     });
   }
 

@@ -28,10 +28,10 @@ export class SpectrumView {
 
   get unit() {
     const word = this.client.value(estimator, 'spectrumUnits', 'dbm');
-    const unit = unitSymbols[word] ?? word;
-    const type = this.client.value(estimator, 'spectrumType', 'power');
-    if (type === 'power-density') return `${unit}/Hz`;
-    return unit;
+    const [base, per] = word.split('/');
+    const unit = unitSymbols[base] ?? base;
+    if (!per && this.client.value(estimator, 'spectrumType', 'power') !== 'power-density') return unit;
+    return unit === 'Vrms' ? 'Vrms/√Hz' : `${unit}/Hz`;
   }
 
   pane(name, small, options) {
@@ -86,10 +86,16 @@ export class SpectrumView {
     return this.channels;
   }
 
+  /** First and last frequency of the data, or of the last that there were; undefined before the first. */
+  get band() {
+    const x = this.message && this.channelList[0]?.x;
+    if (x?.length) this.lastBand = [x[0], x[x.length - 1]];
+    return this.lastBand;
+  }
+
   /** The span that is asked for, as far as there is data: the program may work out more than that. */
   get frequencies() {
-    const x = this.message && this.channelList[0]?.x;
-    const all = x?.length ? [x[0], x[x.length - 1]] : this.fullFrequency ?? [0, 1];
+    const all = this.band ?? [0, 1];
     const value = (name) => Number(this.client.value(estimator, name, NaN));
     const mode = this.client.value(estimator, 'frequencySpan', 'full');
     const asked = mode === 'span-and-center-frequency'
@@ -111,7 +117,8 @@ export class SpectrumView {
     const { spectrum } = this.message;
     const channels = this.channelList;
     this.followSpan();
-    if (!spectrum.showSpectrum) this.drop('spectrum'); else if (channels.length) this.updateTraces(channels);
+    // What the message says changes only when the estimator is set up anew.
+    if (!this.client.value(estimator, 'showSpectrum', spectrum.showSpectrum)) this.drop('spectrum'); else if (channels.length) this.updateTraces(channels);
     if (!spectrum.showSpectrogram) this.drop('waterfall'); else if (this.fullFrequency) this.updateWaterfall();
     this.updatePhaseNoise();
   }
@@ -128,7 +135,7 @@ export class SpectrumView {
         if (data) {
           traces.push({
             x: channel.x, name: channels.length > 1 ? `${kind} ${channel.name}` : `${kind} hold`,
-            ...(channels.length > 1 ? { colour: traceColour(i), dash } : { colour: variable(only) }),
+            held: true, ...(channels.length > 1 ? { colour: traceColour(i), dash } : { colour: variable(only) }),
             values: samples({ data, NaNIdx: channel.hold[`${kind}HoldNaNIdx`][channel.index] }),
           });
         }
@@ -147,7 +154,9 @@ export class SpectrumView {
     if (!x.length) return;
     const increment = spectrum.timeIncrement || 1;
     const depth = Math.max(2, Math.min(2000, spectrum.numSpectrogramLines));
-    if (this.fullFrequency?.[0] !== x[0] || this.fullFrequency[1] !== x[x.length - 1]) this.waterfall.clear();
+    if (this.lineUnit !== this.unit || this.fullFrequency?.[0] !== x[0] || this.fullFrequency[1] !== x[x.length - 1]) this.waterfall.clear();
+    if (this.waterfallAuto && this.lineUnit !== this.unit) this.waterfall.range = null;
+    this.lineUnit = this.unit;
     this.lineFrequencies = x;
     this.fullFrequency = [x[0], x[x.length - 1]];
     this.waterfall.add(samples(source), x.length, depth, increment, message.simulation?.simTime, anyLost);
@@ -214,9 +223,10 @@ export class SpectrumView {
     context.drawImage(this.waterfall.canvas, left, top, right - left, bottom - top);
   }
 
-  /** Level of the spectrogram at a frequency some seconds ago. */
+  /** Level of the spectrogram at a frequency some seconds ago; NaN outside its frequencies. */
   lineLevel(frequency, ago) {
     const [low, high] = this.fullFrequency;
+    if (!(frequency >= low && frequency <= high)) return NaN;
     return this.waterfall.level((frequency - low) / (high - low), Math.floor(ago / (this.seconds / this.waterfall.depth)));
   }
 
@@ -233,7 +243,7 @@ export class SpectrumView {
     })).filter((trace) => trace.x.length > 1);
     if (!traces.length) return;
     const pane = this.pane('phaseNoise', false, {
-      xLabel: 'Offset from the carrier', xUnit: 'Hz', yLabel: 'Phase noise', logX: true,
+      xLabel: 'Offset from the carrier', xUnit: 'Hz', yLabel: 'Phase noise', logX: true, onMarkers: () => this.onChange(),
       onCursor: (plot, x, y) => { this.cursor = x === null ? null : { x, y, plot }; this.onChange(); },
       overlay: (context, plot) => this.spots().forEach(([offset, value]) => tag(context, plot, offset, value, level(value, 'dBc/Hz'), variable('--warn'))),
     });
@@ -257,6 +267,8 @@ export class SpectrumView {
     if (markers.length) out.push(markerTable(markers, 'Hz', this.unit));
     const lineMarkers = this.panes.waterfall?.markerReadings() ?? [];
     if (lineMarkers.length) out.push(markerTable(lineMarkers, 'Hz', this.unit, 'Markers in the spectrogram'));
+    const noiseMarkers = this.panes.phaseNoise?.markerReadings() ?? [];
+    if (noiseMarkers.length) out.push(markerTable(noiseMarkers, 'Hz', 'dBc/Hz', 'Markers in the phase noise'));
     if (measurements.peaks) {
       const y = figures(measurements.peaks.peaks);
       out.push(peakTable(figures(measurements.peaks.locations).map((x, i) => ({ x, y: y[i] })), this.unit, 'Hz'));
