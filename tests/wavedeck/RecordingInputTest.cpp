@@ -143,6 +143,8 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
         {good, R"({},{"core:frequency":"1 MHz"})", "captures[1].core:frequency: is no number"},
         {good, R"({"capture_details:acq_scale_factor":0})", "acq_scale_factor: is 0"},
         {good, R"({"core:header_bytes":9007199254740992},{"core:header_bytes":9})", "larger than any file"},
+        {good + R"(,"core:trailing_bytes":5)", "", "global.core:trailing_bytes: 5 bytes, and the samples have 4"},
+        {good, R"({"core:header_bytes":5})", "captures[0].core:header_bytes: 5 bytes"},
         {good + "]", "", "no JSON: line 1, column"},
         {good + R"(,"core:x":4e8000)", "", "number overflow parsing '4e8000'"},
     };
@@ -160,6 +162,25 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
     EXPECT_EQ(firstRow(*reader).size(), 2U);
     ASSERT_EQ(reader->notes().size(), 1U);
     EXPECT_NE(reader->notes()[0].find("cut short"), std::string::npos);
+}
+
+TEST_F(Recording, ArchivesHaveLongNamesAndOneRecording) {
+    const std::string global = R"("core:datatype":"ri8","core:sample_rate":5)";
+    const std::string name(120, 'n');
+    sigmf(name, global, "", "abc");
+    for (const std::string format : {"pax", "gnu"}) {
+        const auto archive = folder() + format + ".sigmf";
+        const auto tar = "tar -C " + folder() + " --format=" + format + " -cf " + archive + ' ';
+        ASSERT_EQ(std::system((tar + name + ".sigmf-meta " + name + ".sigmf-data").c_str()), 0);
+        EXPECT_EQ(firstRow(*program::openInput(archive, {})).size(), 3U) << format;
+    }
+    sigmf("other", global, "", "abcd");
+    const auto two = folder() + "two.sigmf";
+    ASSERT_EQ(std::system(("tar -C " + folder() + " -cf " + two + " other.sigmf-meta " + name + ".sigmf-data " + name +
+                           ".sigmf-meta other.sigmf-data")
+                              .c_str()),
+              0);
+    EXPECT_NE(errorOf(two, {}).find("holds several recordings, other.sigmf-meta and nnn"), std::string::npos);
 }
 
 TEST_F(Recording, DoubtfulMetadataAreTold) {

@@ -62,6 +62,9 @@ class BadInput(Folder):
     def test_unusable_inputs_and_values(self):
         tone = "gen:tone?duration=10m"
         raw = self.path("raw", b"\0" * 8)
+        self.path("raw-meta", b"\0" * 8)
+        recording = self.path("r.sigmf-meta", b'{"global":{"core:dataset":"other.bin"}}')
+        self.path("other.bin", b"\0" * 8)
         for arguments, expected in [
             ([self.folder + "/none.wav"], "none.wav: No such file"),
             (["-", "--rate", "8k"], "raw samples need --format"),
@@ -87,6 +90,10 @@ class BadInput(Folder):
             ([tone, "--scale", "2"], "--scale: goes with files"),
             ([tone, "--sweep", "-", "--messages", "-"], "--sweep: --messages goes to standard output too"),
             ([raw, "--format", "f32", "--rate", "5", "--messages", raw], "raw is an input"),
+            ([raw + "-meta", "--format", "cf32", "--rate", "5", "--annotations", raw + "-meta"], "raw-meta is an input"),
+            ([recording, "--traces", self.folder + "/other.bin", "--overwrite"], "other.bin is an input"),
+            ([self.folder + "/r.sigmf-data", "--traces", recording, "--overwrite"], "r.sigmf-meta is an input"),
+            ([tone, "--annotations", "-"], "--annotations: wants a file"),
             ([tone, "--verify"], "--verify: goes with SigMF"),
             ([tone, "--iq"], "--iq: goes with sound files and tables"),
             ([tone, "--speed", "0"], "--speed: 0 is not above 0"),
@@ -234,6 +241,15 @@ class Results(Folder):
                 else:
                     value = found["value"] if isinstance(found, dict) else found
                     self.assertAlmostEqual(value, expected, delta=1e-3 * expected)
+        run = play("gen:tone?duration=1&rate=48k", "--deck", "spectrum", "--set", "lowerMask=10")
+        self.assertEqual(run.returncode, 1, "a mask that is set is tested")
+
+    def test_the_type_of_a_spectrum_alone_makes_its_unit_a_density(self):
+        for units, unit in [("dbm", "dBm"), ("dbm/hz", "dBm"), ("watts", "W"), ("auto", "W")]:
+            for density, expected in [("power", unit), ("power-density", unit + "/Hz")]:
+                _, report = report_of("gen:tone?duration=1", "--deck", "spectrum", "--set", "spectrumUnits=" + units,
+                                      "--set", "spectrumType=" + density)
+                self.assertEqual(report["decks"][0]["peaks"]["peaks"][0]["level"]["unit"], expected)
 
     def test_messages_from_input_to_output_hold_every_sample_and_every_gap(self):
         run = play("-", "--format", "f64", "--rate", "1k", "--deck", "frame", "--messages", "-", "--report", "json",

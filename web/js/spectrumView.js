@@ -28,9 +28,10 @@ export class SpectrumView {
 
   get unit() {
     const word = this.client.value(estimator, 'spectrumUnits', 'dbm');
-    const [base, per] = word.split('/');
+    const [base] = word.split('/');
     const unit = unitSymbols[base] ?? base;
-    if (!per && this.client.value(estimator, 'spectrumType', 'power') !== 'power-density') return unit;
+    // The type alone makes a density of it: the words with "/hz" give the same numbers as those without.
+    if (this.client.value(estimator, 'spectrumType', 'power') !== 'power-density') return unit;
     return unit === 'Vrms' ? 'Vrms/√Hz' : `${unit}/Hz`;
   }
 

@@ -1,8 +1,12 @@
 #include "TarArchive.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 #include <optional>
+#include <string_view>
+#include <system_error>
 
 #include "ByteSource.h"
 #include "UsageError.h"
@@ -47,6 +51,45 @@ std::string textField(const Block& block, std::size_t begin, std::size_t length)
     return {text, strnlen(text, length)};
 }
 
+/// What a header in front of a file's own says of it in the place of that.
+struct LongerFields {
+    std::optional<std::string> name;
+    std::optional<std::uint64_t> bytes;
+};
+
+/// Records of pax: "LENGTH KEY=VALUE" and a line break each, the length that of the whole record.
+LongerFields readPaxRecords(std::string_view text) {
+    LongerFields fields;
+    while (!text.empty()) {
+        std::size_t length = 0;
+        const auto* const end = text.data() + text.size();
+        const auto [behind, error] = std::from_chars(text.data(), end, length);
+        const auto digits = static_cast<std::size_t>(behind - text.data());
+        if (error != std::errc() || length < digits + 2 || length > text.size()) {
+            break;
+        }
+        const auto record = text.substr(digits + 1, length - digits - 2);
+        const auto value = record.substr(std::min(record.size(), record.find('=') + 1));
+        if (record.starts_with("path=")) {
+            fields.name = std::string(value);
+        } else if (std::uint64_t bytes = 0; record.starts_with("size=")) {
+            std::from_chars(value.data(), value.data() + value.size(), bytes);
+            fields.bytes = bytes;
+        }
+        text.remove_prefix(length);
+    }
+    return fields;
+}
+
+/// The content of a header of pax (type x) or of a long name of GNU (type L).
+LongerFields readLongerFields(ByteSource& source, std::uint64_t position, std::uint64_t bytes, bool isPax) {
+    constexpr std::uint64_t most = 1U << 20U;
+    std::string text(static_cast<std::size_t>(std::min(bytes, most)), '\0');
+    source.seek(position);
+    text.resize(source.read(reinterpret_cast<unsigned char*>(text.data()), text.size()));
+    return isPax ? readPaxRecords(text) : LongerFields{text.substr(0, text.find('\0')), std::nullopt};
+}
+
 }  // namespace
 
 std::vector<TarEntry> listTarArchive(const std::string& path) {
@@ -55,22 +98,33 @@ std::vector<TarEntry> listTarArchive(const std::string& path) {
         throw UsageError(path + ": an archive must be a file, not a pipe");
     }
     std::vector<TarEntry> entries;
+    LongerFields longer;
     Block block{};
     std::uint64_t position = 0;
     while (source.seek(position) && source.read(block.data(), blockSize) == blockSize && block[0] != 0) {
-        const auto bytes = readField(block, 124, 12);
-        if (!hasChecksum(block) || !bytes) {
+        const auto field = readField(block, 124, 12);
+        if (!hasChecksum(block) || !field) {
             throw UsageError(path + ": no tar archive: a bad header at byte " + std::to_string(position));
         }
         position += blockSize;
-        if (*bytes > *source.size() - position) {
-            throw UsageError(path + ": the archive is cut short in `" + textField(block, 0, 100) + '`');
-        }
         constexpr std::size_t typeAt = 156;
-        if (block[typeAt] == '0' || block[typeAt] == 0) {
-            entries.push_back({textField(block, 0, 100), position, *bytes});
+        const auto type = block[typeAt];
+        const bool isLonger = type == 'x' || type == 'L';
+        const auto name = longer.name.value_or(textField(block, 0, 100));
+        const auto bytes = isLonger ? *field : longer.bytes.value_or(*field);
+        if (bytes > *source.size() - position) {
+            throw UsageError(path + ": the archive is cut short in `" + name + '`');
         }
-        position += (*bytes + blockSize - 1) / blockSize * blockSize;
+        if (isLonger) {
+            const auto more = readLongerFields(source, position, bytes, type == 'x');
+            longer = {more.name ? more.name : longer.name, more.bytes ? more.bytes : longer.bytes};
+        } else {
+            if (type == '0' || type == 0) {
+                entries.push_back({name, position, bytes});
+            }
+            longer = {};
+        }
+        position += (bytes + blockSize - 1) / blockSize * blockSize;
     }
     return entries;
 }

@@ -13,7 +13,7 @@ struct TarEntry {
     std::uint64_t bytes = 0;
 };
 
-/// The plain files of an uncompressed tar archive (ustar, with the long names of pax and GNU headers passed over).
+/// The plain files of an uncompressed tar archive (ustar, with the long names and sizes of pax and GNU).
 /// Throws UsageError for a file that is no such archive or is cut short.
 std::vector<TarEntry> listTarArchive(const std::string& path);
 

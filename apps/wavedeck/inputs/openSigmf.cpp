@@ -49,13 +49,18 @@ std::string readText(const std::string& path, std::uint64_t position, std::optio
     return text;
 }
 
-/// The first file of an archive with the extension.
+/// The file of an archive with the extension. Throws UsageError if there is none, or more than one recording.
 TarEntry findEntry(const std::string& archive, std::string_view extension) {
     const auto entries = listTarArchive(archive);
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [&](const TarEntry& entry) { return entry.name.ends_with(extension); });
+    const auto isWanted = [&](const TarEntry& entry) { return entry.name.ends_with(extension); };
+    const auto found = std::find_if(entries.begin(), entries.end(), isWanted);
     if (found == entries.end()) {
         throw UsageError(archive + ": the archive holds no file *" + std::string(extension));
+    }
+    const auto other = std::find_if(found + 1, entries.end(), isWanted);
+    if (other != entries.end()) {
+        throw UsageError(archive + ": the archive holds several recordings, " + found->name + " and " + other->name +
+                         " among them: take it apart and play one of them");
     }
     return *found;
 }
@@ -119,6 +124,23 @@ std::string verify(const std::string& name, const Dataset& dataset, const SigmfM
     return "SHA-512 agrees";
 }
 
+/// Throws UsageError for a header or a trailer that is longer than the file around it.
+void checkPadding(const std::string& name, const Dataset& dataset, const SigmfMetadata& metadata) {
+    const auto size = dataset.source->size();
+    if (!size) {
+        return;
+    }
+    const auto bytes = *size - dataset.leadingBytes - dataset.trailingBytes;
+    const auto check = [&](const char* field, std::uint64_t padding) {
+        if (padding > bytes) {
+            throw UsageError(name + ": " + field + ": " + std::to_string(padding) + " bytes, and the samples have " +
+                             std::to_string(bytes));
+        }
+    };
+    check("global.core:trailing_bytes", metadata.trailingBytes);
+    check("captures[0].core:header_bytes", metadata.runs.front().headerBytes);
+}
+
 double sampleRate(const std::string& input, const SigmfMetadata& metadata, const std::string& option) {
     if (metadata.sampleRate && !option.empty()) {
         throw UsageError("--rate: " + input + " has a rate of its own, " + formatQuantity(*metadata.sampleRate, "Hz"));
@@ -136,6 +158,23 @@ bool isSigmf(const std::string& input) {
            input.ends_with(archiveExtension) || input.ends_with(collectionExtension);
 }
 
+std::vector<std::string> sigmfFiles(const std::string& input) {
+    std::vector<std::string> files{input, metadataName(input)};
+    if (!input.ends_with(metadataExtension)) {
+        return files;
+    }
+    files.push_back(withoutExtension(input, metadataExtension) + std::string(datasetExtension));
+    try {
+        const auto metadata = parseSigmfText(input, readSigmfText(input));
+        files.push_back(folderOf(input) + metadata.at("global").at("core:dataset").get<std::string>());
+    } catch (const UsageError&) {
+        return files;  // opening it will say what is wrong
+    } catch (const nlohmann::json::exception&) {
+        return files;  // no other dataset
+    }
+    return files;
+}
+
 std::string readSigmfText(const std::string& input) {
     if (input.ends_with(archiveExtension)) {
         const auto entry = findEntry(input, metadataExtension);
@@ -148,6 +187,7 @@ std::unique_ptr<SignalReader> openSigmf(const std::string& input, const InputOpt
     const auto name = metadataName(input);
     auto metadata = readSigmfMetadata(name, parseSigmfText(name, readSigmfText(input)));
     auto dataset = openDataset(input, metadata);
+    checkPadding(name, dataset, metadata);
     SignalFacts facts;
     facts.name = input;
     facts.format = "SigMF, " + metadata.format.meaning();

@@ -35,8 +35,7 @@ void addHold(const char* name, const std::vector<double>& trace, std::size_t cha
 }
 
 void addSpectra(const Record& record, const DeckSettings& settings, TraceTable& table) {
-    const auto unit =
-        " (" + spectrumUnit(shownSpectrumUnits(settings)) + "; RBW " + formatQuantity(record.transientRBW, "Hz") + ")";
+    const auto unit = " (" + levelUnit(settings) + "; RBW " + formatQuantity(record.transientRBW, "Hz") + ")";
     std::size_t index = 0;  // of all channels
     for (std::size_t signal = 0; signal < record.numChannels.size(); ++signal) {
         for (std::size_t channel = 0; channel < static_cast<std::size_t>(record.numChannels[signal]); ++channel) {

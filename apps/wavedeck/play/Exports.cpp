@@ -33,7 +33,7 @@ bool isOn(const DeckSettings& settings, std::string_view stage, std::string_view
 
 /// What turns a level of the spectrum into decibels: 0 for one that is in decibels.
 double decibelsOf(const DeckSettings& settings) {
-    const auto unit = spectrumUnit(shownSpectrumUnits(settings));
+    const auto unit = levelUnit(settings);
     return unit.starts_with('W') ? 10.0 : unit.starts_with('V') ? 20.0 : 0.0;
 }
 
@@ -43,7 +43,7 @@ double offsetOf(const Record& record) {
 
 std::vector<Finding> findPeaks(const dspwavedecks::peakFinderStruct& record, double rbw, const DeckSettings& settings) {
     std::vector<Finding> findings;
-    const auto unit = spectrumUnit(shownSpectrumUnits(settings));
+    const auto unit = levelUnit(settings);
     for (const auto& peak : record.peaks) {
         findings.push_back({"peak", peak.location, peak.location - rbw / 2.0, peak.location + rbw / 2.0, peak.value,
                             formatQuantity(peak.value, unit) + " at " + formatQuantity(peak.location, "Hz", 12) +

@@ -52,7 +52,7 @@ std::vector<Finding> findMaskFailures(const Record& spectrum, const dspwavedecks
                                       const DeckSettings& settings) {
     const auto& grid = spectrum.frequencyVector;
     const auto masks = settings.value(maskStage, "enabledMasks");
-    const auto unit = spectrumUnit(shownSpectrumUnits(settings));
+    const auto unit = levelUnit(settings);
     const auto reference = ", reference level " + formatQuantity(mask.spectrumPeak, unit);
     std::vector<double> excesses(grid.size(), 0.0);
     const auto channels = spectrum.numChannels.empty() ? 0 : static_cast<std::size_t>(spectrum.numChannels.front());

@@ -53,7 +53,8 @@ std::span<const double> newestSpectrum(const dspwavedecks::spectrumEstimatorMeta
 /// Which signal and channel a stage measures, counted from 0 as the options do.
 ReportValue measuredChannel(const DeckSettings& settings, std::string_view stage);
 
-/// The unit of a spectrum's levels, from the word of the option "spectrumUnits": "dbm" is "dBm".
-std::string spectrumUnit(std::string_view word);
+/// The unit of the levels of the spectrum that is shown: "dBm", of a density "dBm/Hz". The spectrum's type alone tells
+/// a density: the words of "spectrumUnits" with "/hz" give the same numbers as those without.
+std::string levelUnit(const DeckSettings& settings);
 
 }  // namespace program

@@ -31,16 +31,39 @@ std::span<const double> newestSpectrum(const dspwavedecks::spectrumEstimatorMeta
 
 namespace {
 
-std::string levelUnit(const DeckSettings& settings) {
-    return spectrumUnit(shownSpectrumUnits(settings));
+/// The unit of a word of the option "spectrumUnits": "dbm" is "dBm".
+std::string spectrumUnit(std::string_view word) {
+    static constexpr std::array<std::pair<std::string_view, std::string_view>, 7> units{{
+        {"watts", "W"},
+        {"dbw", "dBW"},
+        {"dbm", "dBm"},
+        {"dbfs", "dBFS"},
+        {"vrms", "Vrms"},
+        {"dbv", "dBV"},
+        {"dbuv", "dBuV"},
+    }};
+    const auto* found =
+        std::find_if(units.begin(), units.end(), [&](const auto& entry) { return entry.first == word; });
+    return found == units.end() ? "" : std::string(found->second);
 }
+
+}  // namespace
+
+std::string levelUnit(const DeckSettings& settings) {
+    const auto word = shownSpectrumUnits(settings);
+    const auto unit = spectrumUnit(std::string_view(word).substr(0, word.find('/')));
+    if (settings.value(estimatorStage(settings), "spectrumType") != "power-density") {
+        return unit;
+    }
+    return unit + (unit == "Vrms" ? "/sqrt(Hz)" : "/Hz");
+}
+
+namespace {
 
 /// The unit of a power that was integrated over a spectrum: decibels over the spectrum's power unit.
 std::string powerUnit(const DeckSettings& settings) {
     auto unit = levelUnit(settings);
-    if (unit.ends_with("/Hz")) {
-        unit.resize(unit.size() - 3);
-    }
+    unit.resize(std::min(unit.size(), unit.find('/')));
     return unit == "W" ? "dBW" : unit == "Vrms" ? "dB" : unit;
 }
 
@@ -68,25 +91,6 @@ void addNoiseFloors(const dspwavedecks::spectrumEstimatorMetaDataStruct& record,
 }
 
 }  // namespace
-
-std::string spectrumUnit(std::string_view word) {
-    static constexpr std::array<std::pair<std::string_view, std::string_view>, 11> units{{
-        {"watts", "W"},
-        {"dbw", "dBW"},
-        {"dbm", "dBm"},
-        {"dbfs", "dBFS"},
-        {"vrms", "Vrms"},
-        {"dbv", "dBV"},
-        {"dbuv", "dBuV"},
-        {"watts/hz", "W/Hz"},
-        {"dbw/hz", "dBW/Hz"},
-        {"dbm/hz", "dBm/Hz"},
-        {"dbfs/hz", "dBFS/Hz"},
-    }};
-    const auto* found =
-        std::find_if(units.begin(), units.end(), [&](const auto& entry) { return entry.first == word; });
-    return found == units.end() ? "" : std::string(found->second);
-}
 
 /// The resolution bandwidth that the options ask for, or what they ask for in its place.
 std::string requestedRBW(const DeckSettings& settings, std::string_view estimator) {

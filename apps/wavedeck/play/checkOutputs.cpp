@@ -32,19 +32,23 @@ bool areSame(const std::string& one, const std::string& other) {
            (std::filesystem::is_regular_file(one, error) && std::filesystem::equivalent(one, other, error) && !error);
 }
 
-/// The files that an input is read from, as far as its name tells.
+/// The files that an input is read from.
 std::vector<std::string> filesOf(const std::string& input) {
-    std::vector<std::string> files{input};
-    if (isSigmf(input)) {
-        files.push_back(std::filesystem::path(input).replace_extension(".sigmf-data").string());
-    }
-    return files;
+    return isSigmf(input) ? sigmfFiles(input) : std::vector<std::string>{input};
+}
+
+/// Annotations may take the place of the metadata that they hold all of.
+bool mayReplace(const std::string& option, const std::string& input, const std::string& file) {
+    return option == "--annotations" && isSigmf(input) && file.ends_with(".sigmf-meta");
 }
 
 }  // namespace
 
 void checkOutputs(const PlayCommand& command) {
     const auto outputs = outputsOf(command);
+    if (command.annotations == "-") {
+        throw UsageError("--annotations: wants a file, not standard output");
+    }
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         const auto& [option, path] = outputs[i];
         for (std::size_t j = 0; j < i; ++j) {
@@ -55,7 +59,7 @@ void checkOutputs(const PlayCommand& command) {
         }
         for (const auto& input : command.inputs) {
             for (const auto& file : filesOf(input)) {
-                if (path != "-" && areSame(path, file) && (option != "--annotations" || !path.ends_with("-meta"))) {
+                if (path != "-" && areSame(path, file) && !mayReplace(option, input, file)) {
                     throw UsageError(option + ": " + path + " is an input");
                 }
             }

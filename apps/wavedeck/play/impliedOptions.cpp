@@ -33,6 +33,8 @@ constexpr Implied impliedOptions[] = {
     {"timeResolution", "autoTimeResolution", "false"},
     {"upperMask", "enabledMasks", "upper"},
     {"lowerMask", "enabledMasks", "lower"},
+    {"upperMask", "spectralMaskEnabled", "true"},
+    {"lowerMask", "spectralMaskEnabled", "true"},
     {"level", "autoLevel", "false"},
     {"highStateLevel", "autoStateLevel", "false"},
     {"lowStateLevel", "autoStateLevel", "false"},
