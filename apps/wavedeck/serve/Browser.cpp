@@ -81,6 +81,9 @@ void Browser::run(const Answer& answer, const std::function<void()>& refused) {
     read(answer, refused);
     close();
     writer.join();
+    // Ended here, behind the writer, and not by whoever lets go of the socket last: that may be the thread that accepted
+    // the connection.
+    socket_.close();
 }
 
 void Browser::sendText(const std::string& text) {
