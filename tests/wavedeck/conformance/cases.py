@@ -61,6 +61,20 @@ def statistics():
           [(name, "stats." + name, unit, value, source, *ROUND) for name, unit, value, source in rows])
 
 
+def spans():
+    """A ramp that tells the time of each sample: t / 5 - 1."""
+    rows = []
+    for case, first, source, options in [
+            ("live", 5, "the newest 5000 samples", ""),
+            ("live, span of 2 s", 7.999, "2 s before the newest sample", "--span-time 2"),
+            ("simulation, span of 4 s", 8, "the span under way: from 2 x 4 s", "--span-time 4 --blockflow --frame 100")]:
+        rows += [(case + ": first sample", "stats.minimumPosition", "s", first, source, *ROUND, options),
+                 (case + ": its value", "stats.minimum", "", first / 5 - 1, "t / 5 - 1", *ROUND, options)]
+    rows.append(("simulation: times held", "held", "", 0, "goes at full speed", *EXACT, rows[-1][-1]))
+    group("Span of the time measurements", "One ramp of 10 s: the minimum is the first sample that is measured.",
+          "gen:ramp?rate=1k&frequency=0.1&duration=10 --deck time --measure stats", rows)
+
+
 def ringing(damping):
     """Step response of a second-order system by wn t, and its damped frequency over wn."""
     damped = math.sqrt(1 - damping**2)
@@ -407,7 +421,7 @@ def eight_taps():
     group("Side lobes of eight equal taps", "eight.txt holds 0.125 in eight lines.", "eight.txt --deck response", rows)
 
 
-for fill in (statistics, time_peaks, pulses, aberrations, trigger, magnitude_phase, levels, spectrum_figures,
+for fill in (statistics, spans, time_peaks, pulses, aberrations, trigger, magnitude_phase, levels, spectrum_figures,
              spectrum_peaks, channels, adjacent_channels, distortion, intercept, phase_noise, masks,
              two_taps, eight_taps):
     fill()
