@@ -29,10 +29,12 @@ KINDS = {"char or string": "char", "logicals": "logical", "ints": "int", "double
 HEADER = """# Options against tests
 
 Written by `tests/wavedeck/options/option_effects.py`, which also runs with the tests. It plays the frames of a deck
-once with the options under "given" alone and once with the option set besides, by a tune between frames where it is
-read then, else at the setup; "effect" is the condition that must hold between what the field `was` and what it is
-`now`. It fails when an effect is missing, when an option of the catalogue has no row, and when an option that is said
-to have no effect here changes anything. Decks and frames stand in `decks.py` beside it. With
+once with the options under "given" alone and once with the option set besides; "effect" is the condition that must hold
+between what the field `was` and what it is `now`. An option is set by a tune between frames where it is read then, else
+at the setup. "(at the setup)" marks a row that sets it there in any case: the option says how things begin, the first
+span or the first hold trace for instance, and a tune leaves what has begun as it is. The test fails when an effect is
+missing, when an option of the catalogue has no row, and when an option that is said to have no effect here changes
+anything. Decks and frames stand in `decks.py` beside it. With
 `--both` options are set at the setup, too; with `--write` the page is written anew:
 
     python3 tests/wavedeck/options/option_effects.py build/release/bin/wavedeck docs --write
