@@ -109,7 +109,8 @@ constexpr Definition definitions[] = {
     {"channel", "adjacentChannels.upper", "power of the band above, at the offset, over that of the channel"},
 
     {"distortion", "thd", "10 log10(sum of the harmonics' powers / power of the fundamental)"},
-    {"distortion", "thdPercent", "100 * 10^(THD / 20): ratio of rms amplitudes (IEC 60268-3)"},
+    {"distortion", "thdPercent",
+     "100 * 10^(THD / 20): ratio of rms amplitudes, harmonics to fundamental (IEC 61000-4-7)"},
     {"distortion", "snr", "10 log10(power of the fundamental / noise power), without harmonics (IEEE Std 1241)"},
     {"distortion", "sinad", "10 log10(power of the fundamental / (noise + harmonics)) (IEEE Std 1241)"},
     {"distortion", "sfdr", "10 log10(power of the fundamental / largest spurious bin or harmonic)"},
