@@ -1,9 +1,4 @@
-// Horner's rule on blocks of points for one instruction set. The including source defines, in a namespace of its own:
-//   Vector, lanes                        a vector of doubles and their number
-//   load, store, broadcast               between vectors and memory
-//   multiplyAdd(a, b, c)                 a * b + c
-//   multiplySubtract(a, b, c)            a * b - c
-//   KERNEL_TARGET                        the attributes of a function for the instruction set
+// Horner's rule on blocks of points for one instruction set; included behind VectorType.inl.
 
 /// Vectors of points in a block. Each point is a chain of two dependent multiply-adds a step, eight cycles of latency;
 /// four vectors of it are 16 operations, which keep two units busy, and leave real and imaginary parts of value and
@@ -11,24 +6,24 @@
 constexpr std::size_t vectorsPerBlock = 4;
 constexpr std::size_t pointsPerBlock = vectorsPerBlock * lanes;
 
-KERNEL_TARGET void evaluateBlock(const double* c, std::size_t count, const double* zReal, const double* zImag,
-                                 double* real, double* imag) {
-    Vector zr[vectorsPerBlock];
-    Vector zi[vectorsPerBlock];
-    Vector pr[vectorsPerBlock];
-    Vector pi[vectorsPerBlock];
+VECTOR_TARGET static void evaluateBlock(const double* c, std::size_t count, const double* zReal, const double* zImag,
+                                        double* real, double* imag) {
+    Doubles zr[vectorsPerBlock];
+    Doubles zi[vectorsPerBlock];
+    Doubles pr[vectorsPerBlock];
+    Doubles pi[vectorsPerBlock];
     for (std::size_t v = 0; v < vectorsPerBlock; ++v) {
         zr[v] = load(zReal + v * lanes);
         zi[v] = load(zImag + v * lanes);
-        pr[v] = broadcast(0.0);
-        pi[v] = broadcast(0.0);
+        pr[v] = Doubles{};
+        pi[v] = Doubles{};
     }
     for (std::size_t m = count; m-- > 0;) {
-        const Vector coefficient = broadcast(c[m]);
+        const Doubles coefficient = c[m] - Doubles{};
         for (std::size_t v = 0; v < vectorsPerBlock; ++v) {
-            const Vector previous = pr[v];
+            const Doubles previous = pr[v];
             pr[v] = multiplyAdd(pr[v], zr[v], multiplyAdd(pi[v], zi[v], coefficient));
-            pi[v] = multiplySubtract(pi[v], zr[v], previous * zi[v]);
+            pi[v] = multiplyAdd(pi[v], zr[v], -(previous * zi[v]));
         }
     }
     for (std::size_t v = 0; v < vectorsPerBlock; ++v) {
@@ -37,8 +32,8 @@ KERNEL_TARGET void evaluateBlock(const double* c, std::size_t count, const doubl
     }
 }
 
-KERNEL_TARGET void evaluate(const double* c, std::size_t count, const double* zReal, const double* zImag,
-                            std::size_t points, double* real, double* imag) {
+VECTOR_TARGET static void evaluate(const double* c, std::size_t count, const double* zReal, const double* zImag,
+                                   std::size_t points, double* real, double* imag) {
     std::size_t k = 0;
     for (; k + pointsPerBlock <= points; k += pointsPerBlock) {
         evaluateBlock(c, count, zReal + k, zImag + k, real + k, imag + k);

@@ -1,11 +1,14 @@
 #include "UnitCirclePolynomial.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
+
+#include "InstructionSet.h"
 
 namespace dspwavedecks {
 
@@ -13,93 +16,37 @@ namespace {
 
 /// What every machine has: two lanes, multiplication and addition rounded apart.
 namespace portable {
-
-#define KERNEL_TARGET
-constexpr std::size_t lanes = 2;
-typedef double Vector __attribute__((vector_size(lanes * sizeof(double))));
-
-inline Vector load(const double* source) {
-    return Vector{source[0], source[1]};
-}
-inline void store(double* destination, Vector value) {
-    destination[0] = value[0];
-    destination[1] = value[1];
-}
-inline Vector broadcast(double value) {
-    return Vector{value, value};
-}
-inline Vector multiplyAdd(Vector a, Vector b, Vector c) {
-    return a * b + c;
-}
-inline Vector multiplySubtract(Vector a, Vector b, Vector c) {
-    return a * b - c;
-}
+#define VECTOR_TARGET
+#define VECTOR_LANES 2
+#include "VectorType.inl"
 
 #include "HornerKernel.inl"
-#undef KERNEL_TARGET
-
+#undef VECTOR_TARGET
+#undef VECTOR_LANES
 }  // namespace portable
 
 #if defined(__x86_64__)
+#define VECTOR_FUSED
 
 namespace avx2 {
-
-#define KERNEL_TARGET __attribute__((target("avx2,fma")))
-#define KERNEL_INLINE KERNEL_TARGET inline __attribute__((always_inline))
-constexpr std::size_t lanes = 4;
-using Vector = __m256d;
-
-KERNEL_INLINE Vector load(const double* source) {
-    return _mm256_loadu_pd(source);
-}
-KERNEL_INLINE void store(double* destination, Vector value) {
-    _mm256_storeu_pd(destination, value);
-}
-KERNEL_INLINE Vector broadcast(double value) {
-    return _mm256_set1_pd(value);
-}
-KERNEL_INLINE Vector multiplyAdd(Vector a, Vector b, Vector c) {
-    return _mm256_fmadd_pd(a, b, c);
-}
-KERNEL_INLINE Vector multiplySubtract(Vector a, Vector b, Vector c) {
-    return _mm256_fmsub_pd(a, b, c);
-}
+#define VECTOR_TARGET __attribute__((target("avx2,fma")))
+#define VECTOR_LANES 4
+#include "VectorType.inl"
 
 #include "HornerKernel.inl"
-#undef KERNEL_INLINE
-#undef KERNEL_TARGET
-
+#undef VECTOR_TARGET
+#undef VECTOR_LANES
 }  // namespace avx2
 
 namespace avx512 {
-
-#define KERNEL_TARGET __attribute__((target("avx512f")))
-#define KERNEL_INLINE KERNEL_TARGET inline __attribute__((always_inline))
-constexpr std::size_t lanes = 8;
-using Vector = __m512d;
-
-KERNEL_INLINE Vector load(const double* source) {
-    return _mm512_loadu_pd(source);
-}
-KERNEL_INLINE void store(double* destination, Vector value) {
-    _mm512_storeu_pd(destination, value);
-}
-KERNEL_INLINE Vector broadcast(double value) {
-    return _mm512_set1_pd(value);
-}
-KERNEL_INLINE Vector multiplyAdd(Vector a, Vector b, Vector c) {
-    return _mm512_fmadd_pd(a, b, c);
-}
-KERNEL_INLINE Vector multiplySubtract(Vector a, Vector b, Vector c) {
-    return _mm512_fmsub_pd(a, b, c);
-}
+#define VECTOR_TARGET __attribute__((target("avx512f")))
+#define VECTOR_LANES 8
+#include "VectorType.inl"
 
 #include "HornerKernel.inl"
-#undef KERNEL_INLINE
-#undef KERNEL_TARGET
-
+#undef VECTOR_TARGET
+#undef VECTOR_LANES
 }  // namespace avx512
-
 #endif
 
 }  // namespace
@@ -107,10 +54,10 @@ KERNEL_INLINE Vector multiplySubtract(Vector a, Vector b, Vector c) {
 std::vector<UnitCircleKernel> supportedUnitCircleKernels() {
     std::vector<UnitCircleKernel> kernels{{"portable", portable::evaluate}};
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
+    if (isSupported(InstructionSet::avx2)) {
         kernels.push_back({"avx2", avx2::evaluate});
     }
-    if (__builtin_cpu_supports("avx512f")) {
+    if (isSupported(InstructionSet::avx512)) {
         kernels.push_back({"avx512", avx512::evaluate});
     }
 #endif
