@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -47,6 +50,27 @@ inline wavedeck_client* given(wavedeck_client* client) {
 
 inline std::string nameFrom(const char* name) {
     return given(name, "name");
+}
+
+/// A caller's array of `rows` rows of `count` elements, whose pointer counts only if there are any. Refuses a count
+/// that no array can have, such as a negative number that was turned into a size.
+template <typename Element>
+std::span<const Element> arrayFrom(const Element* elements, std::size_t count, const char* what, std::size_t rows = 1) {
+    if (rows > 0 && count > PTRDIFF_MAX / sizeof(Element) / rows) {
+        throw wavedeck::driver::DriverError("no array has " + std::to_string(count) + " elements in each of " +
+                                            std::to_string(rows) + " rows");
+    }
+    const std::size_t total = rows * count;
+    return {total == 0 ? elements : given(elements, what), total};
+}
+
+/// Refuses what was given for another number of signals than the client has.
+inline void requireSignals(const wavedeck::driver::ClientFacts& facts, std::size_t numSignals) {
+    if (numSignals != facts.signals.size()) {
+        throw wavedeck::driver::DriverError("client \"" + facts.name + "\" has " +
+                                            std::to_string(facts.signals.size()) + " signals, not " +
+                                            std::to_string(numSignals));
+    }
 }
 
 /// Runs a call without a result; 1 tells that it was done.

@@ -16,7 +16,7 @@ template <typename Element, typename Value, typename Make>
 int addValues(wavedeck_options* options, const char* name, const Value* values, size_t count, const Make& make) {
     return done([&] {
         std::vector<Element> elements;
-        for (const Value& value : std::span(count == 0 ? values : given(values, "value"), count)) {
+        for (const Value& value : arrayFrom(values, count, "value")) {
             elements.push_back(static_cast<Element>(value));
         }
         given(options, "list of options")->list.add(nameFrom(name), make(elements));
@@ -38,8 +38,8 @@ wavedeck::driver::SignalFacts factsOf(const wavedeck_signal& signal, size_t inde
 
 wavedeck_client* makeClient(const wavedeck_library* library, wavedeck::driver::ClientFacts facts,
                             const wavedeck_signal* signals, size_t numSignals, const std::string& strategy) {
-    for (size_t i = 0; i < numSignals; ++i) {
-        facts.signals.push_back(factsOf(given(signals, "signal")[i], i));
+    for (const wavedeck_signal& signal : arrayFrom(signals, numSignals, "signal")) {
+        facts.signals.push_back(factsOf(signal, facts.signals.size()));
     }
     auto client = std::make_unique<wavedeck_client>(*given(library, "library"), std::move(facts));
     client->client.setStrategy(strategy, client->stages.makeStrategy(strategy));
@@ -116,12 +116,12 @@ int wavedeck_frame(wavedeck_client* client, const double* samples, size_t points
 int wavedeck_frames(wavedeck_client* client, const double* const* samples, const size_t* points, size_t num_signals) {
     return done([&] {
         const auto facts = given(client)->client.facts();
+        requireSignals(facts, num_signals);
         std::vector<std::span<const double>> frame;
         for (size_t i = 0; i < num_signals; ++i) {
-            const size_t channels = i < facts.signals.size() ? static_cast<size_t>(facts.signals[i].numChannels) : 0;
-            const size_t count = given(points, "number of points")[i] * channels;
-            const double* values = given(samples, "sample")[i];
-            frame.emplace_back(count == 0 ? values : given(values, "sample"), count);
+            const auto channels = static_cast<size_t>(facts.signals[i].numChannels);
+            frame.push_back(
+                arrayFrom(given(samples, "sample")[i], given(points, "number of points")[i], "sample", channels));
         }
         client->client.frame(frame);
     });

@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,13 +14,13 @@ namespace {
 /// nothing.
 std::vector<double> headOf(const wavedeck::driver::SignalFacts& signal, std::span<const double> times,
                            const double* samples) {
-    if (samples == nullptr) {
+    if (samples == nullptr && signal.isInputPort) {
         return {};
     }
+    const size_t samplesPerFrame = static_cast<size_t>(signal.numChannels) * static_cast<size_t>(signal.frameSize);
+    const auto frames = arrayFrom(samples, times.size(), "sample", samplesPerFrame);
     std::vector<double> head(times.begin(), times.end());
-    head.insert(
-        head.end(), samples,
-        samples + times.size() * static_cast<size_t>(signal.numChannels) * static_cast<size_t>(signal.frameSize));
+    head.insert(head.end(), frames.begin(), frames.end());
     return head;
 }
 
@@ -46,21 +46,14 @@ int wavedeck_simulation_frames(wavedeck_client* client, const double* times, con
                                size_t num_signals, size_t num_frames, int is_last) {
     return done([&] {
         const auto facts = given(client)->client.facts();
-        if (num_signals != facts.signals.size()) {
-            throw DriverError("frames of " + std::to_string(num_signals) + " signals for " +
-                              std::to_string(facts.signals.size()));
-        }
+        requireSignals(facts, num_signals);
         if (num_frames == 0) {
             throw DriverError("no frame was given");
         }
-        const std::span frameTimes(given(times, "time"), num_frames);
+        const auto frameTimes = arrayFrom(times, num_frames, "time");
         std::vector<std::vector<double>> heads;
         for (size_t i = 0; i < num_signals; ++i) {
-            const double* values = given(samples, "sample")[i];
-            if (!facts.signals[i].isInputPort) {
-                given(values, "sample");
-            }
-            heads.push_back(headOf(facts.signals[i], frameTimes, values));
+            heads.push_back(headOf(facts.signals[i], frameTimes, given(samples, "sample")[i]));
         }
         client->client.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
             info.setSimulationTime(frameTimes.back());

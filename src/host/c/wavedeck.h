@@ -51,7 +51,7 @@ typedef enum wavedeck_kind {
     WAVEDECK_STRUCTURE
 } wavedeck_kind;
 
-/* What was wrong with the last call of this thread that failed; empty if none has. */
+/* What was wrong with this thread's last call of those that can fail; empty if it succeeded. */
 WAVEDECK_C_API const char* wavedeck_error(void);
 
 /* The measurement library, by path or by a name that the dynamic loader finds. Its code stays loaded. */
@@ -96,10 +96,12 @@ WAVEDECK_C_API wavedeck_client* wavedeck_new_simulation_client(const wavedeck_li
 WAVEDECK_C_API int wavedeck_simulation_frames(wavedeck_client* client, const double* times,
                                               const double* const* samples, size_t num_signals, size_t num_frames,
                                               int is_last);
-/* 0 while the pacer wants the simulation to wait until the display has shown what there is. */
+/* 0 while the pacer wants the simulation to wait until the display has shown what there is; 0 with a wavedeck_error()
+ * for a call that failed. */
 WAVEDECK_C_API int wavedeck_simulation_may_go_on(wavedeck_client* client);
 
-/* The message of an update as JSON text, valid until the client's next; empty if nothing new came. */
+/* The message of an update as JSON text, valid until the client's next; empty if nothing new came, NULL for a call that
+ * failed. */
 WAVEDECK_C_API const char* wavedeck_update(wavedeck_client* client);
 /* Calls a query function of the library for this client, such as "getPeakFinderDataImpl". The result is the caller's,
  * who frees it with wavedeck_free_array; NULL for a function without a result, wavedeck_error() then is empty. */

@@ -11,6 +11,8 @@ static int refuse(const char* what) {
 
 int main(void) {
     const double frame[] = {0.0, 1.0, 0.0, 3.0, 0.0, 0.5};
+    const double* frames = frame;
+    const size_t points = 6;
     const int on = 1;
     const wavedeck_signal signal = {1, 0, 0.25, 6, 0};
     wavedeck_library* library = wavedeck_open_library("libdspwavedecksimpl.so");
@@ -29,6 +31,13 @@ int main(void) {
     }
     if (!wavedeck_setup(client) || !wavedeck_frame(client, frame, 6)) {
         return refuse("frame");
+    }
+    /* Nor is a count that no array has, or nothing in the place of something. */
+    if (wavedeck_frame(client, frame, (size_t)-1) || wavedeck_frame(client, NULL, 6) ||
+        wavedeck_frames(client, &frames, &points, (size_t)-1) ||
+        wavedeck_add_numbers(options, "n", frame, (size_t)-1) ||
+        wavedeck_new_client(library, "d", "dsp_wavedeck_frame_data_strategy", NULL, 1)) {
+        return refuse("an array that is none was taken");
     }
     if (wavedeck_add_stage(client, "no_such_filter", NULL) || wavedeck_query(client, "no_such_query")) {
         return refuse("a name that is not there was taken");
