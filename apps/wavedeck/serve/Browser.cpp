@@ -1,10 +1,10 @@
 #include "Browser.h"
 
-#include <Poco/Exception.h>
 #include <Poco/Net/NetException.h>
 #include <Poco/Timespan.h>
 
 #include <chrono>
+#include <exception>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -81,8 +81,8 @@ void Browser::run(const Answer& answer, const std::function<void()>& refused) {
     read(answer, refused);
     close();
     writer.join();
-    // Ended here, behind the writer, and not by whoever lets go of the socket last: that may be the thread that accepted
-    // the connection.
+    // Ended here, behind the writer, and not by whoever lets go of the socket last: that may be the thread that
+    // accepted the connection.
     socket_.close();
 }
 
@@ -133,8 +133,8 @@ void Browser::write() {
         }
         const std::lock_guard lock(sending_);
         socket_.shutdown();
-    } catch (const Poco::Exception&) {
-        // Gone, or too slow to be worth keeping: the reader finds the connection closed.
+    } catch (const std::exception&) {
+        // Gone, too slow to be worth keeping, or no memory for its messages: the reader finds the connection closed.
         close();
     }
 }
@@ -155,8 +155,8 @@ void Browser::read(const Answer& answer, const std::function<void()>& refused) {
         }
     } catch (const Poco::Net::WebSocketException&) {
         refused();  // not the protocol, or a message that is too long
-    } catch (const Poco::Exception&) {
-        return;  // the connection is gone
+    } catch (const std::exception&) {
+        return;  // the connection is gone, or there is no memory to answer it
     }
 }
 

@@ -1,6 +1,7 @@
 #include "LiveAddress.h"
 
 #include <charconv>
+#include <system_error>
 
 #include "UsageError.h"
 
@@ -22,6 +23,11 @@ LiveAddress readLiveAddress(const std::string& text) {
         throw UsageError("--serve: `" + text + "` is not [HOST:]PORT");
     }
     return address;
+}
+
+std::string toText(const LiveAddress& address) {
+    const bool isIPv6 = address.host.find(':') != std::string::npos;
+    return (isIPv6 ? "[" + address.host + "]" : address.host) + ":" + std::to_string(address.port);
 }
 
 }  // namespace program

@@ -14,4 +14,7 @@ struct LiveAddress {
 /// Reads "PORT" or "HOST:PORT" (an IPv6 address in brackets). Throws UsageError for anything else.
 LiveAddress readLiveAddress(const std::string& text);
 
+/// HOST:PORT as URLs have it, an IPv6 address in brackets: the reverse of readLiveAddress().
+std::string toText(const LiveAddress& address);
+
 }  // namespace program

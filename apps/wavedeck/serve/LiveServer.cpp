@@ -10,12 +10,14 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <exception>
 #include <map>
 #include <mutex>
 #include <utility>
 #include <vector>
 
 #include "Browser.h"
+#include "LiveAddress.h"
 #include "RequestHandlers.h"
 #include "UsageError.h"
 
@@ -33,7 +35,7 @@ Poco::Net::ServerSocket listenOn(const LiveServer::Settings& settings) {
         socket.listen(64);
         return socket;
     } catch (const Poco::Exception& wrong) {
-        throw UsageError("--serve " + settings.host + ":" + std::to_string(settings.port) +
+        throw UsageError("--serve " + toText(LiveAddress{settings.host, settings.port}) +
                          ": cannot listen: " + wrong.displayText());
     }
 }
@@ -176,19 +178,22 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
         const std::lock_guard lock(mutex);
         ++counters.refusedMessages;
     };
+    std::shared_ptr<Browser> browser;
     try {
-        const auto browser = take(request, response);
+        browser = take(request, response);
         browser->run(
             [&](const std::string& text) { return answerTune(text, callbacks, refused, [this] { describeAnew(); }); },
             refused);
-        forget(browser);
-    } catch (const Poco::Exception&) {
-        refused();  // not a WebSocket handshake
+    } catch (const std::exception&) {
+        refused();  // not a WebSocket handshake, or there is no memory or no thread for one more
         if (!response.sent()) {
             response.setStatusAndReason(Poco::Net::HTTPResponse::HTTP_BAD_REQUEST);
             response.setContentLength(0);
             response.send();
         }
+    }
+    if (browser) {
+        forget(browser);
     }
     const std::lock_guard lock(mutex);
     --places;
@@ -212,7 +217,7 @@ void LiveServer::describeAnew() {
 }
 
 std::string LiveServer::address() const {
-    return "http://" + state_->settings.host + ":" + std::to_string(state_->socket.address().port()) + "/";
+    return "http://" + toText(LiveAddress{state_->settings.host, state_->socket.address().port()}) + "/";
 }
 
 std::size_t LiveServer::numBrowsers() const {

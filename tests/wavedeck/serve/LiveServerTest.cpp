@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "LiveAddress.h"
 #include "Test.h"
 #include "UsageError.h"
 
@@ -194,6 +195,9 @@ TEST(LiveServer, saysWhatIsWrongWithAnAddressOrFolder) {
     program::LiveServer::Callbacks callbacks{[] { return std::string(); }, [](const auto&) { return std::string(); }};
     EXPECT_THROW(program::LiveServer({"127.0.0.1", 0, "/nowhere", 1}, callbacks), program::UsageError);
     EXPECT_THROW(program::LiveServer({"256.1.1.1", 0, "/nowhere", 1}, callbacks), program::UsageError);
+    for (const char* address : {"localhost:80", "[::1]:8080"}) {
+        EXPECT_EQ(toText(program::readLiveAddress(address)), address);
+    }
 }
 
 }  // namespace
