@@ -5,6 +5,7 @@
 #include <boost/core/demangle.hpp>
 #include <exception>
 #include <limits>
+#include <string_view>
 
 #include "BoardText.h"
 #include "DriverError.h"
@@ -12,6 +13,7 @@
 #include "QueryText.h"
 #include "ScriptClient.h"
 #include "ScriptOptions.h"
+#include "TextLists.h"
 #include "UsageError.h"
 
 namespace program {
@@ -69,6 +71,24 @@ std::vector<double> readWindows(const ScriptValue& engine) {
         bounds.push_back(window.list()[1].number());
     }
     return bounds;
+}
+
+/// The member of a step that says what it does: each step has one.
+const ScriptValue::Members::value_type& verbOf(const ScriptValue& step) {
+    static constexpr std::array<std::string_view, 11> verbs{"setup",  "tune",   "send",   "rollback", "reset", "size",
+                                                            "client", "replay", "update", "query",    "frame"};
+    static constexpr std::array<std::string_view, 6> others{"options", "show", "repeat", "expect", "tolerance", "note"};
+    std::vector<std::string_view> allowed(verbs.begin(), verbs.end());
+    allowed.insert(allowed.end(), others.begin(), others.end());
+    step.allowOnly(allowed);
+    const auto isVerb = [](const auto& member) {
+        return std::find(verbs.begin(), verbs.end(), member.first) != verbs.end();
+    };
+    const auto& members = step.members("a step");
+    if (std::count_if(members.begin(), members.end(), isVerb) != 1) {
+        step.refuse("a step with one of " + join(verbs, ", "));
+    }
+    return *std::find_if(members.begin(), members.end(), isVerb);
 }
 
 PropertyList optionsOf(const ScriptValue& step) {
@@ -149,33 +169,11 @@ std::optional<std::string> ScriptRunner::readTarget(const ScriptValue& value) co
     return name;
 }
 
-std::function<void(ScriptRunner::Result&)> ScriptRunner::readAction(const ScriptValue& value) {
-    static constexpr std::array<std::string_view, 11> verbs{"setup",  "tune",   "send",   "rollback", "reset", "size",
-                                                            "client", "replay", "update", "query",    "frame"};
-    static constexpr std::array<std::string_view, 6> others{"options", "show", "repeat", "expect", "tolerance", "note"};
-    std::vector<std::string_view> allowed(verbs.begin(), verbs.end());
-    allowed.insert(allowed.end(), others.begin(), others.end());
-    value.allowOnly(allowed);
-    const auto isVerb = [&](const auto& member) {
-        return std::find(verbs.begin(), verbs.end(), member.first) != verbs.end();
-    };
-    const auto& members = value.members("a step");
-    if (std::count_if(members.begin(), members.end(), isVerb) != 1) {
-        value.refuse(
-            "a step with one of setup, tune, send, rollback, reset, size, client, replay, update, query, frame");
-    }
-    const auto& [verb, object] = *std::find_if(members.begin(), members.end(), isVerb);
+ScriptRunner::Action ScriptRunner::readAction(const ScriptValue& value) {
+    const auto& [verb, object] = verbOf(value);
     DeckClient& client = *client_;
     if (verb == "frame") {
-        const ScriptFrame frame(object, client.facts(), testSignals_);
-        constexpr long long mostFrames = 1000000;
-        const auto* repeat = value.find("repeat");
-        const auto count = repeat == nullptr ? 1 : repeat->wholeNumber(1, mostFrames);
-        return [&client, frame, count](Result&) {
-            for (long long i = 0; i < count; ++i) {
-                frame.handTo(client);
-            }
-        };
+        return readFrames(object, value.find("repeat"));
     }
     if (verb == "client") {
         return [&client, changes = readClientChanges(object, false)](Result&) {
@@ -193,29 +191,46 @@ std::function<void(ScriptRunner::Result&)> ScriptRunner::readAction(const Script
         return [&client](Result&) { client.replay(); };
     }
     if (verb == "update") {
-        return [this, always = !object.logical("true, or false for an update that comes with no new data too")](
-                   Result& result) {
-            const auto update = always ? client_->updateNow() : client_->update();
-            result.event = update.event;
-            if (!update.message.isNull()) {
-                result.message = messageText_.write(*update.message);
-            }
-        };
+        return readUpdate(object);
     }
     if (verb == "query") {
-        const auto& name = object.text("the name of a query function");
-        if (!name.ends_with("Impl") || !library_.offers(name)) {
-            object.refuse("the name of a query function of the library");
-        }
-        return [&client, function = library_.query(name)](Result& result) {
-            result.query = queryAsJson(client.query(function));
-        };
+        return readQuery(object);
     }
     return readStageAction(verb, value);
 }
 
-std::function<void(ScriptRunner::Result&)> ScriptRunner::readStageAction(const std::string& verb,
-                                                                         const ScriptValue& value) {
+ScriptRunner::Action ScriptRunner::readFrames(const ScriptValue& value, const ScriptValue* repeat) {
+    constexpr long long mostFrames = 1000000;
+    const auto count = repeat == nullptr ? 1 : repeat->wholeNumber(1, mostFrames);
+    return [this, frame = ScriptFrame(value, client_->facts(), testSignals_), count](Result&) {
+        for (long long i = 0; i < count; ++i) {
+            frame.handTo(*client_);
+        }
+    };
+}
+
+ScriptRunner::Action ScriptRunner::readUpdate(const ScriptValue& value) {
+    const bool always = !value.logical("true, or false for an update that comes with no new data too");
+    return [this, always](Result& result) {
+        const auto update = always ? client_->updateNow() : client_->update();
+        result.event = update.event;
+        if (!update.message.isNull()) {
+            result.message = messageText_.write(*update.message);
+        }
+    };
+}
+
+ScriptRunner::Action ScriptRunner::readQuery(const ScriptValue& value) {
+    const auto& name = value.text("the name of a query function");
+    if (!name.ends_with("Impl") || !library_.offers(name)) {
+        value.refuse("the name of a query function of the library");
+    }
+    return [this, function = library_.query(name)](Result& result) {
+        result.query = queryAsJson(client_->query(function));
+    };
+}
+
+ScriptRunner::Action ScriptRunner::readStageAction(const std::string& verb, const ScriptValue& value) {
     DeckClient& client = *client_;
     const auto& object = value.require(verb);
     const auto target = readTarget(object);

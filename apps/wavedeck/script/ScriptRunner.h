@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DeckClient.h"
@@ -35,15 +36,20 @@ private:
         std::optional<std::string> query;
     };
 
+    using Action = std::function<void(Result&)>;
+
     struct Step {
-        std::function<void(Result&)> take;
+        Action take;
         bool showOutputs = false;
     };
 
     void makeChain(const ScriptValue& script);
     Step readStep(const ScriptValue& value);
-    std::function<void(Result&)> readAction(const ScriptValue& value);
-    std::function<void(Result&)> readStageAction(const std::string& verb, const ScriptValue& value);
+    Action readAction(const ScriptValue& value);
+    Action readFrames(const ScriptValue& value, const ScriptValue* repeat);
+    Action readUpdate(const ScriptValue& value);
+    Action readQuery(const ScriptValue& value);
+    Action readStageAction(const std::string& verb, const ScriptValue& value);
     /// The name of a stage of the chain, or nothing for "all".
     std::optional<std::string> readTarget(const ScriptValue& value) const;
     std::string outputs() const;
