@@ -2,13 +2,13 @@
 # Runs a fuzzer, or all of them one after the other; builds them first.
 #   scripts/fuzz.sh [SECONDS [NAME...]]    60 s each unless told otherwise
 # What is found lies in build/fuzz/found; inputs worth keeping go to tests/fuzz/corpus/NAME, which the tests replay.
-set -u
+set -eu
 cd "$(dirname "$0")/.." || exit 2
 . scripts/setup.sh
 install_packages && install_clang && build fuzz || exit $?
 
 seconds=${1:-60}
-shift
+[ $# -eq 0 ] || shift
 [ $# -gt 0 ] || set -- $(cd tests/fuzz && ls fuzz_*.cpp | sed 's/fuzz_\(.*\)\.cpp/\1/')
 mkdir -p build/fuzz/found
 # Names of stages and options, for the fuzzers of texts.

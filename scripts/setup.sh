@@ -1,4 +1,5 @@
-# Sourced by play, install and test: installs the packages that are missing and builds a preset. Quiet when there is nothing to do.
+# Sourced by play, install, test and the scripts beside it: installs the packages that are missing and builds a preset.
+# Quiet when there is nothing to do.
 
 packages="g++ cmake ninja-build make pkg-config git libpoco-dev libboost-dev libfftw3-dev
  libsndfile1-dev libcli11-dev nlohmann-json3-dev libgtest-dev libbenchmark-dev alsa-utils dpkg-dev file
