@@ -88,12 +88,6 @@ struct Option {
         result.giver = Giver::Host;
         return result;
     }
-    /// The same option with another default.
-    consteval Option withDefault(std::string_view value) const {
-        Option result = *this;
-        result.defaultValue = value;
-        return result;
-    }
 };
 
 /// The word of that text, null if it is not among them.

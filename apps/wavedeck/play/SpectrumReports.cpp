@@ -90,8 +90,6 @@ void addNoiseFloors(const dspwavedecks::spectrumEstimatorMetaDataStruct& record,
     section.tables.push_back(std::move(table));
 }
 
-}  // namespace
-
 /// The resolution bandwidth that the options ask for, or what they ask for in its place.
 std::string requestedRBW(const DeckSettings& settings, std::string_view estimator) {
     if (settings.has(estimator, "inputPortRBW") && settings.value(estimator, "inputPortRBW") == "true") {
@@ -104,6 +102,8 @@ std::string requestedRBW(const DeckSettings& settings, std::string_view estimato
                ? "automatic"
                : formatQuantity(*parseNumber(settings.value(estimator, "rbw")), "Hz");
 }
+
+}  // namespace
 
 void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings& settings, ReportSection& section) {
     const auto* record = findRecord<dspwavedecks::spectrumEstimatorMetaDataStruct>(board, "spectrumEstimatorMetaData");

@@ -68,7 +68,6 @@ public:
 
     /// Time of the newest step; the start time before the first.
     double time() const;
-    double framePeriod() const { return samplesPerStep_ * sampleTime_; }
     SimStatus status() const { return status_; }
     std::size_t waiting() const { return static_cast<std::size_t>(stepped_ - delivered_); }
     std::uint64_t stepsTaken() const { return stepped_; }

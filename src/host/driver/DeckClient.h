@@ -38,8 +38,9 @@ struct Update {
 ///
 ///     DeckClient client(facts);
 ///     client.addStage("signal_statistics_filter", library.makeFilter("signal_statistics_filter"), options);
-///     client.setStrategy("dsp_wavedeck_frame_data_strategy",
-///     library.makeStrategy("dsp_wavedeck_frame_data_strategy")); client.setup(); while (...) {
+///     client.setStrategy(name, library.makeStrategy(name));  // "dsp_wavedeck_frame_data_strategy"
+///     client.setup();
+///     while (...) {
 ///         client.frame(samples);
 ///         if (client.updateDue()) send(client.update());
 ///     }
@@ -178,7 +179,6 @@ private:
     // options
     ClientFacts facts_;
     const std::vector<SignalFacts> signalsAtFirst_;  ///< before any size change
-
     bool keepsOutputs_ = false;
 
     // derived

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "Chain.h"
 #include "DeckClient.h"
@@ -131,15 +130,15 @@ bool DeckClient::replay() {
 
 bool DeckClient::replay(const std::vector<std::vector<double>>& signals) {
     const std::lock_guard lock(mutex_);
-    info_->setIsDataSourceRepository(true);
     takeFrame(spansOf(signals), FrameSource::Replay);
+    info_->setIsDataSourceRepository(true);
     return runChain(FrameSource::Replay);
 }
 
 bool DeckClient::replayAsIs(const std::vector<std::vector<double>>& buffers) {
     const std::lock_guard lock(mutex_);
-    info_->setIsDataSourceRepository(true);
     takeBuffers(buffers, FrameSource::Replay);
+    info_->setIsDataSourceRepository(true);
     return runChain(FrameSource::Replay);
 }
 

@@ -24,7 +24,7 @@ void checkSignal(const SignalFacts& signal, const std::string& place) {
         throw DriverError(place + " cannot have a frame size of " + std::to_string(signal.frameSize));
     }
     if (!std::isfinite(signal.sampleTime) || signal.sampleTime < 0.0) {
-        throw DriverError(place + " has a sample time that is no time");
+        throw DriverError(place + " cannot have a sample time of " + std::to_string(signal.sampleTime) + " s");
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ShortestDecimal.h"
 
 #include <bit>
+#include <cstddef>
 
 #include "PowersOfTen.h"
 

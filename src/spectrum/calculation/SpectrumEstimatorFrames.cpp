@@ -136,7 +136,6 @@ void SpectrumEstimator::computeInSlices(const double* data, std::vector<double>&
                 const WhileInFrame place(segmentsInFrame, SegmentsInFrame{data, samples, first - shared});
                 compute(inFrame);
             }
-            segmentsInFrame = {};
             first += inFrame * (actualSegmentLength - shared);
             for (std::size_t channel = 0; channel < channels; ++channel) {
                 spectrumBuffer->continueFrom(data + channel * samples + (first - shared), channel);
