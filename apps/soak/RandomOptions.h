@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "RandomNumbers.h"
 #include "Stage.h"

@@ -3,6 +3,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <variant>
 
 #include "CommandLine.h"
 #include "PlaySession.h"

@@ -1,5 +1,7 @@
 #include "SimulationQueries.h"
 
+#include <string>
+
 #include "Board.h"
 #include "QueryStructure.h"
 #include "SimulationMetaDataFilter.h"

@@ -5,7 +5,6 @@
 #include <numeric>
 
 #include "BFInputPortParametersHandlerFilter.h"
-#include "Board.h"
 #include "SpectrumEstimatorFilter.h"
 #include "TruncateTo.h"
 

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "Board.h"
 #include "ExtremeScan.h"
 #include "NumberText.h"
 #include "SimulationMetaDataFilter.h"

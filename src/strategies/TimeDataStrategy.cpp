@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <utility>
 
 #include "Board.h"
 #include "ExtremeScan.h"

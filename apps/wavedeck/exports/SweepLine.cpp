@@ -1,6 +1,7 @@
 #include "SweepLine.h"
 
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 

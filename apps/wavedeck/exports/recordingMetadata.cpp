@@ -1,6 +1,7 @@
 #include "recordingMetadata.h"
 
 #include <filesystem>
+#include <string_view>
 
 #include "SigmfMetadata.h"
 #include "openSigmf.h"

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <limits>
+#include <system_error>
 #include <utility>
 
 #include "UsageError.h"

@@ -1,6 +1,7 @@
 #include "RecordedTimes.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace program {

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <limits>
+#include <system_error>
 
 #include "UsageError.h"
 

@@ -5,8 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "TableText.h"
-
 namespace program {
 
 /// The times in a column of a table: which unit they have, and the rate that they stand for.

@@ -4,10 +4,11 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <span>
+#include <string_view>
 
 #include "RandomNumbers.h"
 #include "SignalDescription.h"
-#include "UsageError.h"
 
 namespace program {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "SignalReader.h"
 #include "TestSignals.h"

@@ -1,6 +1,8 @@
 #include "openSigmf.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>

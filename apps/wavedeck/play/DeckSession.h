@@ -3,12 +3,12 @@
 #include <Poco/JSON/Object.h>
 
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Deck.h"

@@ -1,5 +1,7 @@
 #include "DeckSimulation.h"
 
+#include <utility>
+
 namespace program {
 
 using wavedeck::driver::StepResult;

@@ -1,17 +1,17 @@
 #include "Exports.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <utility>
+#include <string_view>
 
 #include "BoardRecord.h"
 #include "Deck.h"
-#include "DeckPresets.h"
 #include "DeckTraces.h"
 #include "EngineeringNumber.h"
 #include "MaskFailures.h"
 #include "MeasurementReports.h"
+#include "SweepLine.h"
 #include "UsageError.h"
 #include "peakFinderStruct.h"
 #include "recordingMetadata.h"

@@ -15,7 +15,6 @@
 #include "LineFile.h"
 #include "PlayCommand.h"
 #include "SignalReader.h"
-#include "SweepLine.h"
 
 namespace program {
 

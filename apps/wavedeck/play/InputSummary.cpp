@@ -1,6 +1,5 @@
 #include "InputSummary.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 #include "Catalogue.h"
 #include "LiveAddress.h"

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "DeckPresets.h"
 #include "EngineeringNumber.h"
 #include "LimitLine.h"
 #include "MeasurementReports.h"

@@ -1,7 +1,7 @@
 #include "ResponseReport.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 #include <limits>
 
 namespace program {

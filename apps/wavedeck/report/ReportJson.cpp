@@ -1,5 +1,6 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <type_traits>
 
 #include "EngineeringNumber.h"
 #include "FigureDefinitions.h"

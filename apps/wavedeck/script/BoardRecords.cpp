@@ -1,5 +1,8 @@
 #include "BoardRecords.h"
 
+#include <utility>
+#include <vector>
+
 #include "JsonText.h"
 
 namespace program {

@@ -4,6 +4,7 @@
 #include <boost/core/demangle.hpp>
 #include <typeindex>
 #include <unordered_map>
+#include <utility>
 
 #include "BoardRecords.h"
 #include "JsonText.h"

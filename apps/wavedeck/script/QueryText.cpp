@@ -1,5 +1,7 @@
 #include "QueryText.h"
 
+#include <utility>
+
 #include "JsonText.h"
 
 namespace program {

@@ -7,7 +7,6 @@
 #include "ClientFacts.h"
 #include "DeckClient.h"
 #include "ScriptValue.h"
-#include "wavedeck/WaveDeckClientInfo.h"
 
 namespace program {
 

@@ -1,5 +1,10 @@
+#include <cstddef>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include "ScriptValue.h"
 #include "UsageError.h"

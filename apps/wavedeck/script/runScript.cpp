@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string>
 
 #include "ScriptRunner.h"
 #include "StageLibraryPath.h"

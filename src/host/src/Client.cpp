@@ -1,7 +1,12 @@
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "numbench/Exception.h"
 #include "wavedeck/WaveDeckClientInfo.h"

@@ -1,4 +1,7 @@
 #include "wavedeck/WaveDeckDataProcStrategy.h"
+
+#include <string>
+#include <vector>
 #include "wavedeck/WaveDeckTransformImpl.h"
 
 namespace wavedeck {

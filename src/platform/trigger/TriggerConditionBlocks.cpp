@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <utility>
 
 #include "CrossingTimes.h"
 #include "TriggerCondition.h"

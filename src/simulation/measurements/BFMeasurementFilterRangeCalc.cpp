@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "Board.h"
 #include "MeasurementsDataCacheFilter.h"

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "BaseFilter.h"
-#include "MeasurementsDataCache.h"
 
 namespace dspwavedecks {
 

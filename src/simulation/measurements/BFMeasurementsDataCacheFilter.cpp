@@ -5,7 +5,6 @@
 #include <limits>
 #include <new>
 
-#include "Board.h"
 #include "OptionTable.h"
 #include "TimeMeasurementOptions.h"
 #include "TruncateTo.h"

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "SpectrumEstimator.h"
 

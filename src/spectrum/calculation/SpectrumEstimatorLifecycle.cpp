@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cmath>
+#include <mutex>
 
 #include "SpectrumEstimator.h"
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <mutex>
 
 #include "SpectrumEstimator.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "Board.h"
 #include "SpectrumEstimatorFilter.h"
 
 namespace dspwavedecks {

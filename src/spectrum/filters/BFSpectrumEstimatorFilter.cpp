@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "BFInputPortParametersHandlerFilter.h"
-#include "Board.h"
 #include "OptionTable.h"
 #include "SpectrumOptions.h"
 

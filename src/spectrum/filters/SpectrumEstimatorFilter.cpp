@@ -1,6 +1,5 @@
 #include "SpectrumEstimatorFilter.h"
 
-#include <algorithm>
 #include <cstddef>
 
 #include "AxesOfSignal.h"

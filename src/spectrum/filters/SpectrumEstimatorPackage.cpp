@@ -2,7 +2,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <mutex>
 #include <numeric>
+#include <string>
+#include <vector>
 
 #include "Board.h"
 #include "NumberText.h"

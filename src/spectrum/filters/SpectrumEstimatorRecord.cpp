@@ -1,6 +1,9 @@
 // The estimator's record on the settings board: written after a frame, read under the class's mutex.
 #include <algorithm>
 #include <cstddef>
+#include <mutex>
+#include <string>
+#include <vector>
 
 #include "Board.h"
 #include "SpectrumEstimatorFilter.h"

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <numeric>
 
 #include "InterpolationAtLevel.h"
 #include "SpectrumMeasurementsUtils.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "Board.h"
 #include "OptionTable.h"
 #include "SpectrumEstimatorFilter.h"
 #include "SpectrumMeasurementOptions.h"

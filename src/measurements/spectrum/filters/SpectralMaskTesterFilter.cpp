@@ -1,5 +1,7 @@
 #include "SpectralMaskTesterFilter.h"
 
+#include <algorithm>
+
 #include <Poco/JSON/Array.h>
 
 #include "BaseOptions.h"

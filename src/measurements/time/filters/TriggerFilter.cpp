@@ -1,6 +1,7 @@
 #include "TriggerFilter.h"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <utility>
 

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "BaseFilter.h"
 #include "GivenTriggerWindows.h"
