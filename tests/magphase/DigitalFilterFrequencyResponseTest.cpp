@@ -28,18 +28,15 @@ DigitalFilterFrequencyResponse response(unsigned long points, double rate = samp
 /// Checks out against the expected response, relative to the largest magnitude expected.
 void expectResponse(const Values& out, const std::function<Complex(double)>& expected, double tolerance) {
     const std::size_t n = out.size() / 3;
-    std::vector<Complex> values(n);
-    std::transform(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(n), values.begin(), expected);
     long double largest = 0;
-    for (const Complex& value : values) {
-        largest = std::max(largest, std::abs(value));
-    }
     long double worst = 0;
     for (std::size_t k = 0; k < n; ++k) {
-        const long double error = std::abs(Complex(out[n + k], out[2 * n + k]) - values[k]) / largest;
+        const Complex value = expected(out[k]);
+        const long double error = std::abs(Complex(out[n + k], out[2 * n + k]) - value);
         worst = std::isnan(error) ? std::numeric_limits<long double>::infinity() : std::max(worst, error);
+        largest = std::max(largest, std::abs(value));
     }
-    EXPECT_LE(worst, tolerance);
+    EXPECT_LE(worst, tolerance * largest);
 }
 
 TEST(DigitalFilterFrequencyResponse, GridIsLinearWithExactEnds) {
@@ -61,22 +58,14 @@ TEST(DigitalFilterFrequencyResponse, GridIsLinearWithExactEnds) {
         {1, {1.0, 9.0}, {9.0}},
         {0, {1.0, 9.0}, {}},
         {5, {-huge, huge}, {-huge, -huge / 2, 0.0, huge / 2, huge}},  // the difference overflows
+        {2, {1.0}, {nan, nan}},
     };
     for (const auto& row : rows) {
         standard.setFFTLength(row.points);
         standard.setFrequencyRange(row.range);
         standard.computeFrequencyVector();
-        const Values& grid = standard.getFrequencyVector();
-        ASSERT_EQ(grid.size(), row.expected.size());
-        for (std::size_t i = 0; i < grid.size(); ++i) {
-            EXPECT_DOUBLE_EQ(grid[i], row.expected[i]);
-        }
+        expectValues(standard.getFrequencyVector(), row.expected, 1e-15);
     }
-    standard.setFFTLength(2);
-    standard.setFrequencyRange({1.0});
-    standard.computeFrequencyVector();
-    ASSERT_EQ(standard.getFrequencyVector().size(), 2U);
-    EXPECT_TRUE(std::isnan(standard.getFrequencyVector()[0]) && std::isnan(standard.getFrequencyVector()[1]));
 }
 
 TEST(DigitalFilterFrequencyResponse, FirAgreesWithClosedForms) {

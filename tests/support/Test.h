@@ -68,6 +68,16 @@ inline Values joined(const std::vector<Values>& rows) {
     return values;
 }
 
+/// Compares numbers, which may be infinite or NaN, with a tolerance relative to the larger of 1 and what is expected.
+inline void expectValues(const Values& values, const Values& expected, double tolerance = 0.0) {
+    ASSERT_EQ(values.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        const bool isClose = std::abs(values[i] - expected[i]) <= tolerance * std::max(1.0, std::abs(expected[i]));
+        EXPECT_TRUE(isClose || values[i] == expected[i] || (std::isnan(values[i]) && std::isnan(expected[i])))
+            << "value " << i << ": " << values[i] << ", expected " << expected[i];
+    }
+}
+
 /// 10 * log10 of a ratio of powers.
 inline double decibels(double ratio) {
     return 10.0 * std::log10(ratio);
