@@ -43,6 +43,39 @@ inline void add(Values& to, const Values& values) {
     }
 }
 
+inline void setRBW(SpectrumEstimator& estimator, double rbw) {
+    estimator.setAutoRBW(false);
+    estimator.setRBW(rbw);
+}
+
+inline void setWindowLength(SpectrumEstimator& estimator, std::size_t length) {
+    estimator.setFrequencyResolutionMethod(Resolution::windowLength);
+    estimator.setWindowLength(length);
+}
+
+inline void setFFTLength(SpectrumEstimator& estimator, std::size_t length) {
+    estimator.setAutoFFTLength(false);
+    estimator.setFFTLength(length);
+}
+
+inline void setBand(SpectrumEstimator& estimator, double sampleRate, double start, double stop, double rbw) {
+    estimator.setSampleRate(sampleRate);
+    estimator.setFrequencySpan(Span::startAndStopFrequencies);
+    estimator.setStartFrequency(start);
+    estimator.setStopFrequency(stop);
+    setRBW(estimator, rbw);
+}
+
+/// Compares spectra point by point, with a tolerance relative to the largest one.
+inline void expectClose(const Values& spectrum, const Values& expected, double tolerance) {
+    ASSERT_EQ(spectrum.size(), expected.size());
+    const double largest = *std::max_element(expected.begin(), expected.end());
+    ASSERT_GT(largest, 0.0);
+    for (std::size_t k = 0; k < expected.size(); ++k) {
+        ASSERT_NEAR(spectrum[k], expected[k], tolerance * largest) << "point " << k;
+    }
+}
+
 /// An estimator with a host around it: set up on demand, fed with signals that are cut into frames.
 class Bench {
 public:
@@ -60,10 +93,8 @@ public:
     /// Watts, a window of L samples and a transform of N points: the plainest spectrum there is.
     void usePlainSettings(double sampleRate, std::size_t L, std::size_t N) {
         estimator.setSampleRate(sampleRate);
-        estimator.setFrequencyResolutionMethod(Resolution::windowLength);
-        estimator.setWindowLength(L);
-        estimator.setAutoFFTLength(false);
-        estimator.setFFTLength(N);
+        setWindowLength(estimator, L);
+        setFFTLength(estimator, N);
         estimator.setSpectrumUnits(Units::watts);
         estimator.setForgettingFactor(1.0);
     }
@@ -93,13 +124,10 @@ public:
         return part(outs.at(signal), (channel + 1) * points(), points());
     }
     std::size_t binOf(double frequency) const {
-        std::size_t best = 0;
-        for (std::size_t k = 1; k < grid().size(); ++k) {
-            if (std::abs(grid()[k] - frequency) < std::abs(grid()[best] - frequency)) {
-                best = k;
-            }
-        }
-        return best;
+        const auto isNearer = [frequency](double a, double b) {
+            return std::abs(a - frequency) < std::abs(b - frequency);
+        };
+        return static_cast<std::size_t>(std::min_element(grid().begin(), grid().end(), isNearer) - grid().begin());
     }
 
 private:
@@ -130,6 +158,24 @@ private:
         }
     }
 };
+
+/// amplitude * exp(j 2 pi frequency t), or its real part.
+inline Bench::Signal carrier(double frequency, double amplitude, std::size_t n, double sampleRate, bool isComplex) {
+    Bench::Signal signal{{tone(frequency, amplitude, n, sampleRate, 0.0)}, isComplex};
+    if (isComplex) {
+        signal.columns.push_back(tone(frequency, amplitude, n, sampleRate, -M_PI / 2));
+    }
+    return signal;
+}
+
+/// Columns of noise, by consecutive states.
+inline Bench::Signal noise(std::uint64_t state, std::size_t n, std::size_t columns, bool isComplex) {
+    Bench::Signal signal{{}, isComplex};
+    for (std::size_t c = 0; c < columns; ++c) {
+        signal.columns.push_back(colouredNoise(state + c, n));
+    }
+    return signal;
+}
 
 }  // namespace spectrumtest
 

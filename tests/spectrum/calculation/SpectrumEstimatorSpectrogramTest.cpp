@@ -10,10 +10,8 @@ Bench makeBench(double timeResolution) {
     auto& e = bench.estimator;
     e.setSampleRate(1000.0);
     e.setWindow(Window::rectangular);
-    e.setAutoRBW(false);
-    e.setRBW(10.0);
-    e.setAutoFFTLength(false);
-    e.setFFTLength(L);
+    setRBW(e, 10.0);
+    setFFTLength(e, L);
     e.setFrequencyRange(Range::oneSided);
     e.setSpectrumUnits(Units::watts);
     e.setForgettingFactor(0.0);

@@ -4,29 +4,16 @@ namespace {
 
 using Set = std::function<void(SpectrumEstimator&)>;
 
-Bench::Signal noise(std::uint64_t seed, std::size_t n, std::size_t columns, bool isComplex) {
-    Bench::Signal signal{{}, isComplex};
-    for (std::size_t c = 0; c < columns; ++c) {
-        signal.columns.push_back(colouredNoise(seed + c, n));
-    }
-    return signal;
-}
-
 void zoom(SpectrumEstimator& e) {
     e.setFrequencyResolutionMethod(Resolution::rbw);
-    e.setFrequencySpan(Span::startAndStopFrequencies);
-    e.setStartFrequency(-999.5);
-    e.setStopFrequency(3001);
-    e.setAutoRBW(false);
-    e.setRBW(30);  // Fs' = 8000 Hz, 400 points of a hann window
+    setBand(e, 48000.0, -999.5, 3001, 30);  // Fs' = 8000 Hz, 400 points of a hann window
     e.setAutoFFTLength(true);
 }
 
 void bank(SpectrumEstimator& e) {
     e.setMethod(Method::filterBank);
     e.setFrequencyResolutionMethod(Resolution::rbw);
-    e.setAutoRBW(false);
-    e.setRBW(400);
+    setRBW(e, 400);
 }
 
 const struct Setting {
@@ -87,17 +74,11 @@ TEST(SpectrumEstimatorStreaming, ResetEqualsNewAndChannelsStayApart) {
             bench.feed({signal}, 1111);
             return bench.row();
         };
-        const auto expectSame = [&](const Values& got, const Values& expected) {
-            ASSERT_EQ(got.size(), expected.size());
-            const double largest = *std::max_element(expected.begin(), expected.end());
-            for (std::size_t k = 0; k < got.size(); ++k) {
-                ASSERT_NEAR(got[k], expected[k], 1e-13 * largest) << "real and complex stores round differently";
-            }
-        };
-        expectSame(all.row(0, 1), alone({{signals[0].columns[1]}, false}));
-        expectSame(all.row(1, 0), alone({{signals[1].columns[0], signals[1].columns[2]}, true}));
-        expectSame(all.row(1, 1), alone({{signals[1].columns[1], signals[1].columns[3]}, true}));
-        expectSame(all.row(2, 0), alone(signals[2]));
+        constexpr double tolerance = 1e-13;  // real and complex stores round differently
+        expectClose(all.row(0, 1), alone({{signals[0].columns[1]}, false}), tolerance);
+        expectClose(all.row(1, 0), alone({{signals[1].columns[0], signals[1].columns[2]}, true}), tolerance);
+        expectClose(all.row(1, 1), alone({{signals[1].columns[1], signals[1].columns[3]}, true}), tolerance);
+        expectClose(all.row(2, 0), alone(signals[2]), tolerance);
     }
 }
 
@@ -153,16 +134,14 @@ TEST(SpectrumEstimatorStreaming, GrowsWithoutTheThreshold) {
     EXPECT_EQ(overlapping.record().numAdditionalSamples, 412U);
 
     Bench zoomed = grow(70);
-    zoomed.estimator.setSampleRate(48000.0);
+    Bench atOnce = grow(70);
     zoom(zoomed.estimator);  // by 6, L = 400, 280 points shared
+    zoom(atOnce.estimator);
     zoomed.feed({carrier}, 0, 125, 125);
     EXPECT_EQ(zoomed.estimator.getSegmentLength(), 280U + 20U);
     EXPECT_EQ(zoomed.record().numAdditionalSamples, 600U);
     zoomed.feed({carrier}, 125, 720, 100);
     EXPECT_TRUE(zoomed.record().desiredSegmentLengthMet);
-    Bench atOnce = grow(70);
-    atOnce.estimator.setSampleRate(48000.0);
-    zoom(atOnce.estimator);
     atOnce.feed({carrier}, 0, 720, 720);
     EXPECT_EQ(zoomed.row(), atOnce.row()) << "updates on the way leave no trace";
 }

@@ -28,11 +28,8 @@ TEST(SpectrumEstimatorWelch, AgreesWithAnIndependentImplementation) {
         bench.estimator.setWindow(SpectrumEstimatorEnum::getWindowEnum(window));
         bench.estimator.setSpectrumType(SpectrumEstimatorEnum::getSpectrumTypeEnum(type));
         bench.estimator.setFrequencyRange(SpectrumEstimatorEnum::getFrequencyRangeEnum(range));
-        Bench::Signal signal{{colouredNoise(1, samples)}, kind == "complex"};
-        if (signal.isComplex) {
-            signal.columns.push_back(colouredNoise(2, samples));
-        }
-        bench.feed({signal}, L + 7);
+        const bool isComplex = kind == "complex";
+        bench.feed({noise(1, samples, isComplex ? 2 : 1, isComplex)}, L + 7);
         const Values spectrum = bench.row();
         const double largest = *std::max_element(spectrum.begin(), spectrum.end());
         const double tolerance = relativeToLargest * largest;

@@ -22,27 +22,13 @@ const Band bands[] = {
 Bench makeBench(const Band& band) {
     Bench bench;
     auto& e = bench.estimator;
-    e.setSampleRate(sampleRate);
-    e.setFrequencySpan(Span::startAndStopFrequencies);
-    e.setStartFrequency(band.start);
-    e.setStopFrequency(band.stop);
-    e.setAutoRBW(false);
-    e.setRBW(band.rbw);
+    setBand(e, sampleRate, band.start, band.stop, band.rbw);
     e.setWindow(Window::flatTop);
     e.setFrequencyRange(band.range);
     e.setOverlapPercent(band.overlap);
     e.setSpectrumUnits(Units::watts);
     e.setForgettingFactor(0.0);
     return bench;
-}
-
-/// exp(j 2 pi f t) of amplitude a, or its real part.
-Bench::Signal carrier(double f, double a, std::size_t n, bool isComplex) {
-    Bench::Signal signal{{tone(f, a, n, sampleRate, 0.0)}, isComplex};
-    if (isComplex) {
-        signal.columns.push_back(tone(f, a, n, sampleRate, -M_PI / 2));
-    }
-    return signal;
 }
 
 /// Samples that fill the filter, 48 d of them, and a whole segment that comes after.
@@ -64,15 +50,14 @@ TEST(SpectrumEstimatorZoom, TonesReadTheirLevelAndFrequencyAllOverTheSpan) {
                 const double f = band.start + place * (band.stop - band.start);
                 Bench bench = makeBench(band);
                 const std::size_t n = enoughSamples(bench, band);
-                bench.feed({carrier(f, 2.0, n, isComplex)}, place < 0.3 ? n : 999);
+                bench.feed({carrier(f, 2.0, n, sampleRate, isComplex)}, place < 0.3 ? n : 999);
                 const double decimatedRate =
                     bench.estimator.getDeltaFrequency() * static_cast<double>(bench.record().fftLength);
                 EXPECT_NEAR(decimatedRate, sampleRate / static_cast<double>(band.decimation), 1e-6);
                 const Values row = bench.row();
                 const auto peak = std::max_element(row.begin(), row.end());
                 // A real tone has its power in two halves, of which a one-sided spectrum shows the sum.
-                const double power = isComplex ? (band.range == Range::oneSided ? 8.0 : 4.0)
-                                               : (band.range == Range::oneSided ? 2.0 : 1.0);
+                const double power = (isComplex ? 4.0 : 1.0) * (band.range == Range::oneSided ? 2.0 : 1.0);
                 EXPECT_NEAR(10.0 * std::log10(*peak / power), 0.0, 0.011);
                 const double found = bench.grid()[static_cast<std::size_t>(peak - row.begin())];
                 EXPECT_NEAR(std::abs(found), std::abs(f), 0.51 * bench.estimator.getDeltaFrequency())
@@ -91,7 +76,7 @@ TEST(SpectrumEstimatorZoom, EqualsTheSpectrumOfABandThatWasNarrowFromTheStart) {
         const double f1 = band.start + 0.31 * (band.stop - band.start);
         const double f2 = f1 + 8 * band.rbw;
         const auto pair = [&](std::size_t count, double rate) {
-            Bench::Signal signal{{tone(f1, 2.0, count, rate, 0.0), tone(f1, 2.0, count, rate, -M_PI / 2)}, true};
+            Bench::Signal signal = carrier(f1, 2.0, count, rate, true);
             add(signal.columns[0], tone(f2, 0.02, count, rate, 1.0));
             add(signal.columns[1], tone(f2, 0.02, count, rate, 1.0 - M_PI / 2));
             return signal;
@@ -128,7 +113,7 @@ TEST(SpectrumEstimatorZoom, WhatLiesOutsideFoldsInBelow120Decibels) {
                 }
                 Bench bench = makeBench(band);
                 const std::size_t n = enoughSamples(bench, band);
-                bench.feed({carrier(f, 1.0, n, true)}, n);
+                bench.feed({carrier(f, 1.0, n, sampleRate, true)}, n);
                 const Values row = bench.row();
                 const double power = band.range == Range::oneSided ? 2.0 : 1.0;
                 EXPECT_LT(10 * std::log10(*std::max_element(row.begin(), row.end()) / power), -120.0)

@@ -71,10 +71,8 @@ TEST(BFInputPortParametersHandlerFilter, keepsWhatThePortsDeliveredLast) {
     Rig rig({true, true, true}, {4, 3, 1, 1});
     const std::string& id = rig.client.name();
     const auto nothing = [&] {
-        for (int s = 0; s < 4; ++s) {
-            rig.handler.setInputLength(0);
-            Values out;
-            rig.handler.filterImpl(nullptr, out, s);
+        for (int signal = 0; signal < 4; ++signal) {
+            feed(rig.handler, {}, signal);
         }
     };
     rig.client.board().addCustomSetting(Handler::rbw, 12.5);  // of the estimator behind
