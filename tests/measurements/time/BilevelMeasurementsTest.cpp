@@ -2,22 +2,10 @@
 // formula, and the rules for what cannot be measured.
 #include "BilevelMeasurements.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <functional>
-#include <limits>
-#include <random>
-#include <vector>
-
 #include "BilevelWorkingSet.h"
+#include "Test.h"
 
-namespace dspwavedecks {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 using Metrics = bilevelMeasurementsStruct;
 
@@ -32,24 +20,13 @@ BilevelMeasurements measuring(double low, double high) {
     return bilevel;
 }
 
-Metrics measure(BilevelMeasurements& bilevel, const std::vector<double>& times, const std::vector<double>& values) {
-    std::vector<double> frame = times;
-    frame.insert(frame.end(), values.begin(), values.end());
-    return *bilevel.computeBilevelMetrics(frame.data(), {times.size(), 2 * times.size()});
+Metrics measure(BilevelMeasurements& bilevel, const Values& times, const Values& values) {
+    return *bilevel.computeBilevelMetrics(joined({times, values}).data(), {times.size(), 2 * times.size()});
 }
 
 /// Samples one unit of time apart.
-Metrics measure(BilevelMeasurements& bilevel, const std::vector<double>& values) {
-    std::vector<double> times;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        times.push_back(static_cast<double>(i));
-    }
-    return measure(bilevel, times, values);
-}
-
-void expectFigure(double actual, double expected, double tolerance, const char* name) {
-    EXPECT_LE(std::fabs(actual - expected), tolerance * std::max(1.0, std::fabs(expected)))
-        << name << ": " << actual << ", expected " << expected;
+Metrics measure(BilevelMeasurements& bilevel, const Values& values) {
+    return measure(bilevel, ramp(0, values.size()), values);
 }
 
 struct Trapezoid {
@@ -71,11 +48,10 @@ TEST(BilevelMeasurements, trapezoidsReadTheirClosedForms) {
     const Trapezoid shapes[] = {{-1.0, 3.0, 0.125, 0.25, 0.0625, 0.5625}, {0.5, 0.75, 0.25, 0.5, 0.5, 1.0}};
     for (const Trapezoid& shape : shapes) {
         for (const double sign : {1.0, -1.0}) {
-            std::vector<double> times;
-            std::vector<double> values;
-            for (int i = 0; i <= static_cast<int>(3.0 * shape.period() * 1024.0); ++i) {
-                times.push_back(i / 1024.0);
-                values.push_back(sign * shape(i / 1024.0));
+            const Values times = ramp(0, static_cast<std::size_t>(3.0 * shape.period() * 1024.0) + 1, 1.0 / 1024.0);
+            Values values;
+            for (const double time : times) {
+                values.push_back(sign * shape(time));
             }
             const bool up = sign > 0;
             const double amplitude = shape.high - shape.low;
@@ -104,7 +80,8 @@ TEST(BilevelMeasurements, trapezoidsReadTheirClosedForms) {
             bilevel.setSettleSeek(0.6 * width);
             const Metrics metrics = measure(bilevel, times, values);
             for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
-                expectFigure(metrics.*field.value, expected.*field.value, 1e-10, field.name);
+                SCOPED_TRACE(field.name);
+                expectValues({metrics.*field.value}, {expected.*field.value}, 1e-10);
             }
         }
     }
@@ -133,26 +110,24 @@ TEST(BilevelMeasurements, stepResponseReadsOvershootPreshootAndSettlingTime) {
     const auto timeAt = [&](double level) { return bisect([&](double t) { return response(t) - level; }, 0.0, 3.0); };
     // The envelope stays inside 2 % from ln(50 / d) / damping = 13.2 on; between extremes pi / d = 3.29 apart the last
     // entry lies between the extremes at 3 pi / d = 9.88 (outside: 5.2 % above) and 4 pi / d (inside: 1.9 % below).
-    const double lastExtreme = 3.0 * 3.14159265358979 / std::sqrt(1.0 - damping * damping);
+    const double lastExtreme = 3.0 * std::numbers::pi / std::sqrt(1.0 - damping * damping);
     const double settled = bisect([&](double t) { return response(t) - 1.02; }, lastExtreme, lastExtreme + 1.6);
     for (const double sign : {1.0, -1.0}) {
-        std::vector<double> times;
-        std::vector<double> values;
-        for (int i = -5000; i <= 40000; ++i) {
-            const double t = i * interval;
-            times.push_back(t);
+        const Values times = ramp(-5000 * interval, 45001, interval);
+        Values values;
+        for (const double t : times) {
             // Before the step a dip of 5 %, inside the stretch of three rise times.
             values.push_back(sign * (t < -0.5 && t > -1.0 ? -0.05 : response(t)));
         }
         BilevelMeasurements bilevel = sign > 0 ? measuring(0.0, 1.0) : measuring(-1.0, 0.0);
         bilevel.setSettleSeek(30.0);
         const Metrics metrics = measure(bilevel, times, values);
-        const double overshoot = 100.0 * std::exp(-3.14159265358979 * damping / std::sqrt(1.0 - damping * damping));
+        const double overshoot = 100.0 * std::exp(-std::numbers::pi * damping / std::sqrt(1.0 - damping * damping));
         const bool up = sign > 0;
-        expectFigure(up ? metrics.riseTime : metrics.fallTime, timeAt(0.9) - timeAt(0.1), 1e-5, "transition");
-        expectFigure(up ? metrics.posPreshoot : metrics.negPreshoot, 5.0, 1e-12, "preshoot");
-        expectFigure(up ? metrics.posOvershoot : metrics.negUndershoot, overshoot, 1e-6, "overshoot");
-        expectFigure(up ? metrics.posSettlingTime : metrics.negSettlingTime, settled - timeAt(0.5), 1e-5, "settling");
+        EXPECT_NEAR(up ? metrics.riseTime : metrics.fallTime, timeAt(0.9) - timeAt(0.1), 1e-5);
+        EXPECT_NEAR(up ? metrics.posPreshoot : metrics.negPreshoot, 5.0, 1e-11);
+        EXPECT_NEAR(up ? metrics.posOvershoot : metrics.negUndershoot, overshoot, 1e-5);
+        EXPECT_NEAR(up ? metrics.posSettlingTime : metrics.negSettlingTime, settled - timeAt(0.5), 1e-5);
         // Looking only up to where it still rings, there is no settling time.
         bilevel.setSettleSeek(lastExtreme - timeAt(0.5));
         const Metrics ringing = measure(bilevel, times, values);
@@ -163,7 +138,7 @@ TEST(BilevelMeasurements, stepResponseReadsOvershootPreshootAndSettlingTime) {
 // In values of 0 to 100 the bin k holds k < x <= k + 1, and the level is at k + 0.5.
 TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
     const struct {
-        std::vector<double> values;
+        Values values;
         double low, high;
     } rows[] = {
         {{0, 0, 100, 100}, 0.5, 99.5},
@@ -171,7 +146,7 @@ TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
         {{0, 20, 20, 20.5, 70, 70, 70, 100}, 19.5, 69.5},  // 20.5 lies in the next bin
         {{0, 50, 50, 50, 90, 90, 100}, 49.5, 49.5},        // the middle bin belongs to both halves
         {{0, nan, nan, 20, 20, 90, 90, 100}, 0.5, 89.5},   // NaN counts in bin 0, as the minimum does
-        {{0, 20, 20, INFINITY}, 0.5, 89.5},                // nothing to find: as before
+        {{0, 20, 20, infinity}, 0.5, 89.5},                // nothing to find: as before
         {{7, 7, 7}, 7.0, 7.0},
     };
     BilevelMeasurements bilevel;
@@ -182,11 +157,7 @@ TEST(BilevelMeasurements, stateLevelsAreTheModesOfTheTwoHalves) {
     }
     // A difference from the minimum that overflows in its scaling counts in bin 0, in long spans as in short ones.
     for (const std::size_t pairs : {1u, 300u}) {
-        std::vector<double> values;
-        for (std::size_t i = 0; i < pairs; ++i) {
-            values.insert(values.end(), {-5e307, 5e307});
-        }
-        EXPECT_EQ(measure(bilevel, values).amplitude, 0.0);
+        EXPECT_EQ(measure(bilevel, joined({Values(pairs, -5e307), Values(pairs, 5e307)})).amplitude, 0.0);
     }
 }
 
@@ -200,8 +171,7 @@ TEST(BilevelMeasurements, whatCannotBeMeasuredReadsNaN) {
     };
     expectUnmeasured(measure(bilevel, {0.5, 0.5, 0.5, nan}), 3, 25, "no sample in a state");
     const Metrics oneState = measure(bilevel, {2, 2, 0.5, 0.5, 2});
-    EXPECT_EQ(oneState.posEdges, 0.0);
-    EXPECT_EQ(oneState.negEdges, 0.0);
+    EXPECT_EQ(oneState.posEdges + oneState.negEdges, 0.0);
     expectUnmeasured(oneState, 7, 25, "one state, with a stop in the band");
     expectUnmeasured(measure(bilevel, {5}), 7, 25, "one sample");
 
@@ -229,28 +199,28 @@ TEST(BilevelMeasurements, whatCannotBeMeasuredReadsNaN) {
     const Metrics noAmplitude = measure(flat, {0, 0, 1, 1, 0, 0, 1, 1});
     EXPECT_EQ(noAmplitude.posEdges, 2.0);
     EXPECT_EQ(noAmplitude.period, 4.0);
-    expectUnmeasured(noAmplitude, 9, 12, "aberrations without amplitude");
     EXPECT_TRUE(std::isnan(noAmplitude.posSlewRate));
+    expectUnmeasured(noAmplitude, 9, 12, "aberrations without amplitude");
     // Time that stands still has no frequency.
-    const Metrics noTime = measure(bilevel, std::vector<double>(8, 3.0), {0, 0, 1, 1, 0, 0, 1, 1});
+    const Metrics noTime = measure(bilevel, Values(8, 3.0), {0, 0, 1, 1, 0, 0, 1, 1});
     EXPECT_EQ(noTime.period, 0.0);
-    EXPECT_TRUE(std::isnan(noTime.frequency));
-    EXPECT_TRUE(std::isnan(noTime.posDutyCycle));
-    EXPECT_TRUE(std::isnan(noTime.posSlewRate));
+    for (const double figure : {noTime.frequency, noTime.posDutyCycle, noTime.posSlewRate}) {
+        EXPECT_TRUE(std::isnan(figure));
+    }
 }
 
 // A transition of 0 to 1 in 5 intervals lasts 4 (10 % to 90 %), so that the stretches are 12 long: that of the second
 // rise would reach back to the dip before the first one, but ends at the fall between.
 TEST(BilevelMeasurements, stretchBeforeTheThirdTransitionEndsAtTheSecond) {
     BilevelMeasurements bilevel = measuring(0.0, 1.0);
-    const std::vector<double> values{0,   0,   0,   -0.4, 0,   0.2, 0.4, 0.6, 0.8, 1.0, 0.8,
-                                     0.6, 0.4, 0.2, 0.0,  0.2, 0.4, 0.6, 0.8, 1.0, 1.0, 1.0};
+    const Values values{0,   0,   0,   -0.4, 0,   0.2, 0.4, 0.6, 0.8, 1.0, 0.8,
+                        0.6, 0.4, 0.2, 0.0,  0.2, 0.4, 0.6, 0.8, 1.0, 1.0, 1.0};
     // 40 % before the first rise and 0 % before the second.
     EXPECT_NEAR(measure(bilevel, values).posPreshoot, 20.0, 1e-9);
     // The second rise, in one interval, looks back from 11.02 to 8.62, and so passes over the dip; but a time before
     // the fall that is later than that lets it begin right at the fall.
-    std::vector<double> times{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13};
-    const std::vector<double> dipBehindFall{0, 0, 0, 1, 1, 0, -0.4, 0, 0, 0, 0, 0, 1, 1};
+    Values times = ramp(0, 14);
+    const Values dipBehindFall{0, 0, 0, 1, 1, 0, -0.4, 0, 0, 0, 0, 0, 1, 1};
     EXPECT_EQ(measure(bilevel, times, dipBehindFall).posPreshoot, 0.0);
     times[1] = 10.5;
     EXPECT_NEAR(measure(bilevel, times, dipBehindFall).posPreshoot, 20.0, 1e-9);
@@ -276,7 +246,7 @@ TEST(BilevelMeasurements, referenceLevelsOutsideTheTransitionTakeTheFirstInterva
 // a time that falls at the very end is noticed only when all else has been measured.
 TEST(BilevelMeasurements, longSpansDoNotDependOnWhereBlocksEnd) {
     std::mt19937 random(5);
-    std::vector<double> waveform(40, 0.0);
+    Values waveform(40, 0.0);
     while (waveform.size() < 5000) {
         const double level = waveform.back() > 0.5 ? 0.0 : 1.0;
         waveform.push_back(0.1 * static_cast<double>(2 + random() % 7));
@@ -290,12 +260,8 @@ TEST(BilevelMeasurements, longSpansDoNotDependOnWhereBlocksEnd) {
     const Metrics expected = measure(bilevel, waveform);
     EXPECT_GT(expected.posEdges, 100.0);
     for (std::size_t ahead = 1; ahead < 60; ++ahead) {
-        std::vector<double> values(ahead, 0.0);
-        values.insert(values.end(), waveform.begin(), waveform.end());
-        std::vector<double> times;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            times.push_back(static_cast<double>(i) - static_cast<double>(ahead));
-        }
+        const Values values = joined({Values(ahead, 0.0), waveform});
+        Values times = ramp(-static_cast<double>(ahead), values.size());
         times.back() -= ahead % 2 == 0 ? 0.0 : 1.5;
         const Metrics metrics = measure(bilevel, times, values);
         for (const bilevelMeasurementsField& field : bilevelMeasurementsFields) {
@@ -303,12 +269,8 @@ TEST(BilevelMeasurements, longSpansDoNotDependOnWhereBlocksEnd) {
         }
     }
     // Times that begin anew right behind a block: the rise before lies behind the last time, and nothing of it counts.
-    std::vector<double> times;
-    for (std::ptrdiff_t i = 0; i < bilevelBlockSamples + 100; ++i) {
-        times.push_back(static_cast<double>(i % bilevelBlockSamples));
-    }
-    std::vector<double> step(times.size() - 120, 0.0);
-    step.resize(times.size(), 1.0);
+    const Values times = joined({ramp(0, bilevelBlockSamples), ramp(0, 100)});
+    const Values step = joined({Values(times.size() - 120, 0.0), Values(120, 1.0)});
     EXPECT_TRUE(std::isnan(measure(bilevel, times, step).posOvershoot));
 }
 
@@ -321,13 +283,13 @@ TEST(BilevelMeasurements, randomSpansGiveTheTransitionsOfAPlainWalk) {
         const bool timesFall = run % 5 == 0;
         const bool hasOddValues = run % 7 == 0;
         const bool hasOddLevels = run % 3 == 0;
-        std::vector<double> times;
-        std::vector<double> values;
+        Values times;
+        Values values;
         double held = 0.0;
         for (std::size_t i = 0; i < 1 + random() % 400; ++i) {
             times.push_back(timesFall ? 100.0 * uniform(random) : static_cast<double>(i));
             held = random() % 40 == 0 || run % 2 == 0 ? uniform(random) : held;
-            values.push_back(hasOddValues && random() % 100 == 0 ? (random() % 2 ? nan : INFINITY) : held);
+            values.push_back(hasOddValues && random() % 100 == 0 ? (random() % 2 ? nan : infinity) : held);
         }
         const double low = hasOddLevels ? uniform(random) : 0.0;
         const double high = hasOddLevels ? uniform(random) : 1.0;
@@ -349,4 +311,3 @@ TEST(BilevelMeasurements, randomSpansGiveTheTransitionsOfAPlainWalk) {
 }
 
 }  // namespace
-}  // namespace dspwavedecks

@@ -62,11 +62,10 @@ TEST(MeasurementsDataCache, fullRingLosesItsOldestAndKeepsItsOldestOnResize) {
 }
 
 TEST(MeasurementsDataCache, followsRollbacks) {
-    struct Row {
+    const struct {
         double rollbackTime;
         Values kept;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {2.5, {1, 2}},        // between two samples: all older ones stay
         {3.0, {1, 2, 3}},     // on a sample: it stays
         {4.0, {1, 2, 3, 4}},  // on the newest
@@ -76,7 +75,7 @@ TEST(MeasurementsDataCache, followsRollbacks) {
         {-7.0, {}},           // before the start
         {nan, {1, 2, 3, 4}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         MeasurementsDataCache cache;
         cache.onRollback(row.rollbackTime, 0.5);
         add(cache, {1, 2, 3, 4});
@@ -84,12 +83,7 @@ TEST(MeasurementsDataCache, followsRollbacks) {
         expectTimes(cache, row.kept);
         // After a partial rollback samples enter from the last time offered on, after a full one all do.
         add(cache, {3.5, 4.5});
-        Values expected = row.kept;
-        if (row.rollbackTime <= 0.5) {
-            expected.push_back(3.5);
-        }
-        expected.push_back(4.5);
-        expectTimes(cache, expected);
+        expectTimes(cache, joined({row.kept, row.rollbackTime <= 0.5 ? Values{3.5, 4.5} : Values{4.5}}));
     }
 }
 

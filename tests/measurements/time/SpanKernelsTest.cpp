@@ -24,11 +24,12 @@ void expectPlain(const SpanKernels& kernels, Values values) {
     std::vector<std::uint64_t> bins(count + 1, 1234);
     kernels.findHistogramBins(values.data(), count, 0.0, 10.0, bins.data());
     EXPECT_EQ(bins[count], 1234u);
+    const auto find = [&values](auto condition) {
+        return std::find_if(values.begin(), values.end(), condition) - values.begin();
+    };
     for (const double x : values) {
-        EXPECT_EQ(kernels.findAbove(values.data(), count, x),
-                  std::find_if(values.begin(), values.end(), [x](double y) { return y > x; }) - values.begin());
-        EXPECT_EQ(kernels.findBelow(values.data(), count, x),
-                  std::find_if(values.begin(), values.end(), [x](double y) { return y < x; }) - values.begin());
+        EXPECT_EQ(kernels.findAbove(values.data(), count, x), find([x](double y) { return y > x; }));
+        EXPECT_EQ(kernels.findBelow(values.data(), count, x), find([x](double y) { return y < x; }));
     }
     for (std::size_t i = 0; i < count; ++i) {
         const double x = values[i];
@@ -64,17 +65,16 @@ void expectPlain(const SpanKernels& kernels, Values values) {
             }
         }
     }
-    const ScannedExtremes extremes = kernels.scanExtremes(values.data(), count);
-    EXPECT_EQ(extremes.minimum, expected.minimum);
-    EXPECT_EQ(extremes.maximum, expected.maximum);
-    EXPECT_EQ(extremes.hasNaN, expected.hasNaN);
+    const auto expectExtremes = [&expected](const ScannedExtremes& extremes) {
+        EXPECT_EQ(extremes.minimum, expected.minimum);
+        EXPECT_EQ(extremes.maximum, expected.maximum);
+        EXPECT_EQ(extremes.hasNaN, expected.hasNaN);
+    };
+    expectExtremes(kernels.scanExtremes(values.data(), count));
     if (count <= edgeSamples) {
         Values longer = values;
-        longer.resize(edgeSamples, std::nan(""));
-        const ScannedExtremes few = kernels.scanFew(longer.data(), count);
-        EXPECT_EQ(few.minimum, expected.minimum);
-        EXPECT_EQ(few.maximum, expected.maximum);
-        EXPECT_EQ(few.hasNaN, expected.hasNaN);
+        longer.resize(edgeSamples, nan);
+        expectExtremes(kernels.scanFew(longer.data(), count));
     }
     if (!expected.hasNaN && count > 1) {
         std::sort(values.begin(), values.end());

@@ -1,63 +1,8 @@
 // The stages of the time chain under the driver, with the time strategy: one span for picture and figures.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
+#include "DriverTest.h"
 
-#include "BilevelMeasurementsFilter.h"
-#include "DeckClient.h"
-#include "MagPhaseFilter.h"
-#include "MeasurementsDataCacheFilter.h"
-#include "SimulationMetaDataFilter.h"
-#include "TimeDataStrategy.h"
-#include "TimePeakFinderFilter.h"
-#include "TimeSignalStatisticsFilter.h"
-#include "TriggerFilter.h"
-
-namespace dspwavedecks {
 namespace {
-
-using wavedeck::PropertyList;
-using wavedeck::driver::ClientFacts;
-using wavedeck::driver::DeckClient;
-
-ClientFacts factsOf(std::vector<wavedeck::driver::SignalFacts> signals, double displaySpan) {
-    ClientFacts facts;
-    facts.name = "time chain";
-    facts.signals = std::move(signals);
-    facts.displaySpan = displaySpan;
-    return facts;
-}
-
-/// A client with the whole time chain.
-struct TimeChain {
-    explicit TimeChain(const ClientFacts& facts) : client(facts) {
-        add<SimulationMetaDataFilter>("simulation_meta_data_filter");
-        add<MagPhaseFilter>("magnitude_phase_filter");
-        add<MeasurementsDataCacheFilter>("dsp_wavedeck_measurements_data_cache_filter");
-        add<TimeSignalStatisticsFilter>("time_signal_statistics_filter");
-        add<TimePeakFinderFilter>("time_peak_finder_filter");
-        add<BilevelMeasurementsFilter>("bilevel_measurements_filter");
-        add<TriggerFilter>("trigger_filter");
-        client.setStrategy("dsp_wavedeck_time_data_strategy", std::make_shared<TimeDataStrategy>());
-        client.setup();
-    }
-    /// Every stage is sent the options of all: each takes its own.
-    template <class Stage>
-    void add(const std::string& name) {
-        PropertyList options;
-        for (const char* const option : {"signalStatisticsEnabled", "peakFinderEnabled", "bilevelMeasurementsEnabled",
-                                         "showTransitions", "showAberrations", "showCycles", "triggerEnabled"}) {
-            options.addLogical(option, true);
-        }
-        client.addStage(name, std::make_shared<Stage>(), options.addDouble("hysteresis", 0.2));
-    }
-    DeckClient client;
-};
 
 double number(const Poco::JSON::Object::Ptr& object, const char* key) {
     return std::stod(object->getValue<std::string>(key));
@@ -69,25 +14,38 @@ TEST(TimeChain, pictureAndFiguresCoverOneSpan) {
     constexpr double interval = 1e-3;
     constexpr double offset = 50.0;
     constexpr double spread = 0.01;
-    ClientFacts facts = factsOf({{"a", 1, false, interval, offset, 97, false}}, 1.0);
-    TimeChain chain(facts);
+    ClientFacts facts = factsOf(ChainKind::Time, {{"a", 1, false, interval, offset, 97, false}});
+    facts.displaySpan = 1.0;
+    DeckClient client(facts);
+    for (const char* stage : {"simulation_meta_data_filter", "magnitude_phase_filter",
+                              "dsp_wavedeck_measurements_data_cache_filter", "time_signal_statistics_filter",
+                              "time_peak_finder_filter", "bilevel_measurements_filter", "trigger_filter"}) {
+        // Every stage is sent the options of all: each takes its own.
+        client.addStage(
+            stage, stageLibrary().makeFilter(stage),
+            optionList("signalStatisticsEnabled=true peakFinderEnabled=true bilevelMeasurementsEnabled=true "
+                       "showTransitions=true showAberrations=true showCycles=true triggerEnabled=true hysteresis=0.2"));
+    }
+    client.setStrategy("dsp_wavedeck_time_data_strategy",
+                       stageLibrary().makeStrategy("dsp_wavedeck_time_data_strategy"));
+    client.setup();
     std::mt19937 random(1);
     std::normal_distribution<double> noise(0.0, spread);
     long index = 0;
     int triggered = 0;
     for (int frame = 0; frame < 80; ++frame) {
-        std::vector<double> samples;
+        Values samples;
         for (int i = 0; i < 97; ++i, ++index) {
             const double phase = static_cast<double>(index % 100) * interval;
             const double level = std::clamp(std::min(phase, 0.05 - phase) / 4e-3 + 0.5, 0.0, 1.0);
             samples.push_back(0.2 + (phase < 0.075 ? level : std::clamp((phase - 0.1) / 4e-3 + 0.5, 0.0, 1.0)) +
                               noise(random));
         }
-        chain.client.frame({samples});
-        if (!chain.client.updateDue()) {
+        client.frame({samples});
+        if (!client.updateDue()) {
             continue;
         }
-        const auto message = chain.client.updateNow().message;
+        const auto message = client.updateNow().message;
         const double last = static_cast<double>(index - 1) * interval;
         const auto measurements = message->getObject("measurements");
         const auto isInSpan = [&](double time) { return time >= last - 1.0 - 1e-9 + offset && time <= last + offset; };
@@ -123,5 +81,5 @@ TEST(TimeChain, pictureAndFiguresCoverOneSpan) {
     }
     EXPECT_GE(triggered, 5);
 }
+
 }  // namespace
-}  // namespace dspwavedecks

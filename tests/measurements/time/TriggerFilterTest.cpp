@@ -16,9 +16,9 @@ struct Trigger {
     void tune(const std::string& options) { filter.tuneImpl(TestClient::tune(options)); }
     TriggerFilter::Queue& queue() { return *TriggerFilter::getTriggerEventDataQueue(client.name()); }
     void feedSeconds(int from, int to, std::size_t frameSize = 50) {
-        for (long i = from * 100; i < to * 100; i += static_cast<long>(frameSize)) {
-            const auto wave = [](double time) { return std::fmod(time + 0.005, 1.0) < 0.5 ? 1.0 : -1.0; };
-            feed(filter, frameOf(timesFrom(i, frameSize, 0.01), {wave}));
+        const auto wave = [](double time) { return std::fmod(time + 0.005, 1.0) < 0.5 ? 1.0 : -1.0; };
+        for (double time = from; time < to - 0.005; time += 0.01 * static_cast<double>(frameSize)) {
+            feed(filter, frameOf(ramp(time, frameSize, 0.01), {wave}));
         }
     }
     TestClient client;
@@ -31,11 +31,8 @@ TEST(TriggerFilter, queuesTheWindowsOfItsEvents) {
     trigger.feedSeconds(0, 4);
     ASSERT_EQ(trigger.queue().size(), 3u);
     const triggerStruct& event = trigger.queue()[1];
-    EXPECT_NEAR(event.startTime, 1.745, 1e-12);
-    EXPECT_NEAR(event.endTime, 2.245, 1e-12);
-    EXPECT_NEAR(event.position, 1.995, 1e-12);
-    EXPECT_EQ(event.highLevel, 0.75);
-    EXPECT_EQ(event.lowLevel, -0.25);
+    expectValues({event.startTime, event.endTime, event.position, event.highLevel, event.lowLevel},
+                 {1.745, 2.245, 1.995, 0.75, -0.25}, 1e-12);
     EXPECT_EQ(event.mode, 1);
     EXPECT_EQ(event.signal, 0u);
 
@@ -160,9 +157,9 @@ TEST(TriggerFilter, crossesNothingFromOneChannelToAnother) {
     Trigger trigger(2);
     const std::vector<std::function<double(double)>> lowAndHigh{[](double) { return -1.0; },
                                                                 [](double) { return 1.0; }};
-    feed(trigger.filter, frameOf(timesFrom(0, 100, 0.01), lowAndHigh));
+    feed(trigger.filter, frameOf(ramp(0, 100, 0.01), lowAndHigh));
     trigger.filter.tuneImpl(TestClient::tune().addInt("triggerChannel", 1));
-    feed(trigger.filter, frameOf(timesFrom(100, 100, 0.01), lowAndHigh));
+    feed(trigger.filter, frameOf(ramp(1, 100, 0.01), lowAndHigh));
     EXPECT_TRUE(trigger.queue().empty());
 }
 

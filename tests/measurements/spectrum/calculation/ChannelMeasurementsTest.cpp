@@ -73,19 +73,12 @@ TEST(ChannelMeasurements, MeasuresPowerAndOccupiedBandOfFlatAndSteppedDensities)
         ChannelMeasurements measurement = densityMeasurement(row.start, row.stop);
         measurement.setPercentOccupiedBW(row.percent);
         const auto result = measure(measurement, row.spectrum);
-        const auto expectNear = [&row](double value, double expected, const char* what) {
-            if (std::isfinite(expected)) {
-                EXPECT_NEAR(value, expected, relative * 1000) << row.why << ": " << what;
-            } else {
-                EXPECT_TRUE(std::isnan(value) == std::isnan(expected) && std::isinf(value) == std::isinf(expected))
-                    << row.why << ": " << what << ' ' << value;
-            }
-        };
-        expectNear(result.channelPower, decibels(row.power), "power");
-        expectNear(result.startFrequency, row.lower, "lower");
-        expectNear(result.stopFrequency, row.upper, "upper");
-        expectNear(result.occupiedBW, row.upper - row.lower, "bandwidth");
-        expectNear(result.frequencyError, (row.upper + row.lower - row.start - row.stop) / 2, "error");
+        SCOPED_TRACE(row.why);
+        expectValues({result.channelPower, result.startFrequency, result.stopFrequency, result.occupiedBW,
+                      result.frequencyError},
+                     {decibels(row.power), row.lower, row.upper, row.upper - row.lower,
+                      (row.upper + row.lower - row.start - row.stop) / 2},
+                     1e-11);
         EXPECT_TRUE(result.isNewDataReady);
     }
 }

@@ -55,11 +55,8 @@ TEST(DistortionMeasurements, MeasuresAToneWithHarmonicsOfKnownLevels) {
         EXPECT_NEAR(result.snr, -decibels(noise), tolerance);
         EXPECT_NEAR(result.sinad, -decibels(harmonics + noise), tolerance);
         EXPECT_NEAR(result.sfdr, 40, tolerance);
-        const Values powers{0, -40, -50, evenFloor, -60, evenFloor};
-        for (std::size_t i = 0; i < 6; ++i) {
-            EXPECT_NEAR(result.harmonicPower[i], powers[i], tolerance);
-            EXPECT_NEAR(result.harmonicFrequency[i], 500.0 * static_cast<double>(i + 1), tolerance);
-        }
+        expectValues(result.harmonicPower, {0, -40, -50, evenFloor, -60, evenFloor}, tolerance);
+        expectValues(result.harmonicFrequency, ramp(500, 6, 500), tolerance);
     }
 }
 
@@ -107,12 +104,8 @@ TEST(DistortionMeasurements, DoublesZeroFrequencyOfAOneSidedSpectrum) {
 }
 
 TEST(DistortionMeasurements, GivesNoNoiseWhereTooLittleIsLeft) {
-    Values slope;  // one hill from end to end
-    for (int k = 0; k < 101; ++k) {
-        slope.push_back(-std::abs(k - 50));
-    }
     DistortionMeasurements measurement;
-    const auto result = measure(measurement, slope);
+    const auto result = measure(measurement, joined({ramp(-50, 50), ramp(0, 51, -1)}));  // one hill from end to end
     EXPECT_TRUE(std::isnan(result.snr) && std::isnan(result.sinad));
     EXPECT_FALSE(std::isnan(result.thd) || std::isnan(result.sfdr));
 }
@@ -124,9 +117,7 @@ TEST(DistortionMeasurements, MeasuresTheThirdOrderIntercept) {
     EXPECT_EQ(result.type, Type::intermodulation);
     EXPECT_EQ(result.numHarmonics, 4u);
     EXPECT_NEAR(result.toi, ((0 + (-3 + 60) / 2.0) + (-3 + (0 + 66) / 2.0)) / 2, tolerance);
-    for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_NEAR(result.harmonicFrequency[i], (Values{1000, 1200, 800, 1400})[i], tolerance);
-    }
+    expectValues(result.harmonicFrequency, {1000, 1200, 800, 1400}, tolerance);
     // 2 f2 - f1 beyond the grid: the leftover about the lower product, whose own hill is wiped by then.
     const auto beyond = measure(measurement, levels({{250, 0}, {330, -3}, {170, -60}}));
     EXPECT_NEAR(beyond.harmonicPower[2], -60, tolerance);

@@ -20,14 +20,6 @@ std::size_t clearBinByBin(Values& psd, std::size_t index) {
     return last - first + 1;
 }
 
-TEST(HillClearer, WipesAPeakDownToTheValleysOnBothSides) {
-    Values psd{5, 1, 2, 2, 9, 3, 3, 4};
-    HillClearer hills;
-    EXPECT_EQ(hills.clear(psd, 4), 6u);
-    EXPECT_EQ(psd, (Values{5, 0, 0, 0, 0, 0, 0, 4}));
-    EXPECT_EQ(hills.clear(psd, 0), 7u) << "what was wiped before counts again";
-}
-
 // Few levels: plateaus, zeros that nobody wiped, peaks inside wiped runs, NaN and negative bins.
 TEST(HillClearer, AgreesWithTheWalkBinByBin) {
     std::mt19937 random(3);

@@ -29,12 +29,8 @@ TEST(LimitLine, RunsStraightBetweenItsBreakpoints) {
         {"a NaN frequency", {0, 100, -10, 30}, 0, nan, nan},
     };
     for (const auto& row : rows) {
-        const double level = LimitLine(row.mask, limits, row.offset).levelAt(row.frequency);
-        if (std::isnan(row.level)) {
-            EXPECT_TRUE(std::isnan(level)) << row.why << ": " << level;
-        } else {
-            EXPECT_DOUBLE_EQ(level, row.level) << row.why;
-        }
+        SCOPED_TRACE(row.why);
+        expectValues({LimitLine(row.mask, limits, row.offset).levelAt(row.frequency)}, {row.level}, 1e-15);
     }
     EXPECT_TRUE(std::isnan(LimitLine({3}, {}, 0).levelAt(0))) << "limits that are not there";
 }

@@ -35,24 +35,15 @@ TEST(PhaseNoiseFilter, sendsCurvesOfEveryChannel) {
     feed(filter, frame({odd, carrierAtEnd}), 1);
     EXPECT_TRUE(PhaseNoiseFilter::isDataReady(client.name()));
 
-    const auto first = PhaseNoiseFilter::packageImpl(client.name(), 0, 1);
-    EXPECT_EQ(first->size(), 8u);
-    const auto json = [](const auto& package, const char* key) {
-        std::ostringstream stream;
-        package->getArray(key)->stringify(stream);
-        return stream.str();
-    };
-    EXPECT_EQ(json(first, "phaseNoise"), "[[-10,-20,-30,-40,-50,-60,-70]]");
-    EXPECT_EQ(json(first, "frequencyOffset"), "[[1,2,3,4,5,6,7]]");
-    EXPECT_EQ(json(first, "phaseNoiseNaNIdx"), "[[]]");
-    EXPECT_EQ(json(first, "spotFrequencyOffset"), "[2,3.5]");
-    EXPECT_EQ(json(first, "spotPhaseNoise"), "[[-20,-35]]");
-    EXPECT_EQ(json(first, "frequencyOffsetLimits"), "[1,7]");
-    EXPECT_EQ(first->getValue<unsigned>("numSpotFrequencyOffsets"), 2u);
-    const auto second = PhaseNoiseFilter::packageImpl(client.name(), 1, 3);  // one channel more than there are
-    EXPECT_EQ(json(second, "phaseNoise"), "[[-10,-20,0,-40,-50,-60,-70],[],[]]");
-    EXPECT_EQ(json(second, "phaseNoiseNaNIdx"), "[[2],[],[]]");
-    EXPECT_EQ(second->getArray("spotPhaseNoise")->getArray(1)->size(), 0u);
+    EXPECT_EQ(textOf(PhaseNoiseFilter::packageImpl(client.name(), 0, 1)),
+              R"({"frequencyOffset":[[1,2,3,4,5,6,7]],"frequencyOffsetLimits":[1,7],"numSpotFrequencyOffsets":2,)"
+              R"("phaseNoise":[[-10,-20,-30,-40,-50,-60,-70]],"phaseNoiseLimits":[-inf,-10],"phaseNoiseNaNIdx":[[]],)"
+              R"("spotFrequencyOffset":[2,3.5],"spotPhaseNoise":[[-20,-35]]})");
+    // One channel more than there are.
+    EXPECT_EQ(textOf(PhaseNoiseFilter::packageImpl(client.name(), 1, 3)),
+              R"({"frequencyOffset":[[1,2,3,4,5,6,7],[],[]],"frequencyOffsetLimits":[1,7],"numSpotFrequencyOffsets":2,)"
+              R"("phaseNoise":[[-10,-20,0,-40,-50,-60,-70],[],[]],"phaseNoiseLimits":[-inf,-10],)"
+              R"("phaseNoiseNaNIdx":[[2],[],[]],"spotFrequencyOffset":[2,3.5],"spotPhaseNoise":[[nan,nan],[],[]]})");
     EXPECT_EQ(PhaseNoiseFilter::packageImpl(client.name(), 5, 1)->getArray("phaseNoise")->size(), 1u);
 
     const QueryAnswer answer(answerPhaseNoise, client);
@@ -95,15 +86,10 @@ TEST(SpectralMaskTesterFilter, testsEverySignalAndCountsOverTunes) {
     EXPECT_TRUE(filter.isActive());
     feed(filter, frame({Values(10, -6.0)}), 0);
     feed(filter, frame({Values(10, -6.0), carrier}), 1);
-    const auto package = SpectralMaskTesterFilter::packageImpl(client.name());
-    EXPECT_EQ(package->size(), 10u);
-    EXPECT_EQ(text(package, "currentStatus"), "failing");
-    EXPECT_EQ(text(package, "upperMaskStatus"), "failing");
-    EXPECT_EQ(text(package, "lowerMaskStatus"), "passing");
-    EXPECT_EQ(text(package, "failingMasks"), "Upper and lower");
-    EXPECT_EQ(package->getArray("failingChannels")->getElement<int>(0), 2);
-    EXPECT_EQ(text(package, "numTotalTests"), "1");
-    EXPECT_FALSE(package->getValue<bool>("isCurrentlyPassing"));
+    EXPECT_EQ(textOf(SpectralMaskTesterFilter::packageImpl(client.name())),
+              R"({"currentStatus":"failing","failingChannels":[2],"failingMasks":"Upper and lower",)"
+              R"("isCurrentlyPassing":false,"lowerMaskStatus":"passing","numPassedTests":"0","numTotalTests":"1",)"
+              R"("spectrumPeak":"0","successRate":"0","upperMaskStatus":"failing"})");
     EXPECT_TRUE(QueryAnswer(answerNewSpectralMask, client).isTrue());
     const QueryAnswer answer(answerSpectralMask, client);
     EXPECT_EQ(answer.fields(), (Names{"IsCurrentlyPassing", "NumPassedTests", "NumTotalTests", "SuccessRate",

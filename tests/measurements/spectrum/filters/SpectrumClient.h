@@ -1,9 +1,7 @@
 #pragma once
 
-#include <Poco/JSON/Object.h>
-#include <Poco/SharedPtr.h>
-
 #include "Board.h"
+#include "PackageText.h"
 #include "QueryAnswer.h"
 #include "SpectrumEstimatorFilter.h"
 #include "Test.h"
@@ -37,7 +35,7 @@ public:
     }
 };
 
-inline std::string text(const Poco::SharedPtr<Poco::JSON::Object>& package, const char* key) {
+inline std::string text(const Poco::JSON::Object::Ptr& package, const char* key) {
     return package->getValue<std::string>(key);
 }
 
