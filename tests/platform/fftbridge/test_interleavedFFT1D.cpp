@@ -56,10 +56,9 @@ TEST(PlanCache, HoldsTheLatestPlansAndSharesThemWithOthers) {
                                                false);
     };
     fftbridge::FftPlanCache first;
-    transform(first, 18);
-    transform(first, 20);
-    transform(first, 18);
-    transform(first, 22);  // 20 was used longest ago
+    for (const std::size_t length : {18U, 20U, 18U, 22U}) {  // 22 comes when 20 was used longest ago
+        transform(first, length);
+    }
     EXPECT_EQ(numPlans(), 2U);
     {
         fftbridge::FftPlanCache second;

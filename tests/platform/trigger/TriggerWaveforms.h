@@ -1,11 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <vector>
-
+#include "Test.h"
 #include "TimeDomainTriggerController.h"
 
 namespace trigger_test {

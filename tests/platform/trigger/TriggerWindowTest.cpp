@@ -1,15 +1,8 @@
 // Which trigger points count, how the window is cut around them, and when it is handed out.
-#include <gtest/gtest.h>
-
-#include <random>
-
 #include "TriggerWaveforms.h"
 
 using namespace deckutil;
-using trigger_test::expectStarts;
-using trigger_test::Point;
-using trigger_test::Window;
-using trigger_test::windowsOf;
+using namespace trigger_test;
 
 namespace {
 
@@ -33,8 +26,6 @@ Engine risingEdge(TDTC::ModeEnum mode = TDTC::Normal) {
     return engine;
 }
 
-}  // namespace
-
 // Frames of one sample are taken sample by sample, longer ones in stretches that are passed over whole: from slow
 // signals to white noise, for any condition, they must agree to the bit, and so do what is decided behind gaps and
 // steps back.
@@ -52,7 +43,7 @@ TEST(TriggerWindowTest, FramesOfAnySizeGiveTheSameWindows) {
         for (int i = 0; i < 3000; ++i) {
             value += smoothing * (noise(random) - value);
             time += hasGaps && random() % 500 == 0 ? -0.3 : 0.001;
-            samples.push_back({time, hasGaps && random() % 200 == 0 ? std::nan("") : value});
+            samples.push_back({time, hasGaps && random() % 200 == 0 ? nan : value});
         }
         Engine settings;
         settings.setType(static_cast<TDTC::TypeEnum>(run % 6));
@@ -99,7 +90,7 @@ TEST(TriggerWindowTest, NoEdgeIsMissedAndNoneInvented) {
             value += smoothing * (noise(random) - value);
             samples.push_back({i / 1000.0, value});
         }
-        std::vector<double> expected;
+        Values expected;
         bool wasLow = false;
         double armedFrom = 0.0;
         for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -125,12 +116,11 @@ TEST(TriggerWindowTest, NoEdgeIsMissedAndNoneInvented) {
 }
 
 TEST(TriggerWindowTest, OneWindowAtATimeHoldOffAndDelay) {
-    struct Row {
+    const struct {
         const char* what;
         double timeRange, position, delay, holdoff;
-        std::vector<double> starts;
-    };
-    const Row rows[] = {
+        Values starts;
+    } rows[] = {
         {"each edge", 0.5, 0.0, 0.0, 0.0, {0.995, 1.995, 2.995, 3.995}},
         {"edges inside the window don't count", 1.2, 0.0, 0.0, 0.0, {0.995, 2.995}},
         {"the stretch before it does", 1.2, 0.5, 0.0, 0.0, {0.395, 1.395, 2.395, 3.395}},
@@ -140,7 +130,7 @@ TEST(TriggerWindowTest, OneWindowAtATimeHoldOffAndDelay) {
         {"a window that would begin before the first sample doesn't count", 2.6, 0.6, 0.0, 0.0, {0.435}},
         {"nor one that a delay moves there", 0.5, 0.0, -1.5, 0.0, {0.495, 1.495, 2.495}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Engine engine = risingEdge();
         engine.setPosition(row.position);
@@ -178,10 +168,7 @@ TEST(TriggerWindowTest, OnceFiresOnceUntilArmedAgain) {
 }
 
 TEST(TriggerWindowTest, AutoRunsFreeOnAFlatLineAndNormalWaits) {
-    std::vector<Point> flat;
-    for (int i = 0; i <= 500; ++i) {
-        flat.push_back({i / 100.0, 0.25});
-    }
+    const std::vector<Point> flat = sampled({{0.0, 0.25}, {5.0, 0.25}}, 0.01);
     Engine automatic = risingEdge(TDTC::Auto);
     automatic.setPosition(0.5);
     expectStarts(windowsOf(automatic, flat, 1.0, 33), {0.0, 1.0, 2.0, 3.0, 4.0});
@@ -291,3 +278,5 @@ TEST(TriggerWindowTest, MovedLevelsAreNotCrossings) {
     engine.setUpperLevel(1.0);
     expectStarts(windowsOf(engine, {{2.3, 0.5}, {2.4, 0.5}, {2.5, 1.5}, {2.6, 0.5}, {2.8, 0.5}}, 0.1), {2.55});
 }
+
+}  // namespace

@@ -8,6 +8,7 @@
 
 namespace {
 
+using namespace scalar_formulas;
 using vectormath::smallestPower;
 using vectormath::VectorKernels;
 
@@ -139,82 +140,74 @@ protected:
         EXPECT_EQ(array.back(), guard) << size;
     }
 
-    void checkLogarithmsAndRoots(std::size_t n, std::size_t offset);
-    void checkSpectra(std::size_t n, std::size_t offset);
-    void checkAverages(std::size_t n, std::size_t offset);
-};
+    void checkLogarithmsAndRoots(std::size_t n, std::size_t offset) {
+        constexpr double tolerance = 1e-14;  // the bounds proper are asserted above
+        const Array x = makeArray(n, offset);
+        const auto at = [&](std::size_t i) { return x[offset + i]; };
+        Array y = x;  // in place
+        kernels_.toDecibels(&y[offset], &y[offset], n, 30, smallestPower);
+        expectAll(y, offset, tolerance, [&](std::size_t i) { return toDecibels(at(i), 30, smallestPower); });
+        y = x;
+        kernels_.rootToDecibels(&x[offset], &y[offset], n, 1.5, 120, 125, smallestPower);
+        expectAll(y, offset, tolerance,
+                  [&](std::size_t i) { return rootToDecibels(at(i), 1.5, 120, 125, smallestPower); });
+        y = x;
+        kernels_.fromDecibels(&x[offset], &y[offset], n, 3);
+        expectAll(y, offset, tolerance, [&](std::size_t i) { return fromDecibels(at(i), 3); });
+        y = x;
+        kernels_.squareFromDecibels(&x[offset], &y[offset], n, 3, 50);
+        expectAll(y, offset, tolerance, [&](std::size_t i) { return squareFromDecibels(at(i), 3, 50); });
+        y = x;
+        kernels_.squareRoots(&y[offset], &y[offset], n);
+        expectAll(y, offset, 0, [&](std::size_t i) { return std::sqrt(at(i)); });
+    }
 
-void EveryLengthAndAddress::checkLogarithmsAndRoots(std::size_t n, std::size_t offset) {
-    constexpr double tolerance = 1e-14;  // the bounds proper are asserted above
-    const Array x = makeArray(n, offset);
-    const auto at = [&](std::size_t i) { return x[offset + i]; };
-    Array y = x;  // in place
-    kernels_.toDecibels(&y[offset], &y[offset], n, 30, smallestPower);
-    expectAll(y, offset, tolerance,
-              [&](std::size_t i) { return scalar_formulas::toDecibels(at(i), 30, smallestPower); });
-    y = x;
-    kernels_.rootToDecibels(&x[offset], &y[offset], n, 1.5, 120, 125, smallestPower);
-    expectAll(y, offset, tolerance,
-              [&](std::size_t i) { return scalar_formulas::rootToDecibels(at(i), 1.5, 120, 125, smallestPower); });
-    y = x;
-    kernels_.fromDecibels(&x[offset], &y[offset], n, 3);
-    expectAll(y, offset, tolerance, [&](std::size_t i) { return scalar_formulas::fromDecibels(at(i), 3); });
-    y = x;
-    kernels_.squareFromDecibels(&x[offset], &y[offset], n, 3, 50);
-    expectAll(y, offset, tolerance, [&](std::size_t i) { return scalar_formulas::squareFromDecibels(at(i), 3, 50); });
-    y = x;
-    kernels_.squareRoots(&y[offset], &y[offset], n);
-    expectAll(y, offset, 0, [&](std::size_t i) { return std::sqrt(at(i)); });
-}
+    void checkSpectra(std::size_t n, std::size_t offset) {
+        const Array samples = makeArray(2 * n, offset);
+        const Array window = makeArray(n, 0);
+        Array spectrum = makeArray(2 * n, 1);
+        kernels_.windowReal(&samples[offset], window.data(), &spectrum[1], n);
+        expectAll(spectrum, 1, 0,
+                  [&](std::size_t i) { return i % 2 == 0 ? samples[offset + i / 2] * window[i / 2] : 0.0; });
+        kernels_.windowComplex(&samples[offset], window.data(), &spectrum[1], n);
+        expectAll(spectrum, 1, 0, [&](std::size_t i) { return samples[offset + i] * window[i / 2]; });
+        Array power = makeArray(n, offset);
+        kernels_.scaledPower(&samples[offset], 0.3, &power[offset], n);
+        expectAll(power, offset, 0, [&](std::size_t i) { return scaledPower(&samples[offset], 0.3, i); });
+    }
 
-void EveryLengthAndAddress::checkSpectra(std::size_t n, std::size_t offset) {
-    const Array samples = makeArray(2 * n, offset);
-    const Array window = makeArray(n, 0);
-    Array spectrum = makeArray(2 * n, 1);
-    kernels_.windowReal(&samples[offset], window.data(), &spectrum[1], n);
-    expectAll(spectrum, 1, 0,
-              [&](std::size_t i) { return i % 2 == 0 ? samples[offset + i / 2] * window[i / 2] : 0.0; });
-    kernels_.windowComplex(&samples[offset], window.data(), &spectrum[1], n);
-    expectAll(spectrum, 1, 0, [&](std::size_t i) { return samples[offset + i] * window[i / 2]; });
-    Array power = makeArray(n, offset);
-    kernels_.scaledPower(&samples[offset], 0.3, &power[offset], n);
-    expectAll(power, offset, 0, [&](std::size_t i) { return scalar_formulas::scaledPower(&samples[offset], 0.3, i); });
-}
+    void checkAverages(std::size_t n, std::size_t offset) {
+        for (const bool useNonFinite : {false, true}) {
+            Array row = makeArray(n, offset);
+            Array mean = makeArray(n, 1);
+            Array expected = row;
+            Array expectedMean = mean;
+            bool expectedFound = false;
+            for (std::size_t i = 0; i < n; ++i) {
+                expectedFound |= averageExponentially(expected[offset + i], expectedMean[1 + i], 0.3, useNonFinite);
+            }
+            EXPECT_EQ(kernels_.averageExponentially(&row[offset], &mean[1], n, 0.3, useNonFinite), expectedFound);
+            expectAll(row, offset, 0, [&](std::size_t i) { return expected[offset + i]; });
+            expectAll(mean, 1, 0, [&](std::size_t i) { return expectedMean[1 + i]; });
 
-void EveryLengthAndAddress::checkAverages(std::size_t n, std::size_t offset) {
-    for (const bool useNonFinite : {false, true}) {
-        Array row = makeArray(n, offset);
-        Array mean = makeArray(n, 1);
-        Array expected = row;
-        Array expectedMean = mean;
-        bool expectedFound = false;
-        for (std::size_t i = 0; i < n; ++i) {
-            expectedFound |=
-                scalar_formulas::averageExponentially(expected[offset + i], expectedMean[1 + i], 0.3, useNonFinite);
+            const Array spectrum = makeArray(2 * n, offset);
+            Array average = makeArray(n, 1);
+            expectedMean = average;
+            kernels_.scaledPower(&spectrum[offset], 1.7, &row[offset], n);
+            const bool found = kernels_.averageExponentially(&row[offset], &expectedMean[1], n, 0.3, useNonFinite);
+            EXPECT_EQ(kernels_.averagePower(&spectrum[offset], 1.7, &average[1], n, 0.3, useNonFinite), found);
+            expectAll(average, 1, 0, [&](std::size_t i) { return expectedMean[1 + i]; });
         }
-        EXPECT_EQ(kernels_.averageExponentially(&row[offset], &mean[1], n, 0.3, useNonFinite), expectedFound);
-        expectAll(row, offset, 0, [&](std::size_t i) { return expected[offset + i]; });
-        expectAll(mean, 1, 0, [&](std::size_t i) { return expectedMean[1 + i]; });
+        const Array row = makeArray(n, offset);
+        const Array before = makeArray(n, 1);
+        Array held = before;
+        kernels_.holdMaximum(&row[offset], &held[1], n);
+        expectAll(held, 1, 0, [&](std::size_t i) { return holdMaximum(row[offset + i], before[1 + i]); });
+        held = before;
+        kernels_.holdMinimum(&row[offset], &held[1], n);
+        expectAll(held, 1, 0, [&](std::size_t i) { return holdMinimum(row[offset + i], before[1 + i]); });
     }
-    for (const bool useNonFinite : {false, true}) {
-        const Array spectrum = makeArray(2 * n, offset);
-        Array average = makeArray(n, 1);
-        Array expected = average;
-        Array row(n + 1);
-        kernels_.scaledPower(&spectrum[offset], 1.7, &row[0], n);
-        const bool found = kernels_.averageExponentially(&row[0], &expected[1], n, 0.3, useNonFinite);
-        EXPECT_EQ(kernels_.averagePower(&spectrum[offset], 1.7, &average[1], n, 0.3, useNonFinite), found);
-        expectAll(average, 1, 0, [&](std::size_t i) { return expected[1 + i]; });
-    }
-    const Array row = makeArray(n, offset);
-    const Array before = makeArray(n, 1);
-    Array held = before;
-    kernels_.holdMaximum(&row[offset], &held[1], n);
-    expectAll(held, 1, 0, [&](std::size_t i) { return scalar_formulas::holdMaximum(row[offset + i], before[1 + i]); });
-    held = before;
-    kernels_.holdMinimum(&row[offset], &held[1], n);
-    expectAll(held, 1, 0, [&](std::size_t i) { return scalar_formulas::holdMinimum(row[offset + i], before[1 + i]); });
-}
+};
 
 TEST_P(EveryLengthAndAddress, EqualsThePlainFormula) {
     for (const std::size_t n : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 8U, 15U, 16U, 17U, 127U, 128U, 129U}) {
