@@ -4,9 +4,11 @@
 #include <boost/any.hpp>
 #include <cmath>
 #include <exception>
+#include <functional>
 
 #include "Catalogue.h"
 #include "ChainKind.h"
+#include "LimitedAllocation.h"
 #include "RandomOptions.h"
 
 namespace fuzz {
@@ -102,6 +104,7 @@ void RandomClient::addStages() {
 
 void RandomClient::play(const std::uint8_t* data, std::size_t size, const std::vector<Call>& calls) {
     constexpr int mostCalls = 200;
+    const testsupport::AllocationLimit limit;
     InputBytes input(data, size);
     const auto attempt = [](const auto& action) {
         try {
@@ -114,46 +117,9 @@ void RandomClient::play(const std::uint8_t* data, std::size_t size, const std::v
         RandomClient client(input);
         attempt([&] { client.client_->setup(); });
         for (int i = 0; i < mostCalls && !input.isEmpty(); ++i) {
-            attempt([&] { client.call(input.oneOf(calls)); });
+            attempt([&] { (client.*input.oneOf(calls))(); });
         }
     });
-}
-
-void RandomClient::call(Call which) {
-    switch (which) {
-        case Call::Tune:
-            return tune();
-        case Call::SendAsIs:
-            return sendAsIs();
-        case Call::Frame:
-            return frame();
-        case Call::FrameAsIs:
-            return frameAsIs();
-        case Call::Replay:
-            client_->replay();
-            return client_->setReplaying(input_.flag());
-        case Call::Update: {
-            const auto update = input_.flag() ? client_->update() : client_->updateNow();
-            if (!update.message.isNull()) {
-                messageText_.write(*update.message);
-            }
-            return;
-        }
-        case Call::Query:
-            return query();
-        case Call::Resize:
-            return resize();
-        case Call::Rollback:
-            return rollback();
-        case Call::Reset:
-            return input_.flag() ? client_->reset() : client_->restart();
-        case Call::Setup:
-            return client_->setup();
-        case Call::Board:
-            return writeBoard();
-        case Call::Client:
-            return changeClient();
-    }
 }
 
 std::string RandomClient::randomStage() {
@@ -214,6 +180,26 @@ void RandomClient::frameAsIs() {
     client_->isReplaying() ? void(client_->replayAsIs(signals)) : client_->frameAsIs(signals);
 }
 
+void RandomClient::replay() {
+    client_->replay();
+    client_->setReplaying(input_.flag());
+}
+
+void RandomClient::update() {
+    const auto update = input_.flag() ? client_->update() : client_->updateNow();
+    if (!update.message.isNull()) {
+        messageText_.write(*update.message);
+    }
+}
+
+void RandomClient::reset() {
+    input_.flag() ? client_->reset() : client_->restart();
+}
+
+void RandomClient::setup() {
+    client_->setup();
+}
+
 void RandomClient::query() {
     const auto function = stageLibrary().query(input_.oneOf(queries));
     if (input_.byte() < 230) {
@@ -259,32 +245,20 @@ void RandomClient::writeBoard() {
         keys.emplace_back(host);
     }
     const std::string key = input_.oneOf(keys);
-    boost::any value;
-    switch (input_.below(8)) {
-        case 0:
-            value = input_.number();
-            break;
-        case 1:
-            value = static_cast<int>(input_.below(400)) - 3;
-            break;
-        case 2:
-            value = static_cast<unsigned long>(input_.below(400));
-            break;
-        case 3:
-            value = input_.flag();
-            break;
-        case 4:
-            value = input_.numbers(input_.below(6));
-            break;
-        case 5:
-            value = std::vector<bool>(input_.below(6), input_.flag());
-            break;
-        case 6:
-            value = std::string("text");
-            break;
-        default:
-            value = wavedeck::DataStorageFilterUtils{input_.numbers(input_.below(4)), input_.flag(), input_.flag()};
-    }
+    const std::function<boost::any()> values[] = {
+        [&] { return boost::any(input_.number()); },
+        [&] { return boost::any(static_cast<int>(input_.below(400)) - 3); },
+        [&] { return boost::any(static_cast<unsigned long>(input_.below(400))); },
+        [&] { return boost::any(input_.flag()); },
+        [&] { return boost::any(input_.numbers(input_.below(6))); },
+        [&] { return boost::any(std::vector<bool>(input_.below(6), input_.flag())); },
+        [&] { return boost::any(std::string("text")); },
+        [&] {
+            return boost::any(
+                wavedeck::DataStorageFilterUtils{input_.numbers(input_.below(4)), input_.flag(), input_.flag()});
+        },
+    };
+    const boost::any value = values[input_.below(std::size(values))]();
     client_->withInfo(
         [&](wavedeck::WaveDeckClientInfo& info) { info.getClientSettings().addCustomSetting(key, value); });
 }
@@ -298,22 +272,18 @@ void RandomClient::changeClient() {
         return;
     }
     client_->withInfo([&](wavedeck::WaveDeckClientInfo& info) {
-        switch (which % 8) {
-            case 1:
-                return info.setSimulationTime(value);
-            case 2:
-                return info.setSimStartTime(value);
-            case 3:
-                return info.setSimStopTime(value);
-            case 4:
-                return info.setTimeBased(on);
-            case 5:
-                return info.setFastRestart(on);
-            case 6:
-                return info.setTimeSpanOneFramePeriod(on);
-            default:
-                return info.getClientSettings().axesTimeTable.set(0, {value, value, on ? 1UL : 0UL});
-        }
+        const std::function<void()> changes[] = {
+            [&] { info.setSimulationTime(value); },
+            [&] { info.setSimStartTime(value); },
+            [&] { info.setSimStopTime(value); },
+            [&] { info.setTimeBased(on); },
+            [&] { info.setFastRestart(on); },
+            [&] { info.setTimeSpanOneFramePeriod(on); },
+            [&] {
+                info.getClientSettings().axesTimeTable.set(0, {value, value, on ? 1UL : 0UL});
+            },
+        };
+        changes[which % 8 - 1]();
     });
 }
 

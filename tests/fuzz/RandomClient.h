@@ -16,39 +16,29 @@ const wavedeck::driver::StageLibrary& stageLibrary();
 /// A client whose chain and whose calls an input decides. What the library throws is as good as any other answer.
 class RandomClient {
 public:
-    /// Calls that an input may choose among; one that stands there twice is chosen more often.
-    enum class Call {
-        Tune,
-        SendAsIs,
-        Frame,
-        FrameAsIs,
-        Replay,
-        Update,
-        Query,
-        Resize,
-        Rollback,
-        Reset,
-        Setup,
-        Board,
-        Client
-    };
+    using Call = void (RandomClient::*)();
 
-    /// Makes a client and makes calls until the input is used up.
+    /// Makes a client and makes calls until the input is used up. It chooses among these calls; one that stands there
+    /// twice is chosen more often.
     static void play(const std::uint8_t* data, std::size_t size, const std::vector<Call>& calls);
 
-private:
-    explicit RandomClient(InputBytes& input);
-    void addStages();
-    void call(Call which);
     void tune();
     void sendAsIs();
     void frame();
     void frameAsIs();
+    void replay();
+    void update();
     void query();
     void resize();
     void rollback();
+    void reset();
+    void setup();
     void writeBoard();
     void changeClient();
+
+private:
+    explicit RandomClient(InputBytes& input);
+    void addStages();
     std::vector<double> samples(std::size_t count);
     std::string randomStage();
 

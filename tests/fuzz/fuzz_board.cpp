@@ -1,13 +1,11 @@
 // Settings boards with entries of any kind, and the query functions that read them.
 
-#include "LimitedAllocation.h"
 #include "RandomClient.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const testsupport::AllocationLimit limit;
-    using Call = fuzz::RandomClient::Call;
-    fuzz::RandomClient::play(data, size,
-                             {Call::Board, Call::Board, Call::Query, Call::Query, Call::Frame, Call::Frame,
-                              Call::Update, Call::Replay, Call::Tune});
+    using Client = fuzz::RandomClient;
+    Client::play(data, size,
+                 {&Client::writeBoard, &Client::writeBoard, &Client::query, &Client::query, &Client::frame,
+                  &Client::frame, &Client::update, &Client::replay, &Client::tune});
     return 0;
 }

@@ -27,12 +27,7 @@ constexpr int frameSize = 64;
 
 program::SessionFacts sessionFacts() {
     program::SessionFacts facts;
-    wavedeck::driver::SignalFacts signal;
-    signal.id = "signal";
-    signal.numChannels = 2;
-    signal.sampleTime = 1e-3;
-    signal.frameSize = frameSize;
-    facts.signals.push_back(signal);
+    facts.signals.push_back({"signal", 2, false, 1e-3, 0.0, frameSize, false});
     facts.centerFrequencies.push_back(0.0);
     return facts;
 }
