@@ -1,13 +1,8 @@
 /** The page and its server: reconnecting. */
 
 import assert from 'node:assert/strict';
-import { after, before, test } from 'node:test';
-import { drawn, launch, limitTime, serve, status } from './support.mjs';
-
-limitTime(100);
-let browser;
-before(async () => { browser = await launch(); });
-after(() => browser?.close());
+import { test } from 'node:test';
+import { browser, drawn, serve, status } from './support.mjs';
 
 test('the page finds its way back when the program comes back, also with other decks', async () => {
   let server = await serve(['gen:tone?duration=inf', '--deck', 'spectrum']);

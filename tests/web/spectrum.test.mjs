@@ -2,21 +2,15 @@
 
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
-import { after, before, test } from 'node:test';
-import { drawn, ended, launch, limitTime, onPage, quantity, reportOf, set, says, status, tableRows } from './support.mjs';
-
-limitTime(100);
-let browser;
-before(async () => { browser = await launch(); });
-after(() => browser?.close());
+import { test } from 'node:test';
+import { browser, drawn, ended, near, onPage, place, quantity, reportOf, set, says, status, tableRows } from './support.mjs';
 
 const tones = 'gen:twotone?frequency=6k&spacing=2k&duration=1&noise=1m&im3=-40';
 const noise = 'gen:noise?duration=inf';
-const near = (value, expected, tolerance, what) => assert.ok(Math.abs(value - expected) <= tolerance, `${what}: ${value} is not ${expected}`);
 
 test('the figures on the page are those of the report', async () => {
   const args = [tones, '--deck', 'spectrum', '--measure', 'peaks,distortion,channel', '--set', 'distortionType=intermodulation'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await ended(page);
     const report = reportOf(args);
     const check = async (title, expected) => {
@@ -44,7 +38,7 @@ test('the figures on the page are those of the report', async () => {
 });
 
 test('tunes change the spectrum, bad values show the error, every browser follows', async () => {
-  await onPage(browser, [noise, '--deck', 'spectrum'], async (page, server) => {
+  await onPage([noise, '--deck', 'spectrum'], async (page, server) => {
     const enbw = (view) => view.message.spectrum.enbw;
     near(await page.evaluate(`(${enbw})(wavedeck.state.view)`), 1.5, 1e-6, 'ENBW of the Hann window');
     const other = await browser.newPage();
@@ -62,28 +56,19 @@ test('tunes change the spectrum, bad values show the error, every browser follow
     await set(page, 'span', '6k');
     await drawn(page, (view) => view.main.rangeX().join() === '9000,15000');
     await says(page, 'Span', /^6 kHz$/);
-    await set(page, 'span', '');
-    await drawn(page, (view) => view.main.rangeX()[1] === 24000);
-    await set(page, 'startFrequency', '5k');
-    await drawn(page, (view) => view.main.rangeX().join() === '5000,24000');
-    await set(page, 'stopFrequency', '9k');
-    await drawn(page, (view) => view.main.rangeX().join() === '5000,9000');
-    await set(page, 'startFrequency', '12k');
-    await drawn(page, (view) => view.main.rangeX().join() === '12000,16000');
-    await set(page, 'stopFrequency', '9k');
-    await drawn(page, (view) => view.main.rangeX().join() === '5000,9000');
-    assert.equal(await page.inputValue('[data-option="startFrequency"]'), '5000');
-    await set(page, 'centerFrequency', '8k');
-    await drawn(page, (view) => view.main.rangeX().join() === '6000,10000');
-    await set(page, 'centerFrequency', '');
-    await drawn(page, (view) => view.main.rangeX()[1] === 24000);
+    for (const [option, text, shown] of [['span', '', '0,24000'], ['startFrequency', '5k', '5000,24000'], ['stopFrequency', '9k', '5000,9000'],
+      ['startFrequency', '12k', '12000,16000'], ['stopFrequency', '9k', '5000,9000'], ['centerFrequency', '8k', '6000,10000'],
+      ['centerFrequency', '', '0,24000']]) {
+      await set(page, option, text);
+      await drawn(page, (view, range) => view.main.rangeX().join() === range, shown);
+      if (shown === '5000,9000') assert.equal(await page.inputValue('[data-option="startFrequency"]'), '5000');
+    }
     await set(page, 'spectrumUnits', 'dbw');
     await drawn(page, (view) => view.panes.spectrum.chart.axes[1].label() === 'Level / dBW');
 
     for (const [option, value] of [['rbw', 'abc'], ['rbw', '5K'], ['overlapPercent', '1,2']]) {
       await set(page, option, value);
-      const message = page.locator('#message');
-      await message.getByText(option).waitFor();
+      await page.locator('#message').getByText(option).waitFor();
       assert.ok(await page.locator(`[data-option="${option}"].rejected`).isVisible());
     }
     await set(page, 'rbw', '800');
@@ -94,7 +79,7 @@ test('tunes change the spectrum, bad values show the error, every browser follow
 
 test('hold traces start anew, pause and step', async () => {
   const args = [noise, '--deck', 'spectrum', '--set', 'plotMaxHoldTrace=true', '--set', 'averagingMethod=running', '--set', 'spectralAverages=1'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     // A hold trace never falls unless it starts anew: after a few dozen lines of noise the new one lies lower somewhere.
     const holdOf = (view) => [...view.panes.spectrum.traces[1].values];
     await drawn(page, (view) => view.message.spectrum.numUpdatesProcessed > 30);
@@ -121,17 +106,12 @@ test('hold traces start anew, pause and step', async () => {
 });
 
 test('markers snap to peaks, the wheel and the box zoom, double click shows all', async () => {
-  await onPage(browser, [tones, '--deck', 'spectrum'], async (page) => {
+  await onPage([tones, '--deck', 'spectrum'], async (page) => {
     await ended(page);
-    const place = (x, y) => page.evaluate(([f, l]) => {
-      const { chart } = wavedeck.state.view.panes.spectrum;
-      const { left, top } = chart.over.getBoundingClientRect();
-      return [left + chart.valToPos(f, 'x'), top + chart.valToPos(l, 'y')];
-    }, [x, y]);
     const range = () => page.evaluate(() => wavedeck.state.view.panes.spectrum.rangeX());
-    await page.mouse.click(...await place(6100, 0));
+    await page.mouse.click(...await place(page, 'spectrum', 6100, 0));
     await page.keyboard.down('Shift');
-    await page.mouse.click(...await place(7900, 0));
+    await page.mouse.click(...await place(page, 'spectrum', 7900, 0));
     await page.keyboard.up('Shift');
     await page.waitForSelector('[data-table="Markers"] tr:nth-child(3)');
     const rows = await tableRows(page, 'Markers');
@@ -145,16 +125,16 @@ test('markers snap to peaks, the wheel and the box zoom, double click shows all'
     const [[, strongest, most]] = await tableRows(page, 'Peaks');
     assert.deepEqual([frequency, highest], [strongest, most]);
 
-    await page.mouse.move(...await place(7000, 0));
+    await page.mouse.move(...await place(page, 'spectrum', 7000, 0));
     await page.mouse.wheel(0, -200);
     await page.waitForFunction(() => wavedeck.state.view.panes.spectrum.rangeX()[1] < 24000);
     const [low, high] = await range();
     near((7000 - low) / (high - low), 7000 / 24000, 0.02, 'the frequency under the wheel stays');
-    await page.mouse.dblclick(...await place(7000, 0));
+    await page.mouse.dblclick(...await place(page, 'spectrum', 7000, 0));
     assert.deepEqual(await range(), [0, 24000]);
-    await page.mouse.move(...await place(5000, 10));
+    await page.mouse.move(...await place(page, 'spectrum', 5000, 10));
     await page.mouse.down();
-    await page.mouse.move(...await place(9000, -50), { steps: 4 });
+    await page.mouse.move(...await place(page, 'spectrum', 9000, -50), { steps: 4 });
     await page.mouse.up();
     (await range()).forEach((v, i) => near(v, [5000, 9000][i], 60, 'box'));
     const levels = await page.evaluate(() => wavedeck.state.view.panes.spectrum.rangeY());
@@ -165,7 +145,7 @@ test('markers snap to peaks, the wheel and the box zoom, double click shows all'
 test('the spectrogram keeps time, its levels can be fixed, the mask is drawn as it fares', async () => {
   const args = ['gen:chirp?start=1k&stop=20k&period=3&duration=3', '--deck', 'spectrum', '--measure', 'mask', '--set', 'showSpectrogram=true',
     '--set', 'enabledMasks=upper', '--set', 'upperMask=-30', '--set', 'forgettingFactor=0'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await ended(page);
     assert.ok((await tableRows(page, 'Mask')).some(([name, text]) => name === 'Now' && text === 'failing'));
     // The chirp rises by 19 kHz in three seconds: a line that is older by t lies 19k * t / 3 lower.
@@ -177,20 +157,16 @@ test('the spectrogram keeps time, its levels can be fixed, the mask is drawn as 
     assert.ok(tops.length > 15);
     // A line is 64 ms of the chirp, somewhere in which lies its strongest bin; where an update was missed the gap may be one line off.
     tops.forEach(([ago, frequency]) => near(frequency, tops[0][1] - 19000 / 3 * ago, 19000 / 3 * 2 * 0.064, `line ${ago} s ago`));
-    const [height, at] = await page.evaluate(() => {
-      const { chart } = wavedeck.state.view.panes.waterfall;
-      const { left, top } = chart.over.getBoundingClientRect();
-      return [wavedeck.state.view.seconds / wavedeck.state.view.waterfall.depth, [left + chart.valToPos(10000, 'x'), top + chart.valToPos(1, 'y')]];
-    });
-    await page.mouse.click(...at);
+    const height = await page.evaluate(() => wavedeck.state.view.seconds / wavedeck.state.view.waterfall.depth);
+    await page.mouse.click(...await place(page, 'waterfall', 10000, 1));
     await page.waitForSelector('[data-table="Markers in the spectrogram"]');
-    const [[, place, ago, level]] = await tableRows(page, 'Markers in the spectrogram');
-    near(quantity(place), 10000, 60, 'marker'); near(quantity(ago), 1, height, 'marker');
+    const [[, frequency, ago, level]] = await tableRows(page, 'Markers in the spectrogram');
+    near(quantity(frequency), 10000, 60, 'marker'); near(quantity(ago), 1, height, 'marker');
     const lines = await page.evaluate(([x, y]) => {
       const { rows, columns } = wavedeck.state.view.waterfall;
       const column = Math.floor(x / 24000 * columns);
       return [-1, 0, 1].flatMap((line) => [-1, 0, 1].map((c) => rows[y + line][column + c]));
-    }, [quantity(place), Math.floor(quantity(ago) / height)]);
+    }, [quantity(frequency), Math.floor(quantity(ago) / height)]);
     assert.ok(lines.some((value) => Math.abs(value - parseFloat(level)) < 0.006), `${level} stands nowhere near the marker`);
     await page.fill('#level-low', '-80');
     await page.fill('#level-high', '-20');
@@ -203,22 +179,18 @@ test('the spectrogram keeps time, its levels can be fixed, the mask is drawn as 
 
 test('phase noise on a logarithmic axis, with the spots of the report; picture and trace are saved', async () => {
   const args = ['gen:phasenoise?duration=1', '--deck', 'spectrum', '--measure', 'phasenoise'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await ended(page);
     const rows = await tableRows(page, 'Phase noise');
     const spots = reportOf(args).phaseNoise.spots;
     assert.deepEqual(rows.map((row) => quantity(row[0])), spots.map(({ offset }) => offset.value));
     rows.forEach((row, i) => near(parseFloat(row[1]), spots[i].level.value, 0.006, `spot ${i}`));
     assert.deepEqual(await page.evaluate(() => wavedeck.state.view.panes.phaseNoise.labels.map((label) => label.text)), rows.map((row) => row[1]));
-    const decades = await page.evaluate(() => {
+    const [decades, ticks] = await page.evaluate(() => {
       const { chart } = wavedeck.state.view.panes.phaseNoise;
-      return [1000, 10000].map((v) => chart.valToPos(v, 'x')).concat([2000, 20000].map((v) => chart.valToPos(v, 'x')));
+      return [[1000, 10000, 2000, 20000].map((v) => chart.valToPos(v, 'x')), chart.axes[0].values(chart, [500, 600, 1000, 2000, 3000, 10000])];
     });
     near(decades[1] - decades[0], decades[3] - decades[2], 1, 'a decade is as wide anywhere');
-    const ticks = await page.evaluate(() => {
-      const { chart } = wavedeck.state.view.panes.phaseNoise;
-      return chart.axes[0].values(chart, [500, 600, 1000, 2000, 3000, 10000]);
-    });
     assert.deepEqual(ticks, ['500', '', '1k', '2k', '', '10k']);
 
     const save = async (id) => {

@@ -3,17 +3,32 @@
 import assert from 'node:assert/strict';
 import { execFileSync, spawn } from 'node:child_process';
 import { existsSync } from 'node:fs';
+import { after, before } from 'node:test';
 import { chromium } from 'playwright-core';
 
 const program = process.env.WAVEDECK ?? new URL('../../build/release/bin/wavedeck', import.meta.url).pathname;
 const patience = 15000;
 
-/** Whatever happens, the process ends; what it started dies with it. */
-export function limitTime(seconds) {
-  setTimeout(() => {
-    console.error(`not done after ${seconds} s`);
-    process.exit(1);
-  }, seconds * 1000).unref();
+// Whatever happens, the process ends; what it started dies with it.
+setTimeout(() => {
+  console.error('not done after 100 s');
+  process.exit(1);
+}, 100000).unref();
+
+/** The browser of all tests of a file. */
+export let browser;
+before(async () => {
+  const executablePath = ['/usr/bin/chromium', '/usr/bin/chromium-browser'].find((path) => existsSync(path));
+  assert.ok(executablePath, 'chromium is not installed');
+  browser = await chromium.launch({
+    executablePath, timeout: patience,
+    args: ['--disable-gpu', '--disable-background-networking', '--disable-component-update', '--no-first-run', '--disable-sync'],
+  });
+});
+after(() => browser?.close());
+
+export function near(value, expected, tolerance, what) {
+  assert.ok(Math.abs(value - expected) <= tolerance, `${what}: ${value} is not ${expected}`);
 }
 
 /** `wavedeck play ... --serve`: {url, port, stop()}. The kernel ends it should this process be killed. */
@@ -49,20 +64,11 @@ export function reportOf(args) {
   return JSON.parse(text).decks[0];
 }
 
-export function launch() {
-  const executablePath = ['/usr/bin/chromium', '/usr/bin/chromium-browser'].find((path) => existsSync(path));
-  assert.ok(executablePath, 'chromium is not installed');
-  return chromium.launch({
-    executablePath, timeout: patience,
-    args: ['--disable-gpu', '--disable-background-networking', '--disable-component-update', '--no-first-run', '--disable-sync'],
-  });
-}
-
 /**
  * Runs `check(page, server)` on a page that shows `args`, after the first picture; then closes the page, stops the
  * program and fails on any error that the page itself threw.
  */
-export async function onPage(browser, args, check, { viewport = { width: 1280, height: 760 } } = {}) {
+export async function onPage(args, check, { viewport = { width: 1280, height: 760 } } = {}) {
   const server = await serve(args);
   const page = await browser.newPage({ viewport });
   try {
@@ -102,6 +108,15 @@ export async function ended(page) {
     const { state } = window.wavedeck;
     return state.ended && !state.pending && !state.dirty && state.received > 0;
   });
+}
+
+/** Where on the screen a point of a pane's chart lies. */
+export function place(page, pane, x, y) {
+  return page.evaluate(([name, horizontal, vertical]) => {
+    const { chart } = wavedeck.state.view.panes[name];
+    const { left, top } = chart.over.getBoundingClientRect();
+    return [left + chart.valToPos(horizontal, 'x'), top + chart.valToPos(vertical, 'y')];
+  }, [pane, x, y]);
 }
 
 /** The rows of a table of figures as lists of text. */

@@ -4,26 +4,19 @@ import assert from 'node:assert/strict';
 import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
-import { after, before, test } from 'node:test';
+import { after, test } from 'node:test';
 import { engineering, figures, level } from '../../web/js/format.js';
 import { align, thinned } from '../../web/js/trace.js';
-import { drawn, ended, launch, limitTime, onPage, quantity, reportOf, status, tableRows } from './support.mjs';
+import { drawn, ended, near, onPage, quantity, reportOf, status, tableRows } from './support.mjs';
 
-limitTime(100);
-let browser;
 const folder = mkdtempSync(join(tmpdir(), 'wavedeck_page_'));
-before(async () => { browser = await launch(); });
-after(async () => {
-  await browser?.close();
-  rmSync(folder, { recursive: true });
-});
+after(() => rmSync(folder, { recursive: true }));
 
-const near = (value, expected, tolerance, what) => assert.ok(Math.abs(value - expected) <= tolerance, `${what}: ${value} is not ${expected}`);
 const pulses = 'gen:pulse?period=10m&width=3m&rise=1m&fall=1m';
 
 test('pulses and statistics are those of the report, a triggered picture has its edge at zero', async () => {
   const args = [`${pulses}&duration=1`, '--deck', 'time', '--measure', 'stats,peaks,bilevel,trigger', '--span-time', '0.05'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await ended(page);
     const report = reportOf(args);
     const figuresOf = async (title) => Object.fromEntries((await tableRows(page, title)).map(([name, ...cells]) => [name, cells]));
@@ -43,14 +36,14 @@ test('pulses and statistics are those of the report, a triggered picture has its
       return [values[i - 1], values[i], ...x.slice(i - 1, i + 1)];
     });
     assert.ok(edge[0] <= 0.5 + 1e-9 && edge[1] >= 0.5 - 1e-9 && edge[1] > edge[0], `values around zero: ${edge}`);
-    const [x, y] = await page.evaluate(() => [wavedeck.state.view.peaks.map((p) => p.x), wavedeck.state.view.peaks.map((p) => p.y)]);
+    const [x, y] = await page.evaluate(() => ['x', 'y'].map((axis) => wavedeck.state.view.peaks.map((peak) => peak[axis])));
     x.forEach((t, i) => near(t + report.trigger.position.value, report.peaks.peaks[i].time.value, 1e-9, 'peak'));
     assert.deepEqual(y, report.peaks.peaks.map((peak) => peak.value));
   });
 });
 
 test('dragging the level line tunes the trigger', async () => {
-  await onPage(browser, [`${pulses}&duration=inf`, '--deck', 'time', '--measure', 'trigger', '--span-time', '0.05'], async (page) => {
+  await onPage([`${pulses}&duration=inf`, '--deck', 'time', '--measure', 'trigger', '--span-time', '0.05'], async (page) => {
     await drawn(page, (view) => view.levels()[0]?.value === 0.5);
     const place = (value) => page.evaluate((v) => {
       const { chart } = wavedeck.state.view.main;
@@ -71,7 +64,7 @@ test('what is not finite leaves a gap', async () => {
   const values = Float64Array.from({ length: 2000 }, (_, i) => (i % 100 === 7 ? NaN : i % 100 === 9 ? Infinity : Math.sin(i / 50)));
   const file = join(folder, 'gaps.raw');
   writeFileSync(file, values);
-  await onPage(browser, [file, '--format', 'f64', '--rate', '2k', '--deck', 'time', '--frame', '100', '--span-time', '1'], async (page) => {
+  await onPage([file, '--format', 'f64', '--rate', '2k', '--deck', 'time', '--frame', '100', '--span-time', '1'], async (page) => {
     await ended(page);
     const [x, y] = await page.evaluate(() => wavedeck.state.view.main.chart.data);
     assert.ok(x.length > 500);
@@ -88,7 +81,7 @@ test('what is not finite leaves a gap', async () => {
 test('magnitude and phase of a filter, and single frames', async () => {
   const file = join(folder, 'taps');
   writeFileSync(file, Array(10).fill('0.1').join('\n'));
-  await onPage(browser, [file, '--deck', 'response'], async (page) => {
+  await onPage([file, '--deck', 'response'], async (page) => {
     await ended(page);
     const panes = await page.evaluate(() => wavedeck.state.view.panes.map((pane) => pane.chart.axes.map((axis) => axis.label())));
     assert.deepEqual(panes, [['Frequency / kHz', 'Magnitude / dB'], ['Frequency / kHz', 'Phase / °']]);
@@ -97,7 +90,7 @@ test('magnitude and phase of a filter, and single frames', async () => {
     const rows = await tableRows(page, 'Peaks');
     near(quantity(rows[0][1]), reportOf([file, '--deck', 'response']).peaks.peaks[0].frequency.value, 1, 'first side lobe');
   });
-  await onPage(browser, ['gen:tone?frequency=3k&duration=0.2', '--deck', 'frame', '--frame', '256', '--measure', 'peaks,stats'], async (page) => {
+  await onPage(['gen:tone?frequency=3k&duration=0.2', '--deck', 'frame', '--frame', '256', '--measure', 'peaks,stats'], async (page) => {
     await ended(page);
     const { axis, x, peaks } = await page.evaluate(() => {
       const { view } = wavedeck.state;
@@ -112,7 +105,7 @@ test('magnitude and phase of a filter, and single frames', async () => {
 test('every deck fits a phone, light and dark', async () => {
   const args = [`${pulses}&duration=0.5`, '--deck', 'time', '--deck', 'spectrum', '--deck', 'frame', '--measure', 'stats,peaks,bilevel,trigger,channel,distortion',
     '--set', 'showSpectrogram=true'];
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await ended(page);
     for (const key of ['1', '2', '3']) {
       await page.keyboard.press(key);
