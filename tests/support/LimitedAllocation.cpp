@@ -1,6 +1,6 @@
 // The program's own operators new: requests of memory above a limit fail as they do on a small machine, so that an
 // option or a header that asks for more leads to an exception and not to a machine without memory. One chosen request
-// may fail too.
+// may fail too. All are counted.
 
 #include <atomic>
 #include <cstddef>
@@ -16,8 +16,10 @@ constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 std::atomic<std::size_t> largestAllocation{unlimited};
 std::atomic<long> allocationsToFailure{0};
 std::atomic<bool> failed{false};
+std::atomic<long> count{0};
 
 void* allocate(std::size_t size, std::size_t alignment) {
+    ++count;
     const bool fails = allocationsToFailure > 0 && --allocationsToFailure == 0;
     void* memory = nullptr;
     if (fails || size > largestAllocation || posix_memalign(&memory, alignment, size) != 0) {
@@ -39,9 +41,13 @@ AllocationLimit::~AllocationLimit() {
     largestAllocation = unlimited;
 }
 
-void failAllocationAfter(long count) {
+long numAllocations() {
+    return count;
+}
+
+void failAllocationAfter(long later) {
     failed = false;
-    allocationsToFailure = count;
+    allocationsToFailure = later;
 }
 
 bool hasAllocationFailed() {

@@ -14,6 +14,9 @@ public:
     ~AllocationLimit();
 };
 
+/// How many allocations the program has made.
+long numAllocations();
+
 /// Lets the allocation that comes `count` after this one fail, once; 0: none.
 void failAllocationAfter(long count);
 

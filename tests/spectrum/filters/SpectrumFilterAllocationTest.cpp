@@ -1,6 +1,6 @@
 // A program of its own: it counts every allocation.
 
-#include "AllocationCounter.h"
+#include "LimitedAllocation.h"
 #include "SpectrumFilterTestSupport.h"
 #include "Test.h"
 
@@ -41,9 +41,9 @@ TEST(SpectrumEstimatorFilter, allocatesNothingInTheSteadyState) {
             }
         };
         run(400);
-        const long before = testsupport::allocations;
+        const long before = numAllocations();
         run(120);
-        EXPECT_EQ(0, testsupport::allocations - before) << row.name;
+        EXPECT_EQ(before, numAllocations()) << row.name;
         // Frames with an update are among them.
         EXPECT_GE(updates, 120 / row.framesAnUpdate) << row.name;
     }
