@@ -21,20 +21,15 @@ public:
             return true;
         }
         for (int channel = 0; channel < signals_[signal].numChannels; ++channel) {
-            for (std::size_t i = 0; i < frameSize; ++i) {
-                const double value = next_[signal] + static_cast<double>(i);
-                frame.push_back(channel == 0 ? value : -value);
-            }
+            const double sign = channel == 0 ? 1.0 : -1.0;
+            append(frame, ramp(sign * next_[signal], frameSize, sign));
         }
         next_[signal] += static_cast<double>(frameSize);
         return true;
     }
     void restart() override {
         read_.assign(signals_.size(), 0);
-        next_.clear();
-        for (std::size_t s = 0; s < signals_.size(); ++s) {
-            next_.push_back(100.0 * static_cast<double>(s));
-        }
+        next_ = ramp(0.0, signals_.size(), 100.0);
     }
 
 private:
@@ -60,16 +55,6 @@ struct SimulationRig : DriverRig {
             simulation.deliver();
         }
     }
-    int status() {
-        int value = 0;
-        client.withInfo([&](const WaveDeckClientInfo& info) { value = info.getSimStatus(); });
-        return value;
-    }
-    double clientTime() {
-        double value = 0.0;
-        client.withInfo([&](const WaveDeckClientInfo& info) { value = info.getSimulationTime(); });
-        return value;
-    }
 
     CountingInput input;
     BlockflowSimulation simulation;
@@ -80,12 +65,12 @@ struct SimulationRig : DriverRig {
 TEST(BlockflowSimulation, HandsHeadsAndExpandsThemToOneTimeASample) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(2, 0.25, 2)}));
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(rig.simulation.step(), StepResult::Stepped);
+        rig.simulation.step();
     }
     EXPECT_EQ(rig.simulation.deliver(2), 2U);
     EXPECT_EQ(rig.record->seen[0], (Values{0, 0.5, 0, 1, 2, 3, -0.0, -1, -2, -3}));
     EXPECT_EQ(rig.tap->seen[0], (Values{0, 0.25, 0.5, 0.75, 0, 1, 2, 3, -0.0, -1, -2, -3}));
-    EXPECT_EQ(rig.clientTime(), 1.0) << "the simulation is ahead of what was delivered";
+    EXPECT_EQ(DriverRig::info().getSimulationTime(), 1.0) << "the simulation is ahead of what was delivered";
     EXPECT_EQ(rig.simulation.deliver(), 1U);
     rig.client.update();
     EXPECT_EQ(rig.strategy->numPoints[0], 6);
@@ -99,14 +84,12 @@ TEST(BlockflowSimulation, AStepBackRollsTheStagesBackAndHandsTheFrameReachedOnce
     EXPECT_TRUE(rig.simulation.stepBack());
     EXPECT_EQ(rig.log->front(), "bf_simulation_meta_data_filter rollback onRollback");
     EXPECT_EQ(optionValues<double>(rig.tap->last, "rollbacktime"), Values{1.25});
-    EXPECT_EQ(rig.clientTime(), 1.0);
+    EXPECT_EQ(DriverRig::info().getSimulationTime(), 1.0);
     EXPECT_EQ(rig.record->seen[0], (Values{1.0, 4, 5}));
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(rig.shown(), (Values{0, 0.25, 0.5, 0.75, 1, 1.25, 0, 1, 2, 3, 4, 5}));
     // Forward again over the step that is known, and over a new one.
     for (const double first : {6.0, 8.0}) {
-        EXPECT_EQ(rig.simulation.step(), StepResult::Stepped);
-        rig.simulation.deliver();
+        rig.run(1);
         EXPECT_EQ(rig.record->seen[0][1], first);
     }
     // What was not delivered yet is taken back without the stages.
@@ -127,8 +110,7 @@ TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
         int steps;
         std::uint64_t expected;
     };
-    const double never = infinity;
-    for (const Case& c : {Case{1.0, 1000, 11}, Case{0.99, 1000, 10}, Case{never, 7, 7}, Case{never, 0, 0}}) {
+    for (const Case& c : {Case{1.0, 1000, 11}, Case{0.99, 1000, 10}, Case{infinity, 7, 7}, Case{infinity, 0, 0}}) {
         ClientFacts facts = factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.1, 1)});
         facts.stopTime = c.stopTime;
         SimulationRig rig(facts, c.steps);
@@ -139,13 +121,13 @@ TEST(BlockflowSimulation, EndsAtTheStopTimeOrWithItsInput) {
         EXPECT_EQ(rig.simulation.stepsTaken(), c.expected);
         EXPECT_EQ(rig.simulation.status(), wavedeck::SimStatus::Ended);
         if (c.expected > 1) {
-            EXPECT_EQ(rig.status(), 1) << "for the client it runs until the last step is delivered";
+            EXPECT_EQ(DriverRig::info().getSimStatus(), 1) << "for the client it runs until the last step is delivered";
             rig.simulation.deliver(c.expected - 1);
-            EXPECT_EQ(rig.status(), 1);
+            EXPECT_EQ(DriverRig::info().getSimStatus(), 1);
             rig.simulation.deliver();
-            EXPECT_EQ(rig.simulation.time(), rig.clientTime());
+            EXPECT_EQ(rig.simulation.time(), DriverRig::info().getSimulationTime());
         }
-        EXPECT_EQ(rig.status(), 0);
+        EXPECT_EQ(DriverRig::info().getSimStatus(), 0);
     }
 }
 
@@ -154,9 +136,9 @@ TEST(BlockflowSimulation, PausesAndIsHeldWhileTheDisplayHasSomethingLeftToShow) 
     rig.simulation.step();
     rig.simulation.pause();
     EXPECT_EQ(rig.simulation.step(), StepResult::Paused);
-    EXPECT_EQ(rig.status(), 2);
+    EXPECT_EQ(DriverRig::info().getSimStatus(), 2);
     rig.simulation.resume();
-    rig.client.withInfo([](WaveDeckClientInfo& info) { info.setContinueProcessing(false); });
+    DriverRig::info().setContinueProcessing(false);
     EXPECT_EQ(rig.simulation.step(), StepResult::Held);
     rig.simulation.deliver();
     EXPECT_EQ(rig.simulation.step(), StepResult::Stepped) << "a held simulation with nothing to show would stand still";
@@ -170,26 +152,22 @@ TEST(BlockflowSimulation, AFastRestartResetsTheStagesAndSetsThemUpOnceMore) {
     rig.simulation.restart(true);
     EXPECT_EQ(*rig.log, (CallLog{"bf_simulation_meta_data_filter reset", "tap reset",
                                  "bf_simulation_meta_data_filter setup", "tap setup"}));
-    rig.client.withInfo([](const WaveDeckClientInfo& info) { EXPECT_TRUE(info.isOrWasFastRestartActive()); });
-    rig.simulation.step();
-    rig.simulation.deliver();
+    EXPECT_TRUE(DriverRig::info().isOrWasFastRestartActive());
+    rig.run(1);
     EXPECT_EQ(rig.record->seen[0], (Values{0, 0, 1}));
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.5, 0, 1}));
+    EXPECT_EQ(rig.shown(), (Values{0, 0.5, 0, 1}));
 }
 
 TEST(BlockflowSimulation, OtherFrameSizesKeepTheFramePeriod) {
     SimulationRig rig(factsOf(ChainKind::BlockflowTime, {realSignal(1, 0.25, 2)}));
     rig.simulation.step();  // the next step is read ahead with the old size
     rig.simulation.setFrameSizes({4});
-    for (int i = 0; i < 2; ++i) {
-        rig.simulation.step();
-    }
+    rig.simulation.step();
+    rig.simulation.step();
     rig.simulation.deliver();
     EXPECT_EQ(rig.tap->seen[0], (Values{1, 1.125, 1.25, 1.375, 4, 5, 6, 7}));
-    EXPECT_EQ(RecordingStage::action(rig.tap->last), "onInputSizeChange");
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 1.125, 1.25, 1.375, 0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(optionText(rig.tap->last, "action"), "onInputSizeChange");
+    EXPECT_EQ(rig.shown(), (Values{0, 0.25, 0.5, 0.75, 1, 1.125, 1.25, 1.375, 0, 1, 2, 3, 4, 5, 6, 7}));
     EXPECT_TRUE(rig.simulation.stepBack()) << "back over the change";
     EXPECT_EQ(rig.record->seen[0], (Values{0.5, 2, 3}));
 }
@@ -214,27 +192,24 @@ TEST(BlockflowSimulation, ASpectrumChainHasPortsBehindItsDataAndJoinsSlots) {
     EXPECT_EQ(optionValues<double>(tap->last, "numSignals"), Values{1.0});
     EXPECT_EQ(optionValues<int>(tap->last, "frameSize"), std::vector<int>{2});
     EXPECT_EQ(optionValues<double>(estimator->last, "sampleTime"), (Values{0.5, 0.5}));
-    rig.client.withInfo([](WaveDeckClientInfo& info) {
-        EXPECT_TRUE(info.usingStreamPlugInBF());
-        info.getClientSettings().addCustomSetting("spectrumLength", 2UL);
-    });
+    EXPECT_TRUE(DriverRig::info().usingStreamPlugInBF());
+    DriverRig::info().getClientSettings().addCustomSetting("spectrumLength", 2UL);
     CountingInput input(facts.signals, 100);
     BlockflowSimulation simulation(rig.client, input);
-    for (int i = 0; i < 2; ++i) {
-        simulation.step();
-        simulation.deliver();
-    }
+    const auto run = [&] {
+        for (int i = 0; i < 2; ++i) {
+            simulation.step();
+            simulation.deliver();
+        }
+        rig.client.update();
+    };
+    run();
     EXPECT_EQ(ports->seen, (Buffers{{0.5, 2, 3}, {}})) << "a port may deliver nothing in a frame";
     EXPECT_EQ(tap->seen, (Buffers{{10, 20, 2, 3}}));
-    rig.client.update();
     EXPECT_EQ(rig.strategy->data, (Buffers{{1, 2, 3}, {}})) << "without a spectrogram the latest alone";
     EXPECT_EQ(rig.strategy->numPoints[0], 2);
     rig.client.tune("channel_measurements_filter", optionList("showSpectrogram=true"));
-    for (int i = 0; i < 2; ++i) {
-        simulation.step();
-        simulation.deliver();
-    }
-    rig.client.update();
+    run();
     EXPECT_EQ(rig.strategy->data[0], (Values{1, 1, 4, 5, 6, 7})) << "headers, then slots";
     EXPECT_EQ(rig.strategy->numSignals, 2);
 }

@@ -45,69 +45,58 @@ TEST(SampleHistory, ForgetsWhatLiesBehindATime) {
 }
 
 TEST(Display, HistoryHoldsTwiceTheSpanAndAFrameOrWhatAMessageShows) {
-    struct Case {
-        double span;
-        std::size_t expected;
-    };
-    for (const Case& c : {Case{10.0, 15361}, Case{10000.0, 20004}}) {
+    for (const auto& [span, expected] : {std::pair{10.0, 15361}, {10000.0, 20004}}) {
         ClientFacts facts = factsOf(ChainKind::Time, {realSignal(1, 1.0, 4)});
-        facts.displaySpan = c.span;
+        facts.displaySpan = span;
         DriverRig rig(facts);
         rig.add("stage");
         rig.client.setup();
         rig.client.frame(Buffers{ramp(0, 12000)});
         rig.client.frame(Buffers{ramp(12000, 12000)});
-        rig.client.update();
-        ASSERT_EQ(rig.strategy->numPoints[0], static_cast<int>(c.expected));
-        EXPECT_EQ(rig.strategy->data[0].front(), 24000.0 - static_cast<double>(c.expected)) << "oldest time";
+        EXPECT_EQ(rig.shown().front(), 24000.0 - expected) << "oldest time";
+        ASSERT_EQ(rig.strategy->numPoints[0], expected);
         EXPECT_EQ(rig.strategy->data[0].back(), 23999.0);
-        rig.client.withInfo(
-            [&](WaveDeckClientInfo& info) { EXPECT_EQ(info.getClientSettings().axesTimeTable[0].timeSpan, c.span); });
+        EXPECT_EQ(DriverRig::info().getClientSettings().axesTimeTable[0].timeSpan, span);
     }
 }
 
 TEST(Display, HistoryIsDroppedWhenTheChannelsChange) {
-    DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 1.0, 2)}));
+    DriverRig rig(ChainKind::Time, {realSignal(1, 1.0, 2)});
     const auto stage = rig.add("magnitude_phase_filter", [](const auto& data, auto& out, int) {
         out = data;
         out.insert(out.end(), {0.0, 180.0});
     });
     stage->onAction = [&](const PropertyList& list) {
         const bool marked = list.find("mark") != nullptr;
-        wavedeck::WaveDeckClientRegistry::sInstance("driver test")->channelSizeFactors = {marked ? 2.0 : 1.0};
+        DriverRig::info().channelSizeFactors = {marked ? 2.0 : 1.0};
         stage->active = marked;
     };
     rig.client.setup();
     rig.client.frame(Buffers{{1, 2}});
     rig.client.tune("magnitude_phase_filter", {});
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{0, 1, 1, 2})) << "a tune alone leaves the samples";
+    EXPECT_EQ(rig.shown(), (Values{0, 1, 1, 2})) << "a tune alone leaves the samples";
     rig.client.tune("magnitude_phase_filter", PropertyList().addLogical("mark", true));
-    rig.client.updateNow();
-    EXPECT_EQ(rig.strategy->data[0], Values{});
+    EXPECT_EQ(rig.shownNow(), Values{});
     rig.client.frame(Buffers{{3, 4}});
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{2, 3, 3, 4, 0, 180}));
+    EXPECT_EQ(rig.shown(), (Values{2, 3, 3, 4, 0, 180}));
     EXPECT_EQ(rig.strategy->numChannels[0], 2);
     // Marks alone change what the channels mean, as for a complex signal.
-    rig.client.withInfo([](WaveDeckClientInfo& info) {
-        info.getClientSettings().addCustomSetting("magPhaseData", std::vector<bool>{true});
-    });
+    DriverRig::info().getClientSettings().addCustomSetting("magPhaseData", std::vector<bool>{true});
     rig.client.reset();
-    rig.client.updateNow();
-    EXPECT_EQ(rig.strategy->data[0], Values{});
+    EXPECT_EQ(rig.shownNow(), Values{});
 }
 
-TEST(Display, AFrameStandsAgainstItsOwnSamples) {
+TEST(Display, AFrameStandsAgainstItsOwnSamplesAndIsReplayedAlone) {
     ClientFacts facts = factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)});
     facts.startTime = 100.0;
     DriverRig rig(facts);
-    rig.add("stage");
+    const auto tap = rig.add("tap");
     rig.client.setup();
-    rig.client.frame(Buffers{{1, 2}});
-    rig.client.frame(Buffers{{3, 4}});
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.5, 3, 4}));
+    rig.client.frame(Buffers{{1, 2, 3, 4}});
+    rig.client.frame(Buffers{{5, 6, 7}});
+    EXPECT_EQ(rig.shown(), (Values{0, 0.5, 1, 5, 6, 7}));
+    rig.client.replay();
+    EXPECT_EQ(tap->seen[0], (Values{0, 0.5, 1, 5, 6, 7}));
 }
 
 /// A spectrum client whose estimator puts out `lines` lines of 2 points for 2 channels: values channel + line / 10.
@@ -125,8 +114,7 @@ struct SpectrumRig : DriverRig {
             count += static_cast<double>(lines);
         });
         tap = add("channel_measurements_filter");
-        client.withInfo(
-            [](WaveDeckClientInfo& info) { info.getClientSettings().addCustomSetting("spectrumLength", 2UL); });
+        info().getClientSettings().addCustomSetting("spectrumLength", 2UL);
         client.setup();
     }
 
@@ -143,13 +131,11 @@ TEST(Display, ASpectrogramsLinesAreGatheredAndTapsSeeTheNewest) {
     rig.lines = 2;
     rig.client.frame(frame);
     EXPECT_EQ(rig.tap->seen[0], (Values{10, 20, 1.2, 1.2, 2.2, 2.2}));
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{10, 20, 0, 0, 0, 0, 1, 1, 1.1, 1.1, 1.2, 1.2, 2, 2, 2.1, 2.1, 2.2, 2.2}));
+    EXPECT_EQ(rig.shown(), (Values{10, 20, 0, 0, 0, 0, 1, 1, 1.1, 1.1, 1.2, 1.2, 2, 2, 2.1, 2.1, 2.2, 2.2}));
     EXPECT_EQ(rig.strategy->numPoints[0], 6);
     rig.lines = 1;
     rig.client.frame(frame);
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{10, 20, 1.3, 1.3, 2.3, 2.3})) << "lines go out once";
+    EXPECT_EQ(rig.shown(), (Values{10, 20, 1.3, 1.3, 2.3, 2.3})) << "lines go out once";
 }
 
 TEST(Display, EveryActionOnAReplacingStageDropsItsOutput) {
@@ -167,24 +153,20 @@ TEST(Display, EveryActionOnAReplacingStageDropsItsOutput) {
         for (const Act act : actions) {
             rig.client.frame(Buffers{{1, 2, 3, 4}});
             act(rig.client);
-            rig.client.updateNow();
-            EXPECT_EQ(rig.strategy->data[0], Values{});
+            EXPECT_EQ(rig.shownNow(), Values{});
         }
         rig.client.frame(Buffers{{1, 2, 3, 4}});
         rig.client.tune("channel_measurements_filter", {});
-        rig.client.updateNow();
-        EXPECT_EQ(rig.strategy->data[0].size(), 6U) << "an action on a tap drops nothing";
+        EXPECT_EQ(rig.shownNow().size(), 6U) << "an action on a tap drops nothing";
     }
 }
 
 TEST(Display, AComplexSignalsSpectrumHasHalfTheChannels) {
     SignalFacts signal = realSignal(4, 1.0, 2);
     signal.isComplex = true;
-    DriverRig rig(factsOf(ChainKind::Spectrum, {signal}));
+    DriverRig rig(ChainKind::Spectrum, {signal});
     const auto estimator = rig.add("estimator", [](const auto&, auto& out, int) { out.assign(9, 1.0); });
-    estimator->onAction = [](const PropertyList&) {
-        wavedeck::WaveDeckClientRegistry::sInstance("driver test")->channelSizeFactors = {0.5};
-    };
+    estimator->onAction = [](const PropertyList&) { DriverRig::info().channelSizeFactors = {0.5}; };
     rig.client.setup();
     rig.client.frame(Buffers{ramp(0, 8)});
     rig.client.update();
@@ -194,18 +176,16 @@ TEST(Display, AComplexSignalsSpectrumHasHalfTheChannels) {
 
 TEST(Display, ARollbackMovesTheStreamBack) {
     for (const double time : {0.75, 0.8}) {
-        DriverRig rig(factsOf(ChainKind::Time, {realSignal(1, 0.25, 8)}));
+        DriverRig rig(ChainKind::Time, {realSignal(1, 0.25, 8)});
         const auto stage = rig.add("stage");
         rig.client.setup();
         rig.client.frame(Buffers{ramp(0, 8)});
         rig.client.rollback(PropertyList().addDouble("rollbacktime", time));
         EXPECT_EQ(rig.client.streamTime(), 1.0);
-        rig.client.updateNow();
-        EXPECT_EQ(rig.strategy->numPoints[0], 4);
+        EXPECT_EQ(rig.shownNow().size(), 8U);
         rig.client.frame(Buffers{{-1}});
         EXPECT_EQ(stage->seen[0], (Values{1.0, -1}));
-        rig.client.update();
-        EXPECT_EQ(rig.strategy->data[0], (Values{0, 0.25, 0.5, 0.75, 1, 0, 1, 2, 3, -1}));
+        EXPECT_EQ(rig.shown(), (Values{0, 0.25, 0.5, 0.75, 1, 0, 1, 2, 3, -1}));
     }
 }
 

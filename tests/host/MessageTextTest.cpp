@@ -24,10 +24,6 @@ std::string textOf(double value) {
     return {text, writeNumber(value, text)};
 }
 
-std::string pocoNumber(double value) {
-    return Poco::Dynamic::Var(value).convert<std::string>();
-}
-
 TEST(NumberText, IsPocosForFiniteNumbers) {
     Values values{0.0, -0.0, 1.0, -1.0, 0.1, 1e15, 1e-15, 123456789012345.0, 999999999999999.9};
     const auto limits = std::numeric_limits<double>{};
@@ -51,14 +47,8 @@ TEST(NumberText, IsPocosForFiniteNumbers) {
     }
     for (const double value : values) {
         const std::string text = textOf(value);
-        ASSERT_EQ(text, pocoNumber(value));
+        ASSERT_EQ(text, Poco::Dynamic::Var(value).convert<std::string>());
         ASSERT_EQ(std::strtod(text.c_str(), nullptr), value);
-    }
-}
-
-TEST(NumberText, IsNullForWhatJsonDoesNotHave) {
-    for (const double value : {nan, -nan, HUGE_VAL, -HUGE_VAL}) {
-        EXPECT_EQ(textOf(value), "null");
     }
 }
 
@@ -67,44 +57,32 @@ Poco::Dynamic::Var randomValue(std::mt19937_64& random, int depth) {
     static const std::vector<std::string> texts{
         "",       "plain", "a/b", "\"quoted\"\\", "tab\there\n", "\x01\x1f\x7f", "\xc3\xa4\xe2\x82\xac\xf0\x9f\x93\x88",
         "[0.5,2]"};
-    switch (random() % (depth > 0 ? 12 : 8)) {
-        case 0:
-            return static_cast<double>(random()) / 3.0;
-        case 1:
-            return static_cast<int>(random());
-        case 2:
-            return static_cast<Poco::UInt64>(random());
-        case 3:
-            return random() % 2 == 0;
-        case 4:
-            return texts[random() % texts.size()];
-        case 5:
-            return {};
-        case 6:
-            return static_cast<float>(random() % 1000) / 8.0F;
-        case 7:
-            return static_cast<Poco::Int64>(random());
-        case 8: {
-            Object::Ptr object = new Object(random() % 2 == 0 ? 0 : Poco::JSON_PRESERVE_KEY_ORDER);
-            for (std::size_t i = random() % 5; i > 0; --i) {
-                object->set(texts[random() % texts.size()] + std::to_string(random() % 100),
-                            randomValue(random, depth - 1));
-            }
-            return object;
-        }
-        case 9: {
-            Array::Ptr array = new Array;
-            for (std::size_t i = random() % 5; i > 0; --i) {
-                array->add(randomValue(random, depth - 1));
-            }
-            return array;
-        }
-        default: {  // an array that stands in many places, and changes between messages
-            static Array::Ptr shared = new Array;
-            shared->set(static_cast<unsigned>(random() % 3), static_cast<double>(random()));
-            return shared;
-        }
+    const std::string& text = texts[random() % texts.size()];
+    const std::uint64_t bits = random();
+    const std::vector<Poco::Dynamic::Var> plain{static_cast<double>(bits) / 3.0,
+                                                static_cast<int>(bits),
+                                                static_cast<Poco::UInt64>(bits),
+                                                bits % 2 == 0,
+                                                text,
+                                                Poco::Dynamic::Var(),
+                                                static_cast<float>(bits % 1000) / 8.0F,
+                                                static_cast<Poco::Int64>(bits)};
+    const std::size_t kind = random() % (plain.size() + (depth > 0 ? 4 : 0));
+    if (kind < plain.size()) {
+        return plain[kind];
     }
+    if (kind > plain.size() + 1) {  // an array that stands in many places, and changes between messages
+        static Array::Ptr shared = new Array;
+        shared->set(static_cast<unsigned>(random() % 3), static_cast<double>(bits));
+        return shared;
+    }
+    Object::Ptr object = new Object(bits % 2 == 0 ? 0 : Poco::JSON_PRESERVE_KEY_ORDER);
+    Array::Ptr array = new Array;
+    for (std::size_t i = random() % 5; i > 0; --i) {
+        object->set(text + std::to_string(random() % 100), randomValue(random, depth - 1));
+        array->add(randomValue(random, depth - 1));
+    }
+    return kind == plain.size() ? Poco::Dynamic::Var(object) : Poco::Dynamic::Var(array);
 }
 
 TEST(MessageText, IsPocosForWholeMessages) {
@@ -113,7 +91,7 @@ TEST(MessageText, IsPocosForWholeMessages) {
     for (int i = 0; i < 3000; ++i) {
         Object message;
         for (int member = 0; member < 4; ++member) {
-            message.set(std::string("m").append(std::to_string(random() % 50)), randomValue(random, 4));
+            message.set(std::to_string(random() % 50), randomValue(random, 3));
         }
         const std::string& text = writer.write(message);
         ASSERT_EQ(text, pocoText(message));
@@ -123,13 +101,13 @@ TEST(MessageText, IsPocosForWholeMessages) {
 
 TEST(MessageText, WritesNullForNonFiniteNumbers) {
     Array::Ptr values = new Array;
-    values->add(HUGE_VAL);
-    values->add(std::nanf(""));
-    values->add(1);
+    for (const auto& value : std::vector<Poco::Dynamic::Var>{infinity, -infinity, nan, -nan, std::nanf(""), 1}) {
+        values->add(value);
+    }
     Object message;
     message.set("values", values);
     message.set("x", nan);
-    EXPECT_EQ(MessageText().write(message), R"({"values":[null,null,1],"x":null})");
+    EXPECT_EQ(MessageText().write(message), R"({"values":[null,null,null,null,null,1],"x":null})");
 }
 
 }  // namespace

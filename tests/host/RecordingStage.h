@@ -4,6 +4,24 @@
 #include "wavedeck/WaveDeckDataProcStrategy.h"
 #include "wavedeck/WaveDeckTransformImpl.h"
 
+/// The value of an option, or nothing where the list has none of that type.
+template <typename T>
+std::vector<T> optionValues(const wavedeck::PropertyList& list, const std::string& name) {
+    const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(list.find(name));
+    std::vector<T> values;
+    if (event) {
+        for (const T& value : foundation::numbenchdata::TypedArray<T>(event->getValue())) {
+            values.push_back(value);
+        }
+    }
+    return values;
+}
+
+inline std::string optionText(const wavedeck::PropertyList& list, const std::string& name) {
+    const std::vector<char16_t> units = optionValues<char16_t>(list, name);
+    return {units.begin(), units.end()};
+}
+
 /// What the stages of a chain were called with, in order.
 using CallLog = std::vector<std::string>;
 
@@ -29,25 +47,18 @@ public:
     }
     void tuneImpl(const wavedeck::PropertyList& list) override {
         last = list;
-        note(action(list));
+        note(optionText(list, "action"));
         if (onAction) {
             onAction(list);
         }
     }
     void rollbackImpl(const wavedeck::PropertyList& list) override {
         last = list;
-        note("rollback " + action(list));
+        note("rollback " + optionText(list, "action"));
     }
     bool isActive() override { return active; }
     bool isReadOnly() override { return !replace; }
     void resetImpl() override { note("reset"); }
-
-    static std::string action(const wavedeck::PropertyList& list) {
-        const auto* event = dynamic_cast<const streamplug::kit::array::PropertyEvent*>(list.find("action"));
-        const std::u16string text =
-            event ? foundation::numbenchdata::CharArray(event->getValue()).toUTF16() : std::u16string();
-        return {text.begin(), text.end()};
-    }
 
     bool active = true;
     Replace replace;  ///< null: a tap

@@ -3,7 +3,7 @@
 namespace {
 
 TEST(Replay, HandsTheStoredHistoryAsOneFrameWithItsTimes) {
-    DriverRig rig(factsOf(ChainKind::Time, {realSignal(2, 0.5, 2)}));
+    DriverRig rig(ChainKind::Time, {realSignal(2, 0.5, 2)});
     const auto record = rig.add("simulation_meta_data_filter");
     const auto tap = rig.add("tap");
     rig.client.setup();
@@ -13,51 +13,39 @@ TEST(Replay, HandsTheStoredHistoryAsOneFrameWithItsTimes) {
     EXPECT_TRUE(rig.client.replay());
     EXPECT_EQ(record->seen[0], (Values{1, 2, 3, 4, 5, 6, 7, 8}));
     EXPECT_EQ(tap->seen[0], (Values{0, 0.5, 1, 1.5, 1, 2, 3, 4, 5, 6, 7, 8}));
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], tap->seen[0]);
+    EXPECT_EQ(rig.shown(), tap->seen[0]);
     // Given data is replayed without being stored, and shown in the place of the history.
     EXPECT_TRUE(rig.client.replay(Buffers{{9, 9}}));
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->numPoints[0], 1);
+    EXPECT_EQ(rig.shown(), (Values{2, 9, 9}));
     rig.client.setReplaying(false);
-    rig.client.updateNow();
-    EXPECT_EQ(rig.strategy->numPoints[0], 4);
+    EXPECT_EQ(rig.shownNow().size(), 12U);
 }
 
-TEST(Replay, EndsWhenNewDataComesOrAStageSaysSo) {
-    DriverRig rig(factsOf(ChainKind::Spectrum, {realSignal(1, 1.0, 2)}));
+TEST(Replay, EndsWhenNewDataComesOrAStageSaysSoButNotWithASetup) {
+    DriverRig rig(ChainKind::Spectrum, {realSignal(1, 1.0, 2)});
     bool ends = false;
     rig.add("estimator", [&](const auto& data, auto& out, int) {
         out = data;
         if (ends) {
-            wavedeck::WaveDeckClientRegistry::sInstance("driver test")->setIsDataSourceRepository(false);
+            DriverRig::info().setIsDataSourceRepository(false);
         }
     });
     rig.client.setup();
     rig.client.frame(Buffers{{1, 2}});
     EXPECT_TRUE(rig.client.replay());
+    rig.client.setup();
+    rig.client.replay();
+    EXPECT_EQ(rig.shownNow(), (Values{1, 2})) << "stored since before the setup";
     rig.client.frame(Buffers{{3, 4}});
     EXPECT_FALSE(rig.client.isReplaying());
     ends = true;
     EXPECT_FALSE(rig.client.replay());
-    rig.client.update();
-    EXPECT_EQ(rig.strategy->data[0], (Values{1, 2, 3, 4}));
-}
-
-TEST(Replay, ASetupInBetweenKeepsWhatIsStored) {
-    DriverRig rig(factsOf(ChainKind::Spectrum, {realSignal(1, 1.0, 2)}));
-    const auto tap = rig.add("tap");
-    rig.client.setup();
-    rig.client.frame(Buffers{{1, 2}});
-    rig.client.setReplaying(true);
-    rig.client.setup();
-    rig.client.replay();
-    EXPECT_EQ(tap->seen[0], (Values{1, 2}));
+    EXPECT_EQ(rig.shown(), (Values{1, 2, 3, 4}));
 }
 
 TEST(Replay, ReachesBackToAllThatTheNextOutputNeeds) {
     // An output every 40000 samples, far more than a display holds; a replay must be able to give one again.
-    DriverRig rig(factsOf(ChainKind::Spectrum, {realSignal(1, 1e-5, 1000)}));
+    DriverRig rig(ChainKind::Spectrum, {realSignal(1, 1e-5, 1000)});
     std::size_t held = 0;
     const auto estimator = rig.add("estimator", [&](const auto& data, auto& out, int) {
         held += data.size();
@@ -73,16 +61,6 @@ TEST(Replay, ReachesBackToAllThatTheNextOutputNeeds) {
     rig.client.replay();
     EXPECT_GE(estimator->seen[0].size(), 40000U);
     EXPECT_EQ(estimator->seen[0].back(), 199.0);
-}
-
-TEST(Replay, AFrameDisplayReplaysItsLastFrame) {
-    DriverRig rig(factsOf(ChainKind::Frame, {realSignal(1, 0.5, 2)}));
-    const auto tap = rig.add("tap");
-    rig.client.setup();
-    rig.client.frame(Buffers{{1, 2, 3, 4}});
-    rig.client.frame(Buffers{{5, 6, 7}});
-    rig.client.replay();
-    EXPECT_EQ(tap->seen[0], (Values{0, 0.5, 1, 5, 6, 7}));
 }
 
 }  // namespace
