@@ -9,20 +9,15 @@
 
 namespace {
 
-TEST(FrequencyDataStrategy, sendsAShortMessageBeforeThereIsASpectrum) {
-    TestClient client;
-    publish(client, 0);
-    FrequencyDataStrategy strategy;
-    const auto message = update(strategy, client, {{1, 2}});
-    EXPECT_EQ(2u, message->size());
-    EXPECT_TRUE(message->has("spectrum") && message->has("simulation"));
-}
-
 TEST(FrequencyDataStrategy, sendsSpectra) {
     TestClient client({2, 1, 1});
-    auto& record = publish(client, 3);
-    record.frequencyOffset = {100, 200, 300};
+    auto& record = publish(client, 0);
     FrequencyDataStrategy strategy;
+    const auto early = update(strategy, client, {{1, 2}});
+    EXPECT_EQ(2u, early->size()) << "before there is a spectrum";
+    EXPECT_TRUE(early->has("spectrum") && early->has("simulation"));
+    record.spectrumLength = 3;
+    record.frequencyOffset = {100, 200, 300};
     const auto message = update(strategy, client, {{0, 10, 20, 5, nan, -3, 7, 8, 9}, {}, {0, 10, 20, -infinity, 1, 2}});
     EXPECT_EQ(4u, message->size());
     // The limits are those of the raw values; the list of offsets has no fourth.
@@ -49,20 +44,20 @@ TEST(FrequencyDataStrategy, sendsTheNewestLinesFirst) {
     FrequencyDataStrategy strategy;
     Values buffer = ramp(0, 800);  // four lines in the buffer
     buffer[400 + 100 + 2] = nan;   // line 2, third point
-    auto channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
+    auto channel = at(signalOf(strategy, client, buffer), "channel", 0);
     EXPECT_EQ(400u, channel->getArray("data")->size());
     EXPECT_EQ(700.0, channel->getArray("data")->getElement<double>(0));
     EXPECT_EQ(600.0, channel->getArray("data")->getElement<double>(100));
     EXPECT_EQ(400.0, channel->getArray("data")->getElement<double>(300));
     EXPECT_EQ("[202]", text(channel, "NaNIdx"));
     record.numSpectrogramLines = 2;
-    const auto signal = at(update(strategy, client, {buffer}), "signals", 0);
+    const auto signal = signalOf(strategy, client, buffer);
     EXPECT_EQ(200u, at(signal, "channel", 0)->getArray("data")->size());
     EXPECT_EQ("600", signal->getValue<std::string>("dataMin"));  // the oldest line that was written
     EXPECT_EQ("699", signal->getValue<std::string>("dataMax"));
     // Without the spectrogram the tail of the block is the spectrum.
     record.showSpectrogram = false;
-    channel = at(at(update(strategy, client, {buffer}), "signals", 0), "channel", 0);
+    channel = at(signalOf(strategy, client, buffer), "channel", 0);
     EXPECT_EQ(700.0, channel->getArray("data")->getElement<double>(0));
 }
 
@@ -87,7 +82,7 @@ TEST(FrequencyDataStrategy, staysInsideTheBuffer) {
             record.showSpectrogram = isSpectrogram;
             record.numSpectrogramLines = row.lines;
             FrequencyDataStrategy strategy;
-            const auto signal = at(update(strategy, client, {ramp(0, row.size)}), "signals", 0);
+            const auto signal = signalOf(strategy, client, ramp(0, row.size));
             ASSERT_LE(1u, signal->getArray("channel")->size()) << row.what;
             if (row.lines != 0 || isSpectrogram) {
                 EXPECT_EQ(0u, at(signal, "channel", 0)->getArray("data")->size()) << row.what;
@@ -121,11 +116,10 @@ TEST(FrequencyDataStrategy, countsThePointsBetweenUnevenFrequencies) {
         Values buffer = row.grid;
         buffer.resize(2 * row.grid.size());
         FrequencyDataStrategy strategy;
-        auto signal = at(update(strategy, client, {buffer}), "signals", 0);
-        EXPECT_EQ(row.points, signal->getValue<int>("numInterpolationPoints")) << row.step;
+        const auto points = [&] { return signalOf(strategy, client, buffer)->getValue<int>("numInterpolationPoints"); };
+        EXPECT_EQ(row.points, points()) << row.step;
         record.linearFrequencyVector = true;  // no figure of an earlier update
-        signal = at(update(strategy, client, {buffer}), "signals", 0);
-        EXPECT_EQ(0, signal->getValue<int>("numInterpolationPoints"));
+        EXPECT_EQ(0, points());
     }
 }
 
@@ -133,14 +127,14 @@ TEST(FrequencyDataStrategy, takesTheLengthsOfAThinner) {
     TestClient client({1, 1, 1});
     publish(client, 100);
     client.board().addCustomSetting(SpectrumThinnerFilter::thinnedSpectrumLength, std::vector<unsigned long>{4, 0});
-    testsupport::activate(client, "spectrum_thinner_filter");
+    activate(client, "spectrum_thinner_filter");
     FrequencyDataStrategy strategy;
     const auto message = update(strategy, client, {ramp(0, 8), ramp(0, 8), ramp(0, 8)});
-    EXPECT_EQ("[4,5,6,7]", text(at(at(message, "signals", 0), "channel", 0), "data"));
-    EXPECT_EQ("[0,1,2,3]", text(at(at(message, "signals", 0), "channel", 0), "frequency"));
-    for (const unsigned signal : {1u, 2u}) {  // thinned to nothing, no length known
-        EXPECT_EQ("[]", text(at(at(message, "signals", signal), "channel", 0), "data"));
-    }
+    const auto channel = [&](unsigned signal) { return at(at(message, "signals", signal), "channel", 0); };
+    EXPECT_EQ("[4,5,6,7]", text(channel(0), "data"));
+    EXPECT_EQ("[0,1,2,3]", text(channel(0), "frequency"));
+    EXPECT_EQ("[]", text(channel(1), "data"));  // thinned to nothing
+    EXPECT_EQ("[]", text(channel(2), "data"));  // no length known
 }
 
 TEST(FrequencyDataStrategy, attachesWhatIsActive) {
@@ -159,7 +153,7 @@ TEST(FrequencyDataStrategy, attachesWhatIsActive) {
 
     for (const char* stage : {"channel_measurements_filter", "distortion_measurements_filter",
                               "frequency_peak_finder_filter", "spectral_mask_tester_filter", "phase_noise_filter"}) {
-        testsupport::activate(client, stage);
+        activate(client, stage);
     }
     phaseNoiseStruct phaseNoise;
     client.board().addCustomSetting(PhaseNoiseFilter::phaseNoise, phaseNoise);

@@ -31,6 +31,12 @@ inline ObjectPointer at(const ObjectPointer& object, const char* key, unsigned i
     return object->getArray(key)->getObject(index);
 }
 
+/// The first signal of the message about one buffer.
+inline ObjectPointer signalOf(wavedeck::WaveDeckDataProcStrategy& strategy, const TestClient& client,
+                              const std::vector<double>& buffer) {
+    return at(update(strategy, client, {buffer}), "signals", 0);
+}
+
 /// The text of a member.
 inline std::string text(const ObjectPointer& object, const std::string& key) {
     std::ostringstream stream;

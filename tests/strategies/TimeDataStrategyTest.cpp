@@ -79,19 +79,18 @@ TEST(TimeDataStrategy, attachesWhatIsActive) {
     client.board().addCustomSetting("dataStorageFilterUtils", wavedeck::DataStorageFilterUtils{{1.5, 2}, true, false});
     TimeDataStrategy strategy;
     EXPECT_FALSE(update(strategy, client, {{0, 1}})->has("dataFilterObj"));
-    testsupport::activate(client, "wavedeck_datastorage_filter");
-    testsupport::activate(client, "time_signal_statistics_filter");
+    activate(client, "wavedeck_datastorage_filter");
+    activate(client, "time_signal_statistics_filter");
     const auto message = update(strategy, client, {{0, 1}});
-    EXPECT_EQ("[1.5,2]", text(message->getObject("dataFilterObj"), "startTimeInBuffer"));
-    EXPECT_TRUE(message->getObject("dataFilterObj")->getValue<bool>("forceLimitBuffer"));
-    EXPECT_FALSE(message->getObject("dataFilterObj")->getValue<bool>("startTimeInBufferChanged"));
+    EXPECT_EQ(text(message, "dataFilterObj"),
+              R"({"forceLimitBuffer":true,"startTimeInBuffer":[1.5,2],"startTimeInBufferChanged":false})");
     EXPECT_EQ("0", message->getObject("measurements")->getObject("stats")->getValue<std::string>("mean"));
     // The cache of a simulation may meet its limit.
     MeasurementsDataCache cache;
     cache.memoryLimitReached = true;
     client.board().addCustomSetting(MeasurementsDataCacheFilter::measurementsDataCache, cache);
     EXPECT_FALSE(message->getObject("measurements")->has("isMaximumCacheMemoryUsed"));
-    testsupport::activate(client, "bf_wavedeck_measurements_data_cache_filter");
+    activate(client, "bf_wavedeck_measurements_data_cache_filter");
     EXPECT_TRUE(
         update(strategy, client, {{0, 1}})->getObject("measurements")->getValue<bool>("isMaximumCacheMemoryUsed"));
 }
