@@ -14,30 +14,28 @@ public:
         BaseFilter::setPropertiesOnSetup(list);
         setPropertiesImpl(list);
     }
+    void setPropertiesImpl(const PropertyList& list) override {
+        BaseFilter::setPropertiesImpl(list);
+        ++calls;
+    }
+    int calls = 0;
     using BaseFilter::isRangeInFrame;
     using BaseFilter::numSignals;
     using BaseFilter::totalNumChannels;
     using BaseFilter::updateFilterSignalAndChannel;
 };
 
-class DerivedFilter : public PlainFilter {
-public:
-    void setPropertiesImpl(const PropertyList& list) override {
-        PlainFilter::setPropertiesImpl(list);
-        ++calls;
-    }
-    int calls = 0;
-};
-
 TEST(BaseFilter, answersItsActions) {
     TestClient client({3, 5});
     client->setIsComplex({0, 1});
-    DerivedFilter filter;
+    PlainFilter filter;
     EXPECT_THROW(filter.tuneImpl(optionList("measurementSignal=1")), streamplug::kit::array::OptionNotFound);
     filter.tuneImpl(TestClient::list("unknown"));
     filter.tuneImpl(TestClient::list("onRollback"));
     EXPECT_EQ(0, filter.calls);
-    filter.tuneImpl(client.setup("measurementSignal=1 measurementChannel=2"));
+    filter.tuneImpl(client.setup("measurementSignal=1 measurementChannel=2 customSpan=-1.0 autoSpan=true"));
+    EXPECT_EQ(-1.0, filter.getCustomSpanSeconds());
+    EXPECT_TRUE(filter.getCustomSpan() && filter.getAutoSpan());
     EXPECT_EQ(1, filter.calls);
     EXPECT_EQ("client", filter.getClientID());
     EXPECT_EQ(2, filter.numSignals);
@@ -55,12 +53,9 @@ TEST(BaseFilter, answersItsActions) {
 
 TEST(BaseFilter, countsSignalsInWhole) {
     TestClient client;
+    client.numChannels = client.frameSize = {};
     PlainFilter filter;
-    PropertyList list = TestClient::list("setup");
-    filter.tuneImpl(list.addChar("clientID", "client")
-                        .addInts("numChannels", {})
-                        .addInts("frameSize", {})
-                        .addDouble("numSignals", 2.9));
+    filter.tuneImpl(optionList("numSignals=2.9").append(client.setup()));  // the first of a name counts
     EXPECT_EQ(2, filter.numSignals);
     EXPECT_EQ(0u, filter.getTotalNumChannels());
     EXPECT_EQ(0u, filter.getNumPointsPerChannel(1));  // no such signal, nothing in hand
@@ -111,17 +106,6 @@ TEST(BaseFilter, keepsTheBoardOverASecondSetup) {
     *client.board().find(BaseFilter::measurementChannel) = std::string("another type");
     filter.updateFilterSignalAndChannel();  // writes nothing
     EXPECT_EQ(0, BaseFilter::packageImpl(client.name())->getValue<int>("channel"));
-}
-
-TEST(BaseFilter, readsItsSpans) {
-    TestClient client;
-    PlainFilter filter;
-    EXPECT_TRUE(filter.getForceComputeSpan());
-    EXPECT_FALSE(filter.getCustomSpan());
-    filter.tuneImpl(client.setup("customSpan=-1.0 autoSpan=true"));
-    EXPECT_TRUE(filter.getCustomSpan());
-    EXPECT_EQ(-1.0, filter.getCustomSpanSeconds());
-    EXPECT_TRUE(filter.getAutoSpan());
 }
 
 }  // namespace

@@ -2,8 +2,7 @@
 #include <set>
 
 #include "DriverTest.h"
-#include "QueryStructure.h"
-#include "TestClient.h"
+#include "QueryAnswer.h"
 #include "streamplug/Exceptions.h"
 
 namespace {
@@ -67,21 +66,15 @@ TEST(Exports, makeMessagesOfNoSignals) {
 }
 
 TEST(Exports, answerQueriesBeforeAnythingRan) {
+    static auto* const time = stageLibrary().query("getSimulationTimeImpl");
+    static auto* const facts = stageLibrary().query("getSimulationMetaDataImpl");
     TestClient client;
-    const auto ask = [](const char* query, const std::string& name) {
-        const NbArrayPointer argument(nbCreateString(name.c_str()));
-        const nbArray* arguments[] = {argument.get()};
-        nbArray* result = nullptr;
-        stageLibrary().query(query)(1, &result, 1, arguments);
-        return NbArrayPointer(result);
-    };
-    EXPECT_EQ(0.0, nbGetScalar(ask("getSimulationTimeImpl", client.name()).get()));
-    const NbArrayPointer data = ask("getSimulationMetaDataImpl", client.name());
-    EXPECT_EQ(3, nbGetNumberOfFields(data.get()));
-    EXPECT_STREQ("SimulationTime", nbGetFieldNameByNumber(data.get(), 0));
-    EXPECT_STREQ("SamplesProcessed", nbGetFieldNameByNumber(data.get(), 1));
-    EXPECT_STREQ("FramesProcessed", nbGetFieldNameByNumber(data.get(), 2));
-    EXPECT_THROW(ask("getSimulationTimeImpl", "nobody"), numbench::Exception);
+    const QueryAnswer metaData([](auto** left, auto** right) { facts(1, left, 1, right); }, client);
+    EXPECT_EQ((std::vector<std::string>{"SimulationTime", "SamplesProcessed", "FramesProcessed"}), metaData.fields());
+    const auto ask = [](auto** left, auto** right) { time(1, left, 1, right); };
+    EXPECT_EQ(0.0, QueryAnswer(ask, client).number());
+    wavedeck::WaveDeckClientRegistry::sInstance.removeClient(client.name());
+    EXPECT_THROW(QueryAnswer(ask, client), numbench::Exception);
 }
 
 }  // namespace

