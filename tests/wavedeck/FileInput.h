@@ -3,6 +3,7 @@
 #include <sndfile.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <filesystem>
 
 #include "Test.h"
@@ -40,13 +41,44 @@ private:
     std::string folder_;
 };
 
+/// The next frame of at most so many points.
+inline Values nextFrame(program::SignalReader& reader, std::size_t most) {
+    Values frame;
+    reader.read(most, frame);
+    return frame;
+}
+
+/// The same numbers bit for bit, NaN included.
+inline bool areSame(const Values& one, const Values& other) {
+    return one.size() == other.size() && std::memcmp(one.data(), other.data(), one.size() * sizeof(double)) == 0;
+}
+
+/// What is wrong with an input when it is opened, or read.
 inline std::string errorOf(const std::string& input, const program::InputOptions& options) {
     try {
-        program::openInput(input, options);
+        const auto reader = program::openInput(input, options);
+        for (int i = 0; i < 10; ++i) {
+            nextFrame(*reader, 1000);
+        }
     } catch (const program::UsageError& error) {
         return error.what();
     }
     return "no error";
+}
+
+/// It is one line that holds the text.
+inline void expectError(const std::string& input, const program::InputOptions& options, const std::string& text) {
+    const auto error = errorOf(input, options);
+    EXPECT_NE(error.find(text), std::string::npos) << text << " in: " << error;
+    EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+}
+
+/// A reader has as many notes as there are texts, and each holds its text.
+inline void expectNotes(const program::SignalReader& reader, const std::vector<std::string>& texts) {
+    ASSERT_EQ(reader.notes().size(), texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        EXPECT_NE(reader.notes()[i].find(texts[i]), std::string::npos) << reader.notes()[i];
+    }
 }
 
 template <typename Number>

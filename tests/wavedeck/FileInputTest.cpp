@@ -1,9 +1,5 @@
 // Sound files and raw samples, sound and damaged.
-#include <bit>
-#include <filesystem>
-
 #include "FileInput.h"
-#include "openInput.h"
 
 namespace {
 
@@ -18,9 +14,8 @@ TEST_F(FileInput, SoundFileComesChannelByChannelInFramesOfAnySize) {
         Values right;
         Values frame;
         while (const auto n = reader->read(points, frame)) {
-            ASSERT_EQ(frame.size(), 2 * n);
-            left.insert(left.end(), frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(n));
-            right.insert(right.end(), frame.begin() + static_cast<std::ptrdiff_t>(n), frame.end());
+            append(left, part(frame, 0, n));
+            append(right, part(frame, n, n));
         }
         EXPECT_EQ(left, (Values{1 / 32768.0, 2 / 32768.0, 3 / 32768.0, 4 / 32768.0, 32767 / 32768.0}));
         EXPECT_EQ(right, (Values{-1 / 32768.0, -2 / 32768.0, -3 / 32768.0, -4 / 32768.0, -1.0}));
@@ -48,9 +43,7 @@ TEST_F(FileInput, UnusableFilesAreRefusedInOneLine) {
         {"x.raw", {"s16", "8k", "0", ""}, "--channels: `0` is not a whole number"},
     };
     for (const auto& [input, options, expected] : rows) {
-        const auto error = errorOf(input, options);
-        EXPECT_NE(error.find(expected), std::string::npos) << error;
-        EXPECT_EQ(error.find('\n'), std::string::npos) << error;
+        expectError(input, options, expected);
     }
 }
 
@@ -69,12 +62,7 @@ TEST_F(FileInput, RawFormatsDecodeToTheirScale) {
     };
     for (const auto& [format, bytes, values] : rows) {
         const auto reader = program::openInput(write("samples.raw", bytes), {format, "1M", "", ""});
-        Values frame;
-        reader->read(10, frame);
-        ASSERT_EQ(frame.size(), values.size()) << format;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            EXPECT_EQ(std::bit_cast<std::uint64_t>(frame[i]), std::bit_cast<std::uint64_t>(values[i])) << format;
-        }
+        EXPECT_TRUE(areSame(nextFrame(*reader, 10), values)) << format;
     }
 }
 
@@ -83,16 +71,11 @@ TEST_F(FileInput, RawComplexChannelsAndScaleAndRest) {
     const auto path = write("iq.raw", bytesOf<std::int8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 9, 9}));
     const auto reader = program::openInput(path, {"cs8", "2M", "2", "128"});
     EXPECT_EQ(reader->facts().length, 2U);
-    Values frame;
-    EXPECT_EQ(reader->read(1, frame), 1U);
-    EXPECT_EQ(frame, (Values{1, 3, 2, 4}));
-    EXPECT_TRUE(reader->notes().empty());
-    EXPECT_EQ(reader->read(5, frame), 1U);
-    EXPECT_EQ(frame, (Values{5, 7, 6, 8}));
-    ASSERT_EQ(reader->notes().size(), 1U);
-    EXPECT_NE(reader->notes()[0].find("the last 3 bytes"), std::string::npos);
-    EXPECT_EQ(reader->read(5, frame), 0U);
-    EXPECT_EQ(reader->notes().size(), 1U);
+    EXPECT_EQ(nextFrame(*reader, 1), (Values{1, 3, 2, 4}));
+    expectNotes(*reader, {});
+    EXPECT_EQ(nextFrame(*reader, 5), (Values{5, 7, 6, 8}));
+    EXPECT_EQ(nextFrame(*reader, 5), Values{});
+    expectNotes(*reader, {"the last 3 bytes"});
 }
 
 }  // namespace
