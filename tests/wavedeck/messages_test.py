@@ -11,11 +11,11 @@ import unittest
 import jsonschema
 import websocket
 
-sys.dont_write_bytecode = True
-import message_fields  # noqa: E402
-
 PROGRAM = sys.argv.pop(1)
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+sys.dont_write_bytecode = True
+sys.path.append(os.path.join(ROOT, "scripts"))
+import message_fields  # noqa: E402
 
 with open(os.path.join(ROOT, "docs", "messages.schema.json"), encoding="utf-8") as file:
     SCHEMA = json.load(file)

@@ -9,7 +9,7 @@ import sys
 
 HEADER = """# Fields of the messages
 
-Written by `tests/wavedeck/message_fields.py` from [messages.schema.json](messages.schema.json), against which the tests
+Written by `scripts/message_fields.py` from [messages.schema.json](messages.schema.json), against which the tests
 hold what the program sends; [messages.md](messages.md) tells what goes when. A field marked ? may be absent. A *figure*
 is a number as a text of 17 significant digits, or one of nan, NaN, inf and -inf; *figures* are such a text, or several
 numbers in brackets.
