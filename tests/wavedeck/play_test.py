@@ -1,5 +1,6 @@
 """Black-box runs of `wavedeck play`: what it prints, what it writes, and with which status it ends."""
 import array
+import cmath
 import json
 import math
 import os
@@ -16,8 +17,13 @@ import wave
 PROGRAM = sys.argv.pop(1)
 
 
+def words(arguments):
+    """Of arguments that may be several words each."""
+    return [word for argument in arguments for word in argument.split(" ")]
+
+
 def play(*arguments, **options):
-    return subprocess.run([PROGRAM, "play", *arguments], capture_output=True, timeout=60, **options)
+    return subprocess.run([PROGRAM, "play", *words(arguments)], capture_output=True, timeout=60, **options)
 
 
 def report_of(*arguments, **options):
@@ -25,9 +31,22 @@ def report_of(*arguments, **options):
     return run, json.loads(run.stdout)
 
 
+def begin(*arguments, **options):
+    return subprocess.Popen([PROGRAM, "play", *words(arguments)], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                            **options)
+
+
+def lines_of(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read().splitlines()
+
+
 def messages_of(path):
-    with open(path, encoding="utf-8") as lines:
-        return [json.loads(line) for line in lines]
+    return [json.loads(line) for line in lines_of(path)]
+
+
+def rows_of(path):
+    return [line.split(",") for line in lines_of(path) if not line.startswith("#")]
 
 
 class Folder(unittest.TestCase):
@@ -36,18 +55,27 @@ class Folder(unittest.TestCase):
         self.addCleanup(holder.cleanup)
         self.folder = holder.name
 
-    def path(self, name, content=b""):
-        path = os.path.join(self.folder, name)
-        with open(path, "wb") as file:
-            file.write(content)
-        return path
+    def out(self, name):
+        return os.path.join(self.folder, name)
 
-    def wav(self, name, samples, rate=8000, channels=1):
-        path = os.path.join(self.folder, name)
-        with wave.open(path, "wb") as file:
-            file.setparams((channels, 2, rate, 0, "NONE", ""))
+    def path(self, name, content=b""):
+        with open(self.out(name), "wb") as file:
+            file.write(content)
+        return self.out(name)
+
+    def wav(self, name, samples, channels=1):
+        with wave.open(self.out(name), "wb") as file:
+            file.setparams((channels, 2, 8000, 0, "NONE", ""))
             file.writeframes(array.array("h", samples).tobytes())
-        return path
+        return self.out(name)
+
+    def sigmf(self, values, captures, **more):
+        """A recording of complex samples at 256 kHz; captures are (first sample, centre frequency, time)."""
+        self.path("r.sigmf-data", b"".join(struct.pack("<2f", z.real, z.imag) for z in values))
+        names = ("core:sample_start", "core:frequency", "core:datetime")
+        facts = {"core:datatype": "cf32_le", "core:sample_rate": 256e3} | more.pop("facts", {})
+        return self.path("r.sigmf-meta", json.dumps({
+            "global": facts, "captures": [dict(zip(names, capture)) for capture in captures]} | more).encode())
 
 
 class BadInput(Folder):
@@ -66,9 +94,6 @@ class BadInput(Folder):
         recording = self.path("r.sigmf-meta", b'{"global":{"core:dataset":"other.bin"}}')
         self.path("other.bin", b"\0" * 8)
         for arguments, expected in [
-            ([self.folder + "/none.wav"], "none.wav: No such file"),
-            (["-", "--rate", "8k"], "raw samples need --format"),
-            (["gen:tune"], "gen:tune: no such test signal"),
             ([], "INPUT is required"),
             ([tone, "--deck", "tone"], "--deck: `tone` is none of"),
             ([tone, "--deck", "time", "--deck", "time"], "given twice"),
@@ -150,7 +175,7 @@ class BadInput(Folder):
 
     def test_closed_streams_lend_their_place_to_no_file(self):
         samples = self.path("samples", b"\0" * 800)
-        messages = os.path.join(self.folder, "messages")
+        messages = self.out("messages")
         shell = 'exec "$0" play "$1" --format f32 --rate 1k --deck time --messages "$2" <&- >&-'
         run = subprocess.run(["sh", "-c", shell, PROGRAM, samples, messages], stderr=subprocess.PIPE, check=False)
         self.assertEqual((run.returncode, run.stderr), (2, b"wavedeck: standard output: Bad file descriptor\n"))
@@ -176,16 +201,10 @@ class Results(Folder):
         self.assertEqual((frame["stats"]["maximum"], frame["stats"]["maximumPosition"]), (3999 / 32768, 999))
 
     def test_centre_frequencies_of_a_recording_move_the_axis(self):
-        # A tone of 16 periods in 256 samples at 256 kHz: 16 kHz above the centre; the second capture lies elsewhere.
-        tone = [complex(math.cos(i * math.pi / 8), math.sin(i * math.pi / 8)) for i in range(12000)]
-        self.path("r.sigmf-data", b"".join(struct.pack(">2h", round(16384 * z.real), round(16384 * z.imag))
-                                           for z in tone))
-        captures = [{"core:sample_start": 0, "core:frequency": 100e6}, {"core:sample_start": 5000,
-                                                                      "core:frequency": 433.92e6}]
-        metadata = self.path("r.sigmf-meta", json.dumps({"global": {
-            "core:datatype": "ci16_be", "core:sample_rate": 256e3}, "captures": captures}).encode())
-        for arguments, center in [([], 433.92e6), (["--duration", "15m"], 100e6), (["--set", "frequencyOffset=5k"], 5e3)]:
-            _, report = report_of(metadata, "--deck", "spectrum", *arguments)
+        # A tone 16 kHz above the centre; the second capture lies elsewhere.
+        metadata = self.sigmf((cmath.rect(0.5, i * math.pi / 8) for i in range(12000)), [(0, 100e6), (5000, 433.92e6)])
+        for more, center in [("", 433.92e6), (" --duration 15m", 100e6), (" --set frequencyOffset=5k", 5e3)]:
+            _, report = report_of(metadata + " --deck spectrum" + more)
             deck = report["decks"][0]
             self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], center + 16e3)
             # Centered spectra of an even number of bins begin one bin above half the rate below the middle.
@@ -195,21 +214,16 @@ class Results(Folder):
 
     def test_each_capture_has_its_own_time_and_each_failure_its_own_band(self):
         # Two tones 24 and -40 kHz from the centre, 34 and 54 dB over a mask; the second capture is a year later.
-        tone = [complex(math.cos(i * 0.1875 * math.pi), math.sin(i * 0.1875 * math.pi)) + 0.1 * complex(
-            math.cos(i * 0.3125 * math.pi), -math.sin(i * 0.3125 * math.pi)) for i in range(51200)]
-        self.path("y.sigmf-data", b"".join(struct.pack("<2f", z.real, z.imag) for z in tone))
-        captures = [{"core:sample_start": 0, "core:frequency": 1e6, "core:datetime": "2026-01-01T00:00:00Z"},
-                    {"core:sample_start": 25600, "core:frequency": 1e6, "core:datetime": "2027-01-01T00:00:00Z"}]
-        metadata = self.path("y.sigmf-meta", json.dumps({"global": {
-            "core:datatype": "cf32_le", "core:sample_rate": 256e3}, "captures": captures}).encode())
-        notes = os.path.join(self.folder, "n.sigmf-meta")
-        run = play(metadata, "--deck", "spectrum", "--measure", "mask", "--set", "enabledMasks=upper", "--set",
-                   "upperMask=-24", "--sweep", "-", "--annotations", notes, "--updates", "10", "--frame", "1600")
+        metadata = self.sigmf((cmath.rect(1, i * 0.1875 * math.pi) + cmath.rect(0.1, -i * 0.3125 * math.pi)
+                               for i in range(51200)),
+                              [(0, 1e6, "2026-01-01T00:00:00Z"), (25600, 1e6, "2027-01-01T00:00:00Z")])
+        notes = self.out("n.sigmf-meta")
+        run = play(metadata, "--deck spectrum --measure mask --set enabledMasks=upper --set upperMask=-24 --sweep -",
+                   "--updates 10 --frame 1600 --annotations", notes)
         self.assertEqual(run.returncode, 1, run.stderr)
         self.assertEqual([line[:20] for line in run.stdout.decode().splitlines()],
                          ["2026-01-01, 00:00:00", "2027-01-01, 00:00:00"])
-        with open(notes, encoding="utf-8") as file:
-            annotations = json.load(file)["annotations"]
+        annotations = json.loads("".join(lines_of(notes)))["annotations"]
         bands = sorted((note["core:freq_lower_edge"], note["core:freq_upper_edge"]) for note in annotations)
         for (lower, upper), place in zip(bands, (960e3, 1024e3), strict=True):
             # The main lobe of the window is four bins wide.
@@ -217,9 +231,8 @@ class Results(Folder):
         self.assertTrue(annotations[0]["core:comment"].startswith("34 dB outside of the mask at 960 kHz"), annotations)
 
     def test_settings_reach_their_stages(self):
-        _, report = report_of("gen:tone?duration=0.1&channels=2&amplitude=2", "--deck", "frame", "--set",
-                              "signal_st.showMedian=false", "--set", "showVariance=true", "--set",
-                              "measurementChannel=1")
+        _, report = report_of("gen:tone?duration=0.1&channels=2&amplitude=2 --deck frame --set showVariance=true",
+                              "--set signal_st.showMedian=false --set measurementChannel=1")
         stats = report["decks"][0]["stats"]
         self.assertNotIn("median", stats)
         self.assertIn("variance", stats)
@@ -227,32 +240,28 @@ class Results(Folder):
 
     def test_a_value_that_is_set_counts(self):
         for settings, figure, expected in [
-            (["rbw=100"], "rbw", 100), (["windowLength=500"], "segmentLength", 500), (["span=2k"], "rbw", 2e3 / 1024),
-            (["startFrequency=1k"], "rbw", 23e3 / 1024), (["stopFrequency=5k"], "rbw", 5e3 / 1024),
-            (["centerFrequency=1k"], "rbw", 2e3 / 1024), (["spectralAverages=7"], "averages", 7),
-            (["rbw=100", "autoRBW=true"], "rbw", 24e3 / 1024), (["upperMask=-99"], "mask", False),
+            ("rbw=100", "rbw", 100), ("windowLength=500", "segmentLength", 500), ("span=2k", "rbw", 2e3 / 1024),
+            ("startFrequency=1k", "rbw", 23e3 / 1024), ("stopFrequency=5k", "rbw", 5e3 / 1024),
+            ("centerFrequency=1k", "rbw", 2e3 / 1024), ("spectralAverages=7", "averages", 7),
+            ("rbw=100 --set autoRBW=true", "rbw", 24e3 / 1024), ("upperMask=-99", "mask", False),
         ]:
             with self.subTest(settings=settings):
-                sets = [word for setting in settings for word in ("--set", setting)]
-                _, report = report_of("gen:tone?duration=1&rate=48k", "--deck", "spectrum", "--measure", "mask", *sets)
+                _, report = report_of("gen:tone?duration=1 --deck spectrum --measure mask --set", settings)
                 found = report["decks"][0][figure]
-                if figure == "mask":
-                    self.assertEqual(found["passing"], expected)
-                else:
-                    value = found["value"] if isinstance(found, dict) else found
-                    self.assertAlmostEqual(value, expected, delta=1e-3 * expected)
-        run = play("gen:tone?duration=1&rate=48k", "--deck", "spectrum", "--set", "lowerMask=10")
+                value = found.get("value", found.get("passing")) if isinstance(found, dict) else found
+                self.assertAlmostEqual(value, expected, delta=1e-3 * expected)
+        run = play("gen:tone?duration=1 --deck spectrum --set lowerMask=10")
         self.assertEqual(run.returncode, 1, "a mask that is set is tested")
 
     def test_the_type_of_a_spectrum_alone_makes_its_unit_a_density(self):
         for units, unit in [("dbm", "dBm"), ("dbm/hz", "dBm"), ("watts", "W"), ("auto", "W")]:
             for density, expected in [("power", unit), ("power-density", unit + "/Hz")]:
-                _, report = report_of("gen:tone?duration=1", "--deck", "spectrum", "--set", "spectrumUnits=" + units,
-                                      "--set", "spectrumType=" + density)
+                _, report = report_of("gen:tone?duration=1 --deck spectrum --set spectrumUnits=" + units,
+                                      "--set spectrumType=" + density)
                 self.assertEqual(report["decks"][0]["peaks"]["peaks"][0]["level"]["unit"], expected)
 
     def test_messages_from_input_to_output_hold_every_sample_and_every_gap(self):
-        run = play("-", "--format", "f64", "--rate", "1k", "--deck", "frame", "--messages", "-", "--report", "json",
+        run = play("- --format f64 --rate 1k --deck frame --messages - --report json",
                    input=struct.pack("<4d", 0.5, math.nan, -2.0, math.inf))
         entry = json.loads(run.stderr)["inputs"][0]
         self.assertEqual((run.returncode, entry["samples"], entry["notFinite"]), (0, 4, 2))
@@ -268,16 +277,11 @@ class Results(Folder):
         self.assertEqual([entry["samples"] for entry in report["inputs"]], [24000, 44100])
         self.assertEqual(report["decks"][0]["samples"], 24000 + 44100)
 
-    def spectrum(self, signal, *arguments):
-        run, report = report_of("gen:" + signal, "--deck", "spectrum", *arguments)
-        self.assertEqual(run.stderr, b"")
-        return run.returncode, report["decks"][0]
-
     def test_figures_are_those_of_the_picture(self):
         messages = self.path("messages")
         # The span ends between two samples, so that rounding has no say in how many there are.
-        pulses = ("gen:pulse?rate=8k&period=23m&width=9m&rise=2m&noise=10m&duration=1", "--deck", "time", "--span-time",
-                  "0.20005", "--messages", messages, "--measure")
+        pulses = ("gen:pulse?rate=8k&period=23m&width=9m&rise=2m&noise=10m&duration=1 --deck time --span-time 0.20005",
+                  "--messages", messages, "--measure")
 
         def pictures():
             for line in messages_of(messages):
@@ -303,14 +307,14 @@ class Results(Folder):
 
     def test_a_simulation_counts_and_measures_as_the_stream_does(self):
         # All that came is shown: by the stream while its span is longer, by the simulation in its first span.
-        pulses = ("gen:pulse?rate=8k&period=23m&width=9m&rise=2m&fall=3m&noise=10m&duration=0.5", "--span-time", "0.5")
-        several = ("gen:noise?complex=true&rate=32k&duration=0.256&channels=2", "gen:chirp?rate=16k&duration=0.256")
+        pulses = "gen:pulse?rate=8k&period=23m&width=9m&rise=2m&fall=3m&noise=10m&duration=0.5 --span-time 0.5 "
+        several = "gen:noise?complex=true&rate=32k&duration=0.256&channels=2 gen:chirp?rate=16k&duration=0.256"
         figures = ("frames", "samples", "stats", "peaks", "bilevel")
-        for arguments, compared in (((*pulses, "--frame", "100"), figures), ((*pulses, "--frame", "1"), figures),
+        for arguments, compared in ((pulses + "--frame 100", figures), (pulses + "--frame 1", figures),
                                     (several, figures[:2])):
-            arguments = (*arguments, "--deck", "time", "--measure", "stats,peaks,bilevel")
-            _, stream = report_of(*arguments)
-            run, simulation = report_of(*arguments, "--blockflow")
+            arguments += " --deck time --measure stats,peaks,bilevel"
+            _, stream = report_of(arguments)
+            run, simulation = report_of(arguments, "--blockflow")
             self.assertEqual((run.returncode, run.stderr), (0, b""))
             for figure in compared:
                 self.assertEqual(simulation["decks"][0][figure], stream["decks"][0][figure])
@@ -318,42 +322,35 @@ class Results(Folder):
     def test_spectra_of_a_simulation_are_those_of_the_stream(self):
         def spectra(*arguments):
             path = self.path("messages")
-            run = play(*arguments, "--deck", "spectrum", "--measure", "peaks,channel", "--messages", path)
+            run = play(*arguments, "--deck spectrum --measure peaks,channel --messages", path)
             self.assertEqual(run.returncode, 0, run.stderr)
             parts = ("spectrum", "signals", "measurements")
             return [[message["message"].get(part) for part in parts] for message in messages_of(path)]
 
-        noise = "gen:noise?rate=48k&complex=true&channels=2&duration=0.75"
-        chirp = "gen:chirp?rate=48k&duration=0.75"
+        noise = "gen:noise?rate=48k&complex=true&channels=2&duration=0.75 "
+        chirp = "gen:chirp?rate=48k&duration=0.75 "
         port = self.path("port", struct.pack("36d", *[100.0] * 36))  # one value a frame of 1000
-        raw = ("--format", "f64", "--rate", "48")
-        for source, settings, ports in (
-                ((noise, chirp), ("--frame", "1000"), ()),
-                ((noise, chirp), ("--frame", "100", "--set", "showSpectrogram=true"), ()),
-                ((chirp, noise), ("--frame", "6000", "--set", "showSpectrogram=true", "--updates", "6"), ()),
-                ((chirp,), ("--frame", "1"), ()),
-                ((noise, chirp), ("--frame", "1000", "--set", "overlapPercent=50", "--set", "plotMaxHoldTrace=true", "--set",
-                                  "plotMinHoldTrace=true"), ()),
-                ((noise, chirp), ("--frame", "1000", "--set", "method=filter-bank", "--set", "frequencyRange=one-sided"),
-                 ()),
-                ((noise, chirp), ("--frame", "3000", "--set", "showSpectrogram=true", "--set",
-                                  "autoTimeResolution=false", "--set", "timeResolution=0.1"), ()),
-                ((chirp, noise), ("--frame", "1000", "--set", "autoRBW=false", "--set", "rbw=100"),
-                 (port, *raw, "--set", "inputPortRBW=true")),
-                ((chirp,), ("--frame", "1000", "--set", "averagingMethod=vbw", "--set", "autoVBW=false", "--set",
-                            "vbw=100", "--set", "autoRBW=false", "--set", "rbw=100"),
-                 (port, port, *raw, "--set", "inputPortRBW=true", "--set", "inputPortVBW=true"))):
-            plain = spectra(*source, *settings)
+        raw = "--format f64 --rate 48 --set inputPortRBW=true"
+        for source, frame, settings in (
+                (noise + chirp, "1000", ""), (chirp, "1", ""), (noise + chirp, "100", "showSpectrogram=true"),
+                (chirp + noise, "6000", "showSpectrogram=true --updates 6"),
+                (noise + chirp, "1000", "overlapPercent=50 --set plotMaxHoldTrace=true --set plotMinHoldTrace=true"),
+                (noise + chirp, "1000", "method=filter-bank --set frequencyRange=one-sided"),
+                (noise + chirp, "3000", "showSpectrogram=true --set timeResolution=0.1")):
+            arguments = f"{source}--frame {frame}" + (" --set " + settings if settings else "")
+            plain = spectra(arguments)
             self.assertGreater(len(plain), 3)
-            if ports:
-                settings = settings[:2]
-            self.assertEqual(spectra(*source, *ports, *settings, "--blockflow"), plain)
+            self.assertEqual(spectra(arguments, "--blockflow"), plain)
+        for source, settings, ports in (
+                (chirp + noise, "--set rbw=100", f"{port} {raw}"),
+                (chirp, "--set rbw=100 --set vbw=100", f"{port} {port} {raw} --set inputPortVBW=true")):
+            self.assertEqual(spectra(source + ports, "--frame 1000 --blockflow"),
+                             spectra(source + settings, "--frame 1000"))
 
     def test_a_display_that_falls_behind_holds_the_simulation_and_it_goes_on(self):
         # The messages do not fit the pipe: while nobody reads, the display stands still and the simulation runs ahead.
-        run = subprocess.Popen([PROGRAM, "play", "gen:tone?rate=1M&duration=0.6", "--deck", "time", "--blockflow",
-                                "--realtime", "--updates", "100", "--messages", "-", "--report", "json"],
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        run = begin("gen:tone?rate=1M&duration=0.6 --deck time --blockflow --realtime --updates 100 --messages -",
+                    "--report json")
         run.stdout.read(1)
         time.sleep(0.3)
         messages, report = run.communicate(timeout=60)
@@ -363,59 +360,57 @@ class Results(Folder):
 
     def test_what_is_preset_follows_the_signal(self):
         # Both sides of a complex signal; spots at the decades; updates that the trigger waits for.
-        _, deck = self.spectrum("tone?frequency=-6k&complex=true", "--measure", "peaks,phasenoise", "--set", "numPeaks=1",
-                                "--set", "spectrumUnits=watts")
+        _, report = report_of("gen:tone?frequency=-6k&complex=true --deck spectrum --measure peaks,phasenoise",
+                              "--set numPeaks=1 --set spectrumUnits=watts")
+        deck = report["decks"][0]
         self.assertLess(deck["start"]["value"], -23900)
         self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], -6000)
         self.assertAlmostEqual(deck["peaks"]["peaks"][0]["level"]["value"], 1.0, delta=1e-9)
         self.assertEqual([row["offset"]["value"] for row in deck["phaseNoise"]["spots"]], [1000, 10000])
-        response = report_of(self.path("taps.txt", b"# half\n0.5\n\n0.5  # the rest\n"), "--deck", "response", "--rate",
-                             "8k")[1]["decks"][0]["response"]
+        taps = self.path("taps.txt", b"# half\n0.5\n\n0.5  # the rest\n")
+        response = report_of(taps, "--deck response --rate 8k")[1]["decks"][0]["response"]
         self.assertEqual((response["stopFrequency"]["value"], response["points"]), (4000, 2048))
 
     def test_linked_options_are_set_once(self):
         # Units and type of the measurements follow the estimator; a name of several meanings is told.
-        run, report = report_of("gen:noise", "--deck", "spectrum", "--measure", "channel", "--set", "spectrumUnits=dbw")
+        run, report = report_of("gen:noise --deck spectrum --measure channel --set spectrumUnits=dbw")
         self.assertEqual((run.stderr, report["decks"][0]["channel"]["channelPower"]["unit"]), (b"", "dBW"))
         self.assertAlmostEqual(report["decks"][0]["channel"]["channelPower"]["value"], -20, delta=0.5)
-        run, report = report_of("gen:noise", "--deck", "spectrum", "--set", "frequencyLimits=0,1k")
+        run, report = report_of("gen:noise --deck spectrum --set frequencyLimits=0,1k")
         self.assertIn(b"means different things: frequency_peak_finder_filter", run.stderr)
         self.assertEqual(len(report["warnings"]), 1)
 
     def test_the_same_input_gives_the_same_bytes(self):
-        runs = {play("gen:noise?duration=0.2&seed=7", "--messages", "-", "--deck", "time").stdout for _ in range(2)}
+        runs = {play("gen:noise?duration=0.2&seed=7 --messages - --deck time").stdout for _ in range(2)}
         self.assertEqual(len(runs), 1)
 
     def test_the_first_frame_is_measured_whole_and_a_longer_span_is_told(self):
-        run, report = report_of("gen:ramp?rate=1k&frequency=1&duration=1", "--deck", "time", "--frame", "1k")
+        run, report = report_of("gen:ramp?rate=1k&frequency=1&duration=1 --deck time --frame 1k")
         self.assertEqual((run.stderr, report["decks"][0]["stats"]["minimum"]), (b"", -1))
-        run, _ = report_of("gen:ramp?rate=1k&duration=1", "--deck", "time", "--span-time", "6")
+        run, _ = report_of("gen:ramp?rate=1k&duration=1 --deck time --span-time 6")
         self.assertIn(b"over the newest 5000 samples, 5 s", run.stderr)
 
 
 class EarlyEnds(Folder):
     def test_an_interrupt_reports_what_was_measured(self):
-        messages = os.path.join(self.folder, "messages.jsonl")
-        for source in (["gen:tone?duration=inf"], ["-", "--format", "f32", "--rate", "1k"]):
+        messages = self.out("messages.jsonl")
+        for source in ("gen:tone?duration=inf", "- --format f32 --rate 1k"):
             with self.subTest(source=source):
-                run = subprocess.Popen([PROGRAM, "play", *source, "--deck", "time", "--realtime", "--report", "json",
-                                        "--messages", messages], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                       stderr=subprocess.PIPE)
+                run = begin(source, "--deck time --realtime --report json --messages", messages, stdin=subprocess.PIPE)
                 time.sleep(0.5)
                 run.send_signal(signal.SIGINT)
                 time.sleep(0.01)
                 run.send_signal(signal.SIGINT)  # the same wish, as it may also come to the group of the process
                 # Standard input stays open: the wait for samples itself must end.
                 output = run.stdout.read()
-                self.assertEqual((run.wait(10), run.stderr.read()[:8]), (0, b"" if "gen" in source[0] else b"wavedeck"))
+                self.assertEqual((run.wait(10), run.stderr.read()[:8]), (0, b"" if "gen" in source else b"wavedeck"))
                 self.assertEqual(json.loads(output)["ended"], "interrupted")
                 messages_of(messages)
                 for pipe in (run.stdin, run.stdout, run.stderr):
                     pipe.close()
 
     def test_a_broken_pipe_ends_cleanly(self):
-        run = subprocess.Popen([PROGRAM, "play", "gen:tone?duration=inf", "--messages", "-", "--report", "json"],
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        run = begin("gen:tone?duration=inf --messages - --report json")
         json.loads(run.stdout.readline())
         run.stdout.close()
         report = json.loads(run.stderr.read())
@@ -424,9 +419,8 @@ class EarlyEnds(Folder):
 
     def test_progress_shows_on_a_terminal_alone(self):
         ours, theirs = pty.openpty()
-        run = subprocess.Popen([PROGRAM, "play", "gen:tone?duration=0.5", "--deck", "time", "--realtime"],
-                               stdout=subprocess.DEVNULL, stderr=theirs)
-        run.wait(10)
+        subprocess.run([PROGRAM, "play", "gen:tone?duration=0.5", "--deck", "time", "--realtime"],
+                       stdout=subprocess.DEVNULL, stderr=theirs, timeout=10, check=True)
         os.close(theirs)
         shown = os.read(ours, 65536)
         os.close(ours)
@@ -435,9 +429,6 @@ class EarlyEnds(Folder):
 
 
 class ExportedFiles(Folder):
-    def out(self, name):
-        return os.path.join(self.folder, name)
-
     def test_every_figure_has_its_definition(self):
         def undefined(section):
             definitions = section.get("definitions", {})
@@ -451,52 +442,44 @@ class ExportedFiles(Folder):
                     yield key
 
         everything = "stats,peaks,bilevel,trigger,channel,distortion,phasenoise,mask"
-        pulses = ["gen:square?duration=0.2", "--deck", "time", "--deck", "frame", "--deck", "spectrum", "--measure"]
+        square = "gen:square?duration=0.2 --deck time --deck spectrum "
         for arguments in [
-            [*pulses, everything, "--set", "enabledMasks=upper", "--set", "showVariance=true", "--set",
-             "showMeanSquare=true", "--center", "1M"],
-            [*pulses, "channel,distortion", "--set", "channelMeasurementsType=acpr", "--set",
-             "distortionType=intermodulation"],
-            ["gen:square?duration=0.2", "--deck", "time", "--deck", "spectrum", "--blockflow"],
-            [self.path("taps", b"1\n" * 5), "--deck", "response"],
+            f"{square}--deck frame --measure {everything} --set enabledMasks=upper --set showVariance=true "
+            "--set showMeanSquare=true --center 1M",
+            square + "--measure channel,distortion --set channelMeasurementsType=acpr "
+            "--set distortionType=intermodulation",
+            square + "--blockflow",
+            self.path("taps", b"1\n" * 5) + " --deck response",
         ]:
-            report = json.loads(play(*arguments, "--report", "json").stdout)
+            _, report = report_of(arguments)
             self.assertEqual([figure for section in report["inputs"] + report["decks"]
                               for figure in undefined(section)], [], arguments)
 
     def test_traces_sweeps_and_annotations_tell_what_the_report_tells(self):
-        samples = b"".join(struct.pack("<2f", 0.5 * math.cos(i * math.pi / 8), 0.5 * math.sin(i * math.pi / 8))
-                           for i in range(65536))
-        self.path("r.sigmf-data", samples)
-        recording = self.path("r.sigmf-meta", json.dumps({
-            "global": {"core:datatype": "cf32_le", "core:sample_rate": 256e3, "core:offset": 7, "core:author": "me"},
-            "captures": [{"core:sample_start": 7, "core:frequency": 1e6, "core:datetime": "2026-02-28T23:59:59.9Z"}],
-            "annotations": [{"core:sample_start": 65000, "core:sample_count": 3}]}).encode())
+        values = [cmath.rect(0.5, i * math.pi / 8) for i in range(65536)]
+        recording = self.sigmf(values, [(7, 1e6, "2026-02-28T23:59:59.9Z")],
+                               facts={"core:offset": 7, "core:author": "me"},
+                               annotations=[{"core:sample_start": 65000, "core:sample_count": 3}])
         spectrum, times, sweep, notes = map(self.out, ["s.csv", "t.csv", "sweep.csv", "n.sigmf-meta"])
-        arguments = [recording, "--deck", "spectrum", "--deck", "time", "--measure", "peaks,mask", "--set",
-                     "enabledMasks=upper", "--set", "upperMask=20", "--set", "numPeaks=1", "--set",
-                     "plotMaxHoldTrace=true", "--seek", "0.1"]
+        arguments = [recording, "--deck spectrum --deck time --measure peaks,mask --set enabledMasks=upper --seek 0.1",
+                     "--set upperMask=20 --set numPeaks=1 --set plotMaxHoldTrace=true"]
         files = ["--traces", spectrum, "--traces", "time=" + times, "--sweep", sweep, "--annotations", notes]
         run, report = report_of(*arguments, *files)
         self.assertEqual(run.returncode, 1, run.stderr)  # the mask fails
         deck = report["decks"][0]
         peak = deck["peaks"]["peaks"][0]
-        with open(spectrum, encoding="utf-8") as file:
-            rows = [line.rstrip("\n").split(",") for line in file if not line.startswith("#")]
+        rows = rows_of(spectrum)
         rbw = f"{deck['rbw']['value']:.6g} Hz"
         self.assertEqual(rows[0], ["frequency (Hz)", f"signal 0 channel 0 (dBm; RBW {rbw})",
                                    f"maximum hold signal 0 channel 0 (dBm; RBW {rbw})"])
         levels = {float(row[0]): float(row[1]) for row in rows[1:]}
         self.assertEqual(levels[peak["frequency"]["value"]], peak["level"]["value"])
         self.assertEqual((min(levels), max(levels)), (deck["start"]["value"], deck["stop"]["value"]))
-        with open(times, encoding="utf-8") as file:
-            rows = [line.split(",") for line in file if not line.startswith("#")][1:]
-        self.assertEqual([float(cell) for cell in rows[-1]],
-                         [65535 / 256e3, *struct.unpack("<2f", samples[-8:])])
-        with open(sweep, encoding="utf-8") as file:
-            lines = [line.split(", ") for line in file]
-        date, clock, low, high, step, count = lines[-1][:6]
-        self.assertEqual((date, clock), ("2026-03-01", "00:00:00"))
+        last = struct.unpack("<2f", struct.pack("<2f", values[-1].real, values[-1].imag))
+        self.assertEqual([float(cell) for cell in rows_of(times)[-1]], [65535 / 256e3, *last])
+        lines = rows_of(sweep)
+        date, clock, low, high, step = lines[-1][:5]
+        self.assertEqual((date, clock), ("2026-03-01", " 00:00:00"))
         self.assertEqual(sum(int(line[5]) for line in lines), 65536 - 25600)
         self.assertEqual(len(lines[-1]) - 6, len(levels))
         self.assertAlmostEqual(float(low), min(levels), delta=1e-6)
@@ -504,9 +487,9 @@ class ExportedFiles(Folder):
         strongest = max(range(len(levels)), key=lambda i: float(lines[-1][6 + i]))
         self.assertAlmostEqual(float(low) + strongest * float(step), peak["frequency"]["value"], delta=1e-3)
         self.assertAlmostEqual(float(lines[-1][6 + strongest]), peak["level"]["value"], delta=5e-4)
-        with open(notes, encoding="utf-8") as file:
-            metadata = json.load(file)
-        self.assertEqual((metadata["global"]["core:dataset"], metadata["global"]["core:author"]), ("r.sigmf-data", "me"))
+        metadata = json.loads("".join(lines_of(notes)))
+        facts = metadata["global"]
+        self.assertEqual((facts["core:dataset"], facts["core:author"]), ("r.sigmf-data", "me"))
         found = [(note["core:sample_start"], note["core:sample_count"], note.get("core:label"))
                  for note in metadata["annotations"]]
         whole = (7 + 25600, 65536 - 25600)
@@ -521,8 +504,7 @@ class ExportedFiles(Folder):
         before = json.dumps(metadata)
         run, again = report_of(notes, *arguments[1:], *files, "--overwrite")
         self.assertEqual((run.returncode, again["decks"][0]["peaks"]), (1, deck["peaks"]))
-        with open(notes, encoding="utf-8") as file:
-            self.assertEqual(len(json.load(file)["annotations"]), 5, before)
+        self.assertEqual(len(json.loads("".join(lines_of(notes)))["annotations"]), 5, before)
         run = play(*arguments, "--traces", "/dev/stdout", "--overwrite")
         self.assertTrue(run.stdout.startswith(b"# input: "), run.stderr)
         self.assertEqual([name for name in os.listdir(self.folder) if name.endswith(".part")], [])
