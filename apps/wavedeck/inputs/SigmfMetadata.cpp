@@ -159,6 +159,55 @@ void readExtensions(const Fields& global, SigmfMetadata& metadata) {
     }
 }
 
+/// What the recording says of all of its captures.
+SigmfMetadata readGlobal(const Fields& global) {
+    SigmfMetadata metadata;
+    metadata.format = readDatatype(global);
+    metadata.sampleRate = global.number("core:sample_rate");
+    if (metadata.sampleRate && !(*metadata.sampleRate > 0.0)) {
+        global.fail("core:sample_rate", "is not above 0");
+    }
+    constexpr std::uint64_t mostChannels = 1024;
+    const auto channels = global.count("core:num_channels", 1);
+    if (channels < 1 || channels > mostChannels) {
+        global.fail("core:num_channels", "is not within 1 to " + std::to_string(mostChannels));
+    }
+    metadata.channels = static_cast<int>(channels);
+    metadata.firstIndex = global.count("core:offset", 0);
+    metadata.trailingBytes = global.count("core:trailing_bytes", 0);
+    metadata.dataset = global.text("core:dataset").value_or("");
+    metadata.isWithoutData = global.flag("core:metadata_only");
+    metadata.checksum = global.text("core:sha512").value_or("");
+    readExtensions(global, metadata);
+    return metadata;
+}
+
+/// Takes the captures as runs of samples, from the first sample on: of a recording without any, one run of all of it.
+void readCaptures(const std::string& name, const Json& captures, SigmfMetadata& metadata) {
+    const auto bytesPerTime =
+        metadata.format.bytes * static_cast<std::size_t>(metadata.channels) * (metadata.format.isComplex ? 2 : 1);
+    std::uint64_t headers = 0;
+    for (std::size_t i = 0; i < captures.size(); ++i) {
+        const Fields capture(name, "captures[" + std::to_string(i) + "]", captures[i]);
+        metadata.runs.push_back(readCapture(capture, metadata, bytesPerTime));
+        headers += metadata.runs.back().headerBytes;
+        if (headers > largestCount) {
+            capture.fail("core:header_bytes", "the headers are larger than any file");
+        }
+        readTime(capture, metadata);
+    }
+    if (metadata.runs.empty()) {
+        metadata.runs.emplace_back();
+    }
+    if (metadata.runs.front().firstSample > 0) {
+        // What stands before the first capture is played with its frequency and scale.
+        auto before = metadata.runs.front();
+        before.firstSample = 0;
+        before.headerBytes = 0;
+        metadata.runs.insert(metadata.runs.begin(), before);
+    }
+}
+
 }  // namespace
 
 Json parseSigmfText(const std::string& name, const std::string& text) {
@@ -183,50 +232,13 @@ SigmfMetadata readSigmfMetadata(const std::string& name, const Json& json) {
     if (globalObject == nullptr) {
         throw UsageError(name + ": has no `global` object, so that it is no SigMF metadata");
     }
-    const Fields global(name, "global", *globalObject);
-    SigmfMetadata metadata;
-    metadata.format = readDatatype(global);
-    metadata.sampleRate = global.number("core:sample_rate");
-    if (metadata.sampleRate && !(*metadata.sampleRate > 0.0)) {
-        global.fail("core:sample_rate", "is not above 0");
-    }
-    constexpr std::uint64_t mostChannels = 1024;
-    const auto channels = global.count("core:num_channels", 1);
-    if (channels < 1 || channels > mostChannels) {
-        global.fail("core:num_channels", "is not within 1 to " + std::to_string(mostChannels));
-    }
-    metadata.channels = static_cast<int>(channels);
-    metadata.firstIndex = global.count("core:offset", 0);
-    metadata.trailingBytes = global.count("core:trailing_bytes", 0);
-    metadata.dataset = global.text("core:dataset").value_or("");
-    metadata.isWithoutData = global.flag("core:metadata_only");
-    metadata.checksum = global.text("core:sha512").value_or("");
-    readExtensions(global, metadata);
+    SigmfMetadata metadata = readGlobal(Fields(name, "global", *globalObject));
     const auto* captures = whole.find("captures");
     if (captures != nullptr && !captures->is_array()) {
         throw UsageError(name + ": captures: is no list");
     }
-    const auto bytesPerTime = metadata.format.bytes * channels * (metadata.format.isComplex ? 2 : 1);
-    std::uint64_t headers = 0;
-    for (std::size_t i = 0; captures != nullptr && i < captures->size(); ++i) {
-        const Fields capture(name, "captures[" + std::to_string(i) + "]", (*captures)[i]);
-        metadata.runs.push_back(readCapture(capture, metadata, bytesPerTime));
-        headers += metadata.runs.back().headerBytes;
-        if (headers > largestCount) {
-            capture.fail("core:header_bytes", "the headers are larger than any file");
-        }
-        readTime(capture, metadata);
-    }
-    if (metadata.runs.empty()) {
-        metadata.runs.emplace_back();
-    }
-    if (metadata.runs.front().firstSample > 0) {
-        // What stands before the first capture is played with its frequency and scale.
-        auto before = metadata.runs.front();
-        before.firstSample = 0;
-        before.headerBytes = 0;
-        metadata.runs.insert(metadata.runs.begin(), before);
-    }
+    const Json none = Json::array();
+    readCaptures(name, captures != nullptr ? *captures : none, metadata);
     return metadata;
 }
 
