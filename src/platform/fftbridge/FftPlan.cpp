@@ -1,10 +1,10 @@
 #include "FftPlan.h"
 
-#include "fftwApi.h"
-
 #include <cstddef>
 #include <memory>
 #include <mutex>
+
+#include "fftwApi.h"
 
 namespace fftbridge {
 

@@ -1,11 +1,11 @@
 #include "FftPlanCache.h"
 
-#include "FftPlanSlot.h"
-#include "fftwApi.h"
-
 #include <algorithm>
 #include <mutex>
 #include <utility>
+
+#include "FftPlanSlot.h"
+#include "fftwApi.h"
 
 namespace fftbridge {
 

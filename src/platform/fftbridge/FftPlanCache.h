@@ -1,11 +1,11 @@
 #pragma once
 
-#include "FftPlanKey.h"
-#include "FftbridgeExport.h"
-
 #include <cstddef>
 #include <memory>
 #include <vector>
+
+#include "FftPlanKey.h"
+#include "FftbridgeExport.h"
 
 namespace fftbridge {
 

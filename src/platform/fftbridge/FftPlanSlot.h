@@ -1,10 +1,10 @@
 #pragma once
 
-#include "FftPlan.h"
-#include "FftPlanKey.h"
-
 #include <atomic>
 #include <memory>
+
+#include "FftPlan.h"
+#include "FftPlanKey.h"
 
 namespace fftbridge {
 

@@ -1,7 +1,5 @@
 #include "PlanMeasurement.h"
 
-#include "FftPlan.h"
-
 #include <fcntl.h>
 #include <fftw3.h>
 #include <sys/resource.h>
@@ -13,6 +11,8 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+
+#include "FftPlan.h"
 
 namespace fftbridge {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "FftPlanKey.h"
-
 #include <sys/types.h>
 
 #include <string>
+
+#include "FftPlanKey.h"
 
 namespace fftbridge {
 

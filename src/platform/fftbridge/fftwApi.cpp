@@ -1,9 +1,5 @@
 #include "fftwApi.h"
 
-#include "FftPlan.h"
-#include "FftPlanSlot.h"
-#include "PlanMeasurement.h"
-
 #include <fftw3.h>
 
 #include <algorithm>
@@ -11,6 +7,10 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+
+#include "FftPlan.h"
+#include "FftPlanSlot.h"
+#include "PlanMeasurement.h"
 
 namespace fftbridge {
 

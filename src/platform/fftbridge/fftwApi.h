@@ -1,12 +1,12 @@
 #pragma once
 
-#include "FftPlanKey.h"
-#include "FftbridgeExport.h"
-
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
+
+#include "FftPlanKey.h"
+#include "FftbridgeExport.h"
 
 namespace fftbridge {
 

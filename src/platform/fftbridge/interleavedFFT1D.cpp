@@ -1,8 +1,8 @@
 #include "interleavedFFT1D.h"
 
-#include "FftPlan.h"
-
 #include <cassert>
+
+#include "FftPlan.h"
 
 namespace fftbridge {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cstddef>
+
 #include "FftPlanCache.h"
 #include "FftbridgeExport.h"
-
-#include <cstddef>
 
 namespace fftbridge {
 

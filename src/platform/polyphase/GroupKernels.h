@@ -1,10 +1,10 @@
 #pragma once
 
+#include <cstddef>
+
 #include "InstructionSet.h"
 #include "PolyphaseBank.h"
 #include "PolyphaseLayout.h"
-
-#include <cstddef>
 
 namespace dspwavedecks::polyphase {
 

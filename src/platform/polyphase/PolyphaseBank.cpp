@@ -1,10 +1,10 @@
 #include "PolyphaseBank.h"
 
+#include <algorithm>
+
 #include "GroupKernels.h"
 #include "InstructionSet.h"
 #include "PolyphaseLayout.h"
-
-#include <algorithm>
 
 namespace dspwavedecks::polyphase {
 

@@ -1,8 +1,8 @@
 #include "PolyphaseKernels.h"
 
-#include "PolyphaseBank.h"
-
 #include <cassert>
+
+#include "PolyphaseBank.h"
 
 namespace polyphase = dspwavedecks::polyphase;
 

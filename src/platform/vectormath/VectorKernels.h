@@ -1,8 +1,8 @@
 #pragma once
 
-#include "InstructionSet.h"
-
 #include <cstddef>
+
+#include "InstructionSet.h"
 
 namespace dspwavedecks::vectormath {
 
