@@ -85,7 +85,9 @@ std::string LiveDecks::describe() const {
     for (const auto& deck : decks_) {
         clients.push_back(describeDeck(*deck));
     }
-    return json{{"type", "hello"}, {"ended", inputEnded_.load()}, {"clients", std::move(clients)}}.dump();
+    // Settings from the command line may hold bytes that are no UTF-8.
+    const json hello{{"type", "hello"}, {"ended", inputEnded_.load()}, {"clients", std::move(clients)}};
+    return hello.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
 std::string LiveDecks::tune(const TuneRequest& request) {

@@ -51,11 +51,17 @@ std::string answerTune(const std::string& text, const LiveServer::Callbacks& cal
         refused();
         return R"({"type":"error","request":null,"text":"not a tune: type, request, client, stage, options expected"})";
     }
-    const std::string wrong = callbacks.tune({request["client"], request["stage"], request["options"]});
+    std::string wrong;
+    try {
+        wrong = callbacks.tune({request["client"], request["stage"], request["options"]});
+        if (wrong.empty()) {
+            changed();
+        }
+    } catch (const std::exception& error) {
+        wrong = error.what();
+    }
     nlohmann::json reply = {{"type", "tuned"}, {"request", request["request"]}};
-    if (wrong.empty()) {
-        changed();
-    } else {
+    if (!wrong.empty()) {
         reply["type"] = "error";
         reply["text"] = wrong;
     }
@@ -133,14 +139,14 @@ std::shared_ptr<Browser> LiveServer::State::take(Poco::Net::HTTPServerRequest& r
     const std::lock_guard ordered(describing);
     browser->describe(std::make_shared<const std::string>(callbacks.hello()));
     const std::lock_guard lock(mutex);
-    ++counters.connections;
-    browsers.push_back(browser);
     for (const auto& [client, message] : newest) {
         browser->offer(message);
     }
     if (stopping) {
         browser->close();
     }
+    browsers.push_back(browser);
+    ++counters.connections;
     return browser;
 }
 

@@ -7,9 +7,12 @@
 #include <Poco/Net/WebSocket.h>
 #include <Poco/StreamCopier.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <map>
+#include <new>
+#include <stdexcept>
 #include <thread>
 
 #include "LiveAddress.h"
@@ -34,13 +37,20 @@ protected:
         std::filesystem::create_symlink(folder_ / "secret.txt", folder_ / "page" / "link.txt");
         server_ = std::make_unique<program::LiveServer>(
             program::LiveServer::Settings{"127.0.0.1", 0, (folder_ / "page").string(), 3},
-            program::LiveServer::Callbacks{[] { return std::string(R"({"type":"hello","clients":[]})"); },
+            program::LiveServer::Callbacks{[this] { return hello(); },
                                            [this](const program::TuneRequest& request) { return tune(request); }});
         port_ = static_cast<std::uint16_t>(std::stoi(server_->address().substr(server_->address().rfind(':') + 1)));
     }
     ~LiveServerTest() override { std::filesystem::remove_all(folder_); }
 
+    std::string hello() const {
+        return canDescribe_ ? R"({"type":"hello","clients":[]})" : throw std::runtime_error("no description");
+    }
+
     std::string tune(const program::TuneRequest& request) {
+        if (request.stage == "full") {
+            throw std::bad_alloc();
+        }
         tunes_.push_back(request.client + "/" + request.stage + "/" + request.options.dump());
         return request.stage == "there" ? "" : "no stage " + request.stage;
     }
@@ -94,6 +104,7 @@ protected:
         std::filesystem::temp_directory_path() / ("live_server_" + std::to_string(::getpid()) + "_" +
                                                   testing::UnitTest::GetInstance()->current_test_info()->name());
     std::vector<std::string> tunes_;
+    std::atomic<bool> canDescribe_{true};
     std::unique_ptr<program::LiveServer> server_;
     std::uint16_t port_ = 0;
 };
@@ -125,6 +136,20 @@ TEST_F(LiveServerTest, tunesReachTheProgramAndErrorsComeBackInItsWords) {
     }
     EXPECT_EQ(tunes_.size(), 2u);
     EXPECT_EQ(server_->counters().refusedMessages, 8u);
+}
+
+TEST_F(LiveServerTest, aCallbackThatThrowsIsAnsweredAndEndsNothingElse) {
+    const auto good = connect();
+    const std::string full = R"({"type":"tune","request":1,"client":"c","stage":"full","options":{}})";
+    EXPECT_EQ(ask(*good, full), json::parse(R"({"type":"error","request":1,"text":"std::bad_alloc"})"));
+    canDescribe_ = false;
+    const std::string there = R"({"type":"tune","request":2,"client":"c","stage":"there","options":{}})";
+    EXPECT_EQ(ask(*good, there)["text"], "no description");
+    EXPECT_ANY_THROW(connect());
+    EXPECT_TRUE(eventually([&] { return server_->counters().refusedMessages == 1u; }));
+    server_->publish("c", "updateDataAsync", "1");
+    EXPECT_EQ(receive(*good)["message"], 1);
+    server_.reset();  // waits for the places of all browsers
 }
 
 TEST_F(LiveServerTest, refusesForeignPagesForeignNamesAndTooManyBrowsers) {
