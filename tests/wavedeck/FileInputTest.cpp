@@ -66,6 +66,22 @@ TEST_F(FileInput, RawFormatsDecodeToTheirScale) {
     }
 }
 
+TEST_F(FileInput, ExtensionsTellTheFormat) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"F32", "rf32_le"},   {"rf32", "rf32_le"},   {"ri16", "ri16_le"},   {"s16be", "ri16_be"},
+        {"u16le", "ru16_le"}, {"f64_be", "rf64_be"}, {"cfile", "cf32_le"},  {"c16", "ci16_le"},
+        {"c8", "ci8"},        {"ci32", "ci32_le"},   {"complex16u", "cu8"}, {"uc16", "cu16_le"},
+    };
+    for (const auto& [extension, datatype] : rows) {
+        const auto path = write(std::string("samples.") + extension, std::string(64, '\0'));
+        EXPECT_EQ(program::openInput(path, {"", "1M"})->facts().datatype, datatype) << extension;
+    }
+    for (const auto* extension : {"rf64", "c32", "c64", "file", "le", "bin"}) {
+        const auto path = write(std::string("samples.") + extension, std::string(64, '\0'));
+        EXPECT_NE(errorOf(path, {}).find("not a sound file"), std::string::npos) << extension;
+    }
+}
+
 TEST_F(FileInput, RawComplexChannelsAndScaleAndRest) {
     // Two complex channels, two sample times, and three bytes more.
     const auto path = write("iq.raw", bytesOf<std::int8_t>({1, 2, 3, 4, 5, 6, 7, 8, 9, 9, 9}));

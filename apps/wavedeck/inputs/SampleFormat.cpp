@@ -76,8 +76,9 @@ const NumberType* findNumberType(std::string name) {
     return found == numberTypes.end() ? nullptr : found;
 }
 
-/// Extensions beside the names of the formats themselves.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 8> usualExtensions{{
+/// Extensions beside the names of the formats themselves. Left out are those that different programs use for different
+/// formats, such as c32 and c64: integers or floats, of a part or of the whole sample.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 14> usualExtensions{{
     {"cfile", "cf32"},
     {"fc32", "cf32"},
     {"fc64", "cf64"},
@@ -86,6 +87,12 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> usualExte
     {"sc32", "cs32"},
     {"uc8", "cu8"},
     {"uc16", "cu16"},
+    {"c8", "cs8"},
+    {"c16", "cs16"},
+    {"complex16s", "cs8"},
+    {"complex16u", "cu8"},
+    {"complex32s", "cs16"},
+    {"complex32u", "cu16"},
 }};
 
 }  // namespace
@@ -152,12 +159,21 @@ std::optional<SampleFormat> findSampleFormatOfFile(const std::string& path) {
     auto extension = file.substr(dot + 1);
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    if (extension.starts_with('r')) {
-        return std::nullopt;  // rf64 is a sound file
+    if (extension == "rf64") {
+        return std::nullopt;  // a sound file
     }
     const auto* usual = std::find_if(usualExtensions.begin(), usualExtensions.end(),
                                      [&](const auto& entry) { return entry.first == extension; });
-    return findSampleFormat(usual == usualExtensions.end() ? extension : std::string(usual->second));
+    if (usual != usualExtensions.end()) {
+        return findSampleFormat(usual->second);
+    }
+    // The order of the bytes right behind the number: s16le.
+    const auto order = extension.size() - std::min<std::size_t>(extension.size(), 2);
+    if (order > 0 && extension[order - 1] >= '0' && extension[order - 1] <= '9' &&
+        (extension.ends_with("le") || extension.ends_with("be"))) {
+        extension.insert(order, 1, '_');
+    }
+    return findSampleFormat(extension);
 }
 
 std::vector<std::string> sampleFormats() {
