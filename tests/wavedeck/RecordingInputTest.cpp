@@ -113,7 +113,7 @@ TEST_F(Recording, CapturesHaveTheirHeadersFrequenciesAndScales) {
 
 TEST_F(Recording, BadMetadataAreRefusedByField) {
     const std::string good = R"("core:datatype":"ci8","core:sample_rate":5)";
-    const std::tuple<std::string, std::string, const char*> rows[] = {
+    const std::tuple<std::string, std::string, std::string> rows[] = {
         {R"("core:sample_rate":5)", "", "global.core:datatype: is missing"},
         {R"("core:datatype":"cs8","core:sample_rate":5)", "", "`cs8` is no datatype"},
         {R"("core:datatype":"i8","core:sample_rate":5)", "", "`i8` is no datatype"},
@@ -123,7 +123,8 @@ TEST_F(Recording, BadMetadataAreRefusedByField) {
         {good + R"(,"core:num_channels":0)", "", "core:num_channels: is not within 1 to 1024"},
         {good + R"(,"core:num_channels":1.5)", "", "core:num_channels: is no whole number"},
         {good + R"(,"core:dataset":"../x")", "", "core:dataset: `../x` is not the name of a file alone"},
-        {good + R"(,"core:dataset":"none.bin")", "", "none.bin: No such file"},
+        {good + R"(,"core:dataset":"none.bin")", "",
+         "bad.sigmf-meta: global.core:dataset: " + folder() + "none.bin: No such file"},
         {good + R"(,"core:metadata_only":true)", "", "the recording has no samples"},
         {good, "7", "captures[0]: is no object"},
         {good, R"({"core:sample_start":-1})", "captures[0].core:sample_start: is no whole number"},
@@ -155,9 +156,13 @@ TEST_F(Recording, ArchivesHaveLongNamesAndOneRecording) {
     const std::string name(120, 'n');
     sigmf(name, global, "", "abc");
     const auto both = name + ".sigmf-meta " + name + ".sigmf-data ";
+    sigmf("holes", global, "", "");
     for (const std::string format : {"pax", "gnu"}) {
         const auto archive = tar(format + ".sigmf", "--format=" + format + ' ' + both);
         EXPECT_EQ(firstRow(*program::openInput(archive, {})).size(), 3U) << format;
+        std::filesystem::resize_file(folder() + "holes.sigmf-data", 1 << 20);
+        expectError(tar("holes.sigmf", "--sparse --format=" + format + " holes.sigmf-meta holes.sigmf-data"), {},
+                    "holes.sigmf-data` without its holes");
     }
     sigmf("other", global, "", "abcd");
     expectError(tar("two.sigmf", "other.sigmf-meta " + both + "other.sigmf-data"), {},
@@ -200,6 +205,8 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
         row[row.find('.')] = ',';
         rounded += row;
     }
+    // The first piece that is read ends between CR and LF.
+    const auto longLines = '#' + std::string(65534, ' ') + "\r\n70000\r\n";
     const InputOptions at5{"", "5"};
     const std::tuple<std::string, InputOptions, double, int, Values> rows[] = {
         {"0,1\n0.5,2\n1.0,3\n", {}, 2, 1, {1, 2, 3}},
@@ -217,6 +224,8 @@ TEST_F(Recording, TablesAreReadAsTheyComeAndTheirTimesGiveTheRate) {
         {"\"time\n(ms)\",v\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
         {"t (ms)\n0,1\n2,2\n", {}, 500, 1, {1, 2}},
         {"v\n1e400\n-1e400\n1e-400\n", at5, 5, 1, {infinity, -infinity, 0}},
+        {"# old\r\rt,v\r0,1\r0.5,2\r1,3", {}, 2, 1, {1, 2, 3}},
+        {longLines, at5, 5, 1, {70000}},
     };
     for (const auto& [text, options, rate, channels, values] : rows) {
         const auto reader = program::openInput(write("table.csv", text), options);
@@ -242,6 +251,7 @@ TEST_F(Recording, BadTablesAreRefusedByLine) {
         {"1,2\n3\n", at5, "line 2: has 1 cells, and the rows above have 2"},
         {"1,2\n3,x\n", at5, "line 2: expected numbers, found `3,x`"},
         {"1,2\n\n3,4,5\n", at5, "line 3: has 3 cells"},
+        {"1,2\r\r3,4,5\r", at5, "line 3: has 3 cells"},
         {"1\n2\n", {}, "line 1: one column, the times, and no values"},
         {"freq,y\n1,2\n2,3\n", {}, "`freq`, is not called time"},
         {"t (furlongs),y\n1,2\n2,3\n", {}, "not called time in a known unit"},

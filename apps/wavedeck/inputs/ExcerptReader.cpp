@@ -76,7 +76,7 @@ bool ExcerptReader::rewind() {
         return false;
     }
     if (!source_->seek(first_)) {
-        fault_ = "--loop: " + facts_.name + " cannot be read again";
+        fault_ = "--loop: " + facts_.name + " was played once and cannot be read again";
         return false;
     }
     read_ = 0;

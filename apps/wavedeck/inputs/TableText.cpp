@@ -12,7 +12,7 @@
 namespace program {
 namespace {
 
-constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view blanks = " \t\r\n";  // of CR and LF the one that ends no lines
 
 std::string_view trimmed(std::string_view text) {
     const auto begin = text.find_first_not_of(blanks);
@@ -50,12 +50,28 @@ bool TableLines::fill() {
     return got > 0;
 }
 
+void TableLines::findLineBreak() {
+    bool hasFeed = false;
+    bool hasReturn = false;
+    do {
+        const auto text = std::string_view(held_).substr(begin_);
+        const auto first = text.find('\r');
+        hasFeed = text.find('\n') != std::string_view::npos;
+        // At the end of what is there it may be half of CR LF.
+        hasReturn = first != std::string_view::npos && text.find_first_not_of('\r', first) != std::string_view::npos;
+    } while (!hasFeed && !hasReturn && fill());
+    lineBreak_ = hasFeed || !hasReturn ? '\n' : '\r';
+}
+
 std::optional<std::string_view> TableLines::next() {
+    if (lineBreak_ == '\0') {
+        findLineBreak();
+    }
     for (;;) {
-        auto end = held_.find('\n', begin_);
+        auto end = held_.find(lineBreak_, begin_);
         // What was searched already is searched again after a fill; lines are short.
         while (end == std::string::npos && fill()) {
-            end = held_.find('\n', begin_);
+            end = held_.find(lineBreak_, begin_);
         }
         isWhole_ = end != std::string::npos;
         end = std::min(end, held_.size());

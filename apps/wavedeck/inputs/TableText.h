@@ -34,12 +34,15 @@ public:
 
 private:
     bool fill();
+    /// Lines end with LF, be there CR before it or not; with CR alone where the first piece of text has no LF.
+    void findLineBreak();
 
     ByteSource source_;
     std::string held_;
     std::size_t begin_ = 0;  ///< of what is left in held_
     std::uint64_t number_ = 0;
     bool isWhole_ = false;
+    char lineBreak_ = '\0';  ///< '\0': not known yet
 };
 
 /// How the cells of a table are told apart.

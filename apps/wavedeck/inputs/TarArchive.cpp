@@ -55,6 +55,7 @@ std::string textField(const Block& block, std::size_t begin, std::size_t length)
 struct LongerFields {
     std::optional<std::string> name;
     std::optional<std::uint64_t> bytes;
+    bool isSparse = false;
 };
 
 /// Records of pax: "LENGTH KEY=VALUE" and a line break each, the length that of the whole record.
@@ -75,6 +76,8 @@ LongerFields readPaxRecords(std::string_view text) {
         } else if (std::uint64_t bytes = 0; record.starts_with("size=")) {
             std::from_chars(value.data(), value.data() + value.size(), bytes);
             fields.bytes = bytes;
+        } else if (record.starts_with("GNU.sparse.")) {
+            fields.isSparse = true;
         }
         text.remove_prefix(length);
     }
@@ -117,8 +120,12 @@ std::vector<TarEntry> listTarArchive(const std::string& path) {
         }
         if (isLonger) {
             const auto more = readLongerFields(source, position, bytes, type == 'x');
-            longer = {more.name ? more.name : longer.name, more.bytes ? more.bytes : longer.bytes};
+            longer = {more.name ? more.name : longer.name, more.bytes ? more.bytes : longer.bytes,
+                      more.isSparse || longer.isSparse};
         } else {
+            if (longer.isSparse || type == 'S') {
+                throw UsageError(path + ": holds `" + name + "` without its holes; make the archive without --sparse");
+            }
             if (type == '0' || type == 0) {
                 entries.push_back({name, position, bytes});
             }

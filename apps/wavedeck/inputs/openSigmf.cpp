@@ -84,18 +84,22 @@ Dataset openDataset(const std::string& input, const SigmfMetadata& metadata) {
     if (input.ends_with(datasetExtension)) {
         return {std::make_unique<ByteSource>(input)};
     }
-    auto path = withoutExtension(input, metadataExtension) + std::string(datasetExtension);
-    if (!metadata.dataset.empty()) {
-        if (metadata.dataset.find('/') != std::string::npos) {
-            throw UsageError(input + ": global.core:dataset: `" + metadata.dataset +
-                             "` is not the name of a file alone");
-        }
-        path = folderOf(input) + metadata.dataset;
-    }
     if (metadata.isWithoutData) {
         throw UsageError(input + ": global.core:metadata_only: the recording has no samples");
     }
-    return {std::make_unique<ByteSource>(path)};
+    if (metadata.dataset.empty()) {
+        return {
+            std::make_unique<ByteSource>(withoutExtension(input, metadataExtension) + std::string(datasetExtension))};
+    }
+    const auto field = input + ": global.core:dataset: ";
+    if (metadata.dataset.find('/') != std::string::npos) {
+        throw UsageError(field + '`' + metadata.dataset + "` is not the name of a file alone");
+    }
+    try {
+        return {std::make_unique<ByteSource>(folderOf(input) + metadata.dataset)};
+    } catch (const UsageError& error) {
+        throw UsageError(field + error.what());
+    }
 }
 
 /// Compares the dataset's bytes with the sum in the metadata; returns what the report says of it.
