@@ -135,6 +135,8 @@ class BadInput(Folder):
             ([self.path("none", b"# none\n"), "--deck", "response"], "holds no coefficients"),
             ([tone, "--deck", "response", "--iq"], "--iq: of no use to --deck response"),
             ([tone, "--traces", "response=x"], "the deck `response` is not played"),
+            ([tone, "--traces", "spectrun=x"], "only time, spectrum; a file of this name is ./spectrun=x"),
+            ([tone, "--traces", "no/such=x"], "no/such=x"),
             (["-", "-", "--format", "f32", "--rate", "5"], "standard input is given twice"),
             ([tone, "--set", "centerFrequency=25k"], "centerFrequency: 25 kHz does not lie within 0 Hz to 24 kHz"),
             ([tone, "--seek", ""], "--seek: is empty"),

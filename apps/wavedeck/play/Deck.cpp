@@ -95,8 +95,10 @@ std::vector<std::string> defaultDecks() {
 TracesTarget splitTraces(const std::string& text) {
     const auto equals = text.find('=');
     const auto name = text.substr(0, equals);
-    const bool isDeck = std::any_of(decks.begin(), decks.end(), [&](const Deck& entry) { return entry.name == name; });
-    return equals != std::string::npos && isDeck ? TracesTarget{name, text.substr(equals + 1)} : TracesTarget{"", text};
+    const bool isWord = !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+        return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    });
+    return equals != std::string::npos && isWord ? TracesTarget{name, text.substr(equals + 1)} : TracesTarget{"", text};
 }
 
 }  // namespace program

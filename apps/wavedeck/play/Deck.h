@@ -27,7 +27,8 @@ const Deck& findDeck(std::string_view name, bool blockflow);
 /// Names of the decks that are played when none is chosen.
 std::vector<std::string> defaultDecks();
 
-/// The deck and the path of `--traces [DECK=]PATH`; no deck where what stands before an equals sign is no name of one.
+/// The deck and the path of `--traces [DECK=]PATH`; no deck where what stands before an equals sign is no plain word of
+/// letters, digits and underscores. Whether the deck is there is not looked at.
 struct TracesTarget {
     std::string deck;
     std::string path;

@@ -12,6 +12,7 @@
 #include "MaskFailures.h"
 #include "MeasurementReports.h"
 #include "SweepLine.h"
+#include "TextLists.h"
 #include "UsageError.h"
 #include "peakFinderStruct.h"
 #include "recordingMetadata.h"
@@ -78,7 +79,12 @@ void Exports::prepareTraces(const std::string& text, const std::vector<std::uniq
     if (named != decks.end()) {
         traces_.push_back({named->get(), path, {}});
     } else if (!name.empty()) {
-        throw UsageError("--traces " + text + ": the deck `" + name + "` is not played");
+        std::vector<std::string> names;
+        for (const auto& deck : decks) {
+            names.emplace_back(deck->name());
+        }
+        throw UsageError("--traces " + text + ": the deck `" + name + "` is not played, only " + join(names, ", ") +
+                         "; a file of this name is ./" + text);
     } else if (spectrum_ != nullptr || decks.size() == 1) {
         traces_.push_back({spectrum_ != nullptr ? spectrum_ : decks.front().get(), path, {}});
     } else {
