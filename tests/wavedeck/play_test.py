@@ -239,6 +239,18 @@ class Results(Folder):
         self.assertNotIn("median", stats)
         self.assertIn("variance", stats)
         self.assertEqual(stats["measured"], "signal 0, channel 1")
+        two = "gen:tone?duration=0.1&channels=2&complex=true"
+        for arguments, expected in [
+            ("frame --set measurementChannel=1", "channel 1 (real part)"),
+            ("frame --set measurementChannel=3", "channel 3 (imaginary part of channel 1)"),
+            ("time --set measurementChannel=2 --set magPhaseData=true", "channel 2 (phase of channel 0)"),
+            ("time --set measurementChannel=4", "channel 4 (not there)"),
+            ("spectrum --set measurementChannel=1", "channel 1"),
+            ("spectrum --set measurementChannel=2", "channel 2 (not there)"),
+            ("spectrum --set measurementSignal=1", "channel 0 (not there)"),
+        ]:
+            deck = report_of(two, "--measure peaks --deck " + arguments)[1]["decks"][0]
+            self.assertEqual(deck["peaks"]["measured"].split(", ")[1], expected)
 
     def test_a_value_that_is_set_counts(self):
         for settings, figure, expected in [
@@ -260,7 +272,9 @@ class Results(Folder):
             for density, expected in [("power", unit), ("power-density", unit + "/Hz")]:
                 _, report = report_of("gen:tone?duration=1 --deck spectrum --set spectrumUnits=" + units,
                                       "--set spectrumType=" + density)
-                self.assertEqual(report["decks"][0]["peaks"]["peaks"][0]["level"]["unit"], expected)
+                deck = report["decks"][0]
+                self.assertEqual(deck["peaks"]["peaks"][0]["level"]["unit"], expected)
+                self.assertEqual("of 1 Hz" in deck["definitions"]["noiseFloors.level"], density == "power-density")
 
     def test_messages_from_input_to_output_hold_every_sample_and_every_gap(self):
         run = play("- --format f64 --rate 1k --deck frame --messages - --report json",
@@ -369,6 +383,11 @@ class Results(Folder):
         self.assertEqual(deck["peaks"]["peaks"][0]["frequency"]["value"], -6000)
         self.assertAlmostEqual(deck["peaks"]["peaks"][0]["level"]["value"], 1.0, delta=1e-9)
         self.assertEqual([row["offset"]["value"] for row in deck["phaseNoise"]["spots"]], [1000, 10000])
+        acpr = "gen:noise --deck spectrum --measure channel --set channelMeasurementsType=acpr"
+        channel = report_of(acpr)[1]["decks"][0]["channel"]
+        self.assertEqual([channel[edge]["value"] for edge in ("channelStart", "channelStop")], [10e3, 14e3])
+        self.assertEqual([row["offset"] for row in channel["adjacentChannels"]],
+                         [{"value": offset, "unit": "Hz"} for offset in (4e3, 8e3)])
         taps = self.path("taps.txt", b"# half\n0.5\n\n0.5  # the rest\n")
         response = report_of(taps, "--deck response --rate 8k")[1]["decks"][0]["response"]
         self.assertEqual((response["stopFrequency"]["value"], response["points"]), (4000, 2048))

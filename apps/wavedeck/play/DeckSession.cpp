@@ -7,6 +7,7 @@
 #include "MeasurementReports.h"
 #include "Measures.h"
 #include "ResponseReport.h"
+#include "measuredPart.h"
 #include "spectralMaskStruct.h"
 
 namespace program {
@@ -144,8 +145,13 @@ ReportSection DeckSession::reportMeasures() {
     client_.withInfo([&](wavedeck::WaveDeckClientInfo& info) {
         for (const auto* measure : measuresOn(settings_)) {
             all.sections.push_back(measure->report(info.getClientSettings(), settings_, measure->stage));
+            auto& section = all.sections.back();
+            if (!section.values.empty() &&
+                (section.values[0].key == "measured" || section.values[0].key == "watched")) {
+                std::get<std::string>(section.values[0].value) += measuredPart(facts_, settings_, measure->stage);
+            }
             if (measure->stage.ends_with("trigger_filter")) {
-                trigger_.report(all.sections.back());
+                trigger_.report(section);
             }
         }
     });

@@ -71,7 +71,12 @@ std::string powerUnit(const DeckSettings& settings) {
 void addNoiseFloors(const dspwavedecks::spectrumEstimatorMetaDataStruct& record, const DeckSettings& settings,
                     ReportSection& section) {
     ReportTable table{"noiseFloors", {{"signal", "signal"}, {"channel", "channel"}}, {}};
-    table.columns.push_back({"level", "noise floor (median)", levelUnit(settings)});
+    const auto type = settings.value(estimatorStage(settings), "spectrumType");
+    table.columns.push_back({"level", "noise floor (median)", levelUnit(settings),
+                             "median of the newest spectrum's bins: " +
+                                 std::string(type == "power-density" ? "power density, in a bandwidth of 1 Hz"
+                                             : type == "rms"         ? "rms amplitude in an RBW"
+                                                                     : "power in an RBW")});
     const std::size_t block = record.spectrumLength * record.numSpectrumBlocks;
     for (std::size_t signal = 0; signal < record.spectrumData.size() && block > 0; ++signal) {
         const auto& rows = record.spectrumData[signal];
@@ -162,7 +167,10 @@ ReportSection reportChannel(const WaveDeckClientSettings& board, const DeckSetti
         return section;
     }
     section.add(measuredChannel(settings, stage));
+    const auto number = [&](std::string_view option) { return *parseNumber(settings.value(stage, option)); };
     section.add({"type", "type", settings.value(stage, "channelMeasurementsType")});
+    section.add({"channelStart", "channel from", number("measurementChannelStartFrequency"), "Hz"});
+    section.add({"channelStop", "channel to", number("measurementChannelStopFrequency"), "Hz"});
     section.add({"channelPower", "channel power", record->channelPower, powerUnit(settings)});
     if (record->type == dspwavedecks::ChannelMeasurementEnum::Type::occupiedBandwidth) {
         section.add({"occupiedBandwidth", "occupied bandwidth", record->occupiedBW, "Hz"});
@@ -171,9 +179,13 @@ ReportSection reportChannel(const WaveDeckClientSettings& board, const DeckSetti
         section.add({"frequencyError", "frequency error", record->frequencyError, "Hz"});
         return section;
     }
-    ReportTable table{"adjacentChannels", {{"lower", "lower", "dB"}, {"upper", "upper", "dB"}}, {}};
+    section.add({"adjacentBandwidth", "adjacent bandwidth", number("adjacentBW"), "Hz"});
+    const auto offsets = split(settings.value(stage, "acprOffsets"), ',');
+    ReportTable table{
+        "adjacentChannels", {{"offset", "offset", "Hz"}, {"lower", "lower", "dB"}, {"upper", "upper", "dB"}}, {}};
     for (std::size_t i = 0; i < std::min(record->acprLower.size(), record->acprUpper.size()); ++i) {
-        table.rows.push_back({record->acprLower[i], record->acprUpper[i]});
+        const auto offset = i < offsets.size() ? parseNumber(offsets[i]) : std::nullopt;
+        table.rows.push_back({offset.value_or(std::nan("")), record->acprLower[i], record->acprUpper[i]});
     }
     section.tables.push_back(std::move(table));
     return section;

@@ -46,7 +46,6 @@ constexpr Definition definitions[] = {
     {"deck", "wholeSegments", "whether segments have the length that the resolution bandwidth asks for"},
     {"deck", "noiseFloors.signal", "input, counted from 0"},
     {"deck", "noiseFloors.channel", "channel of the signal, counted from 0"},
-    {"deck", "noiseFloors.level", "median of the newest spectrum's bins, in the spectrum's unit, per RBW"},
 
     {"stats", "maximum", "largest sample"},
     {"stats", "maximumPosition", "place of the last of equal largest samples"},
@@ -98,6 +97,8 @@ constexpr Definition definitions[] = {
     {"trigger", "position", "time of the last trigger"},
     {"trigger", "level", "level that the trigger crossed"},
 
+    {"channel", "channelStart", "lower edge of the channel that is measured"},
+    {"channel", "channelStop", "upper edge of the channel that is measured"},
     {"channel", "channelPower", "10 log10 of the power density integrated from edge to edge of the channel"},
     {"channel", "occupiedBandwidth",
      "width of the band that holds the set percentage of the channel's power, equal shares left out on both sides "
@@ -105,22 +106,29 @@ constexpr Definition definitions[] = {
     {"channel", "startFrequency", "lower edge of the occupied band"},
     {"channel", "stopFrequency", "upper edge of the occupied band"},
     {"channel", "frequencyError", "middle of the occupied band - middle of the channel"},
+    {"channel", "adjacentBandwidth", "width of each adjacent channel"},
+    {"channel", "adjacentChannels.offset", "distance of the adjacent channels' middles from that of the channel"},
     {"channel", "adjacentChannels.lower", "power of the band below, at the offset, over that of the channel"},
     {"channel", "adjacentChannels.upper", "power of the band above, at the offset, over that of the channel"},
 
-    {"distortion", "thd", "10 log10(sum of the harmonics' powers / power of the fundamental)"},
+    {"distortion", "thd",
+     "10 log10(sum of the harmonics' powers / power of the fundamental), of frequencies from 0 Hz up"},
     {"distortion", "thdPercent",
      "100 * 10^(THD / 20): ratio of rms amplitudes, harmonics to fundamental (IEC 61000-4-7)"},
-    {"distortion", "snr", "10 log10(power of the fundamental / noise power), without harmonics (IEEE Std 1241)"},
-    {"distortion", "sinad", "10 log10(power of the fundamental / (noise + harmonics)) (IEEE Std 1241)"},
-    {"distortion", "sfdr", "10 log10(power of the fundamental / largest spurious bin or harmonic)"},
+    {"distortion", "snr",
+     "10 log10(power of the fundamental / noise power), without harmonics, of frequencies from 0 Hz up (IEEE Std "
+     "1241)"},
+    {"distortion", "sinad",
+     "10 log10(power of the fundamental / (noise + harmonics)), of frequencies from 0 Hz up (IEEE Std 1241)"},
+    {"distortion", "sfdr",
+     "10 log10(power of the fundamental / largest spurious bin or harmonic), of frequencies from 0 Hz up"},
     {"distortion", "toi", "mean of the two intercepts L1 + (L2 - Llower) / 2 and L2 + (L1 - Lupper) / 2"},
     {"distortion", "tones.frequency", "frequency of the tone's bin: fundamental and harmonics, or tones and products"},
     {"distortion", "tones.level", "level of the tone's bin, in the spectrum's unit"},
 
     {"phaseNoise", "spots.signal", "input, counted from 0"},
     {"phaseNoise", "spots.channel", "channel of the signal, counted from 0"},
-    {"phaseNoise", "spots.offset", "distance from the carrier, the strongest bin"},
+    {"phaseNoise", "spots.offset", "distance from the carrier, the strongest bin from 0 Hz up"},
     {"phaseNoise", "spots.level", "power density at the offset over the carrier's power, one sideband (IEEE Std 1139)"},
 
     {"mask", "passing", "whether no bin of the newest spectrum lies beyond a mask"},

@@ -23,6 +23,7 @@ struct ReportTable {
         std::string key;
         std::string label;
         std::string unit = {};
+        std::string definition = {};  ///< where it depends on settings; empty: the usual one
     };
     std::string key;
     std::vector<Column> columns;

@@ -36,7 +36,7 @@ Json toJson(const ReportTable& table) {
     for (const auto& row : table.rows) {
         Json object = Json::object();
         for (std::size_t column = 0; column < table.columns.size(); ++column) {
-            const auto& [key, label, unit] = table.columns[column];
+            const auto& [key, label, unit, definition] = table.columns[column];
             object[key] = toJson(ReportValue{key, label, row[column], unit});
         }
         rows.push_back(std::move(object));
@@ -47,8 +47,8 @@ Json toJson(const ReportTable& table) {
 /// What the figures of a section are; a column of a table is TABLE.COLUMN.
 Json definitionsOf(const ReportSection& section, const std::string& key) {
     Json definitions = Json::object();
-    const auto add = [&](const std::string& figure) {
-        if (const auto text = findFigureDefinition(key, figure); !text.empty()) {
+    const auto add = [&](const std::string& figure, const std::string& ofSettings = {}) {
+        if (const auto text = ofSettings.empty() ? findFigureDefinition(key, figure) : ofSettings; !text.empty()) {
             definitions[figure] = text;
         }
     };
@@ -57,7 +57,7 @@ Json definitionsOf(const ReportSection& section, const std::string& key) {
     }
     for (const auto& table : section.tables) {
         for (const auto& column : table.columns) {
-            add(table.key + '.' + column.key);
+            add(table.key + '.' + column.key, column.definition);
         }
     }
     return definitions;

@@ -34,6 +34,7 @@ std::string shown(const ReportTable& table, const std::string& indent) {
     for (const auto& column : table.columns) {
         text += padded(column.label, width);
     }
+    text.erase(text.find_last_not_of(' ') + 1);
     text += '\n';
     for (std::size_t row = 0; row < table.rows.size(); ++row) {
         const std::string number = std::to_string(row + 1);

@@ -22,7 +22,8 @@ HOLDER = tempfile.TemporaryDirectory()
 FOLDER = HOLDER.name
 # What a report repeats of its settings, and counts of what has been played: no figures.
 NO_FIGURES = re.compile(r"deck|frames|samples|updates|updatesProcessed|type|units|referenceLoad|requestedRBW|method"
-                        r"|window|wholeSegments|phaseNoise\.spots\.#\.offset"
+                        r"|window|wholeSegments|(phaseNoise\.spots|channel\.adjacentChannels)\.#\.offset"
+                        r"|channel\.(channelStart|channelStop|adjacentBandwidth)"
                         r"|(.*\.)?definitions\..*"
                         r"|.*\.(measured|type|masks|mode|polarity|watched|failing\w+|points|signal|channel)")
 HEADER = """# Conformance
