@@ -39,7 +39,7 @@ function(wavedeck_test name)
     target_compile_definitions(${name} PRIVATE STAGE_LIBRARY="$<TARGET_FILE:dspwavedecksimpl>")
   endif()
   include(GoogleTest)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()
 
 # wavedeck_benchmark(NAME SOURCES ... DEPENDS ...): a Google Benchmark program; run by hand, never as a timed test.

@@ -40,7 +40,7 @@ class Server:
     def __exit__(self, *_):
         self.program.send_signal(signal.SIGINT)
         try:
-            self.program.wait(timeout=20)
+            self.program.wait(timeout=60)
         finally:
             self.program.kill()
             self.program.stderr.close()
@@ -80,7 +80,7 @@ class Messages(unittest.TestCase):
                               "--set", "channelMeasurementsType=acpr"], {"channel"}),
             ]:
                 run = subprocess.run([PROGRAM, "play", *arguments, "--deck", definition, *short, "--messages", "-"],
-                                     capture_output=True, timeout=60, check=True)
+                                     capture_output=True, timeout=300, check=True)
                 lines = [json.loads(line) for line in run.stdout.splitlines()]
                 with self.subTest(deck=definition, arguments=arguments):
                     self.assertTrue(lines)
@@ -93,7 +93,7 @@ class Messages(unittest.TestCase):
     def test_the_live_connection(self):
         estimator, trigger = "spectrum_estimator_filter", "trigger_filter"
         with Server("gen:tone?duration=inf&rate=8k", "--deck", "spectrum", "--deck", "time") as server:
-            live = websocket.create_connection(server.address, timeout=20)
+            live = websocket.create_connection(server.address, timeout=60)
             seen = {}
 
             def answer(kind, client="", stage="", options=None):
@@ -134,7 +134,7 @@ class Messages(unittest.TestCase):
     def test_the_example_client(self):
         with Server("gen:tone?frequency=1k&duration=inf&rate=8k", "--deck", "spectrum") as server:
             run = subprocess.run([sys.executable, os.path.join(ROOT, "examples", "live_client.py"), server.address],
-                                 capture_output=True, timeout=60, text=True, check=True)
+                                 capture_output=True, timeout=300, text=True, check=True)
         lines = run.stdout.splitlines()
         self.assertEqual(len(lines), 20)
         self.assertTrue(all(abs(float(line.split()[0]) - 1000) < 5 for line in lines), lines)

@@ -23,12 +23,26 @@ def words(arguments):
 
 
 def play(*arguments, **options):
-    return subprocess.run([PROGRAM, "play", *words(arguments)], capture_output=True, timeout=60, **options)
+    return subprocess.run([PROGRAM, "play", *words(arguments)], capture_output=True, timeout=300, **options)
 
 
 def report_of(*arguments, **options):
     run = play(*arguments, "--report", "json", **options)
     return run, json.loads(run.stdout)
+
+
+def wait_until(condition):
+    end = time.monotonic() + 60
+    while not condition():
+        if time.monotonic() > end:
+            raise TimeoutError
+        time.sleep(0.01)
+
+
+def waits_and_catches_interrupts(process):
+    with open(f"/proc/{process.pid}/status", encoding="ascii") as lines:
+        status = {line.split()[0]: line.split()[1] for line in lines if len(line.split()) > 1}
+    return status["State:"] == "S" and int(status["SigCgt:"], 16) >> (signal.SIGINT - 1) & 1
 
 
 def begin(*arguments, **options):
@@ -369,7 +383,7 @@ class Results(Folder):
                     "--report json")
         run.stdout.read(1)
         time.sleep(0.3)
-        messages, report = run.communicate(timeout=60)
+        messages, report = run.communicate(timeout=300)
         deck = json.loads(report)["decks"][0]
         self.assertGreater(deck["held"], 0)
         self.assertEqual((deck["frames"], deck["updates"]), (585, messages.count(b"\n")))
@@ -414,17 +428,17 @@ class Results(Folder):
 
 class EarlyEnds(Folder):
     def test_an_interrupt_reports_what_was_measured(self):
-        messages = self.out("messages.jsonl")
+        messages = self.path("messages.jsonl")
         for source in ("gen:tone?duration=inf", "- --format f32 --rate 1k"):
             with self.subTest(source=source):
                 run = begin(source, "--deck time --realtime --report json --messages", messages, stdin=subprocess.PIPE)
-                time.sleep(0.5)
+                wait_until(lambda: waits_and_catches_interrupts(run) and ("-" in source or os.path.getsize(messages)))
                 run.send_signal(signal.SIGINT)
                 time.sleep(0.01)
                 run.send_signal(signal.SIGINT)  # the same wish, as it may also come to the group of the process
                 # Standard input stays open: the wait for samples itself must end.
                 output = run.stdout.read()
-                self.assertEqual((run.wait(10), run.stderr.read()[:8]), (0, b"" if "gen" in source else b"wavedeck"))
+                self.assertEqual((run.wait(60), run.stderr.read()[:8]), (0, b"" if "gen" in source else b"wavedeck"))
                 self.assertEqual(json.loads(output)["ended"], "interrupted")
                 messages_of(messages)
                 for pipe in (run.stdin, run.stdout, run.stderr):
@@ -435,13 +449,13 @@ class EarlyEnds(Folder):
         json.loads(run.stdout.readline())
         run.stdout.close()
         report = json.loads(run.stderr.read())
-        self.assertEqual((run.wait(10), report["ended"]), (0, "nobody reads the messages any more"))
+        self.assertEqual((run.wait(60), report["ended"]), (0, "nobody reads the messages any more"))
         run.stderr.close()
 
     def test_progress_shows_on_a_terminal_alone(self):
         ours, theirs = pty.openpty()
         subprocess.run([PROGRAM, "play", "gen:tone?duration=0.5", "--deck", "time", "--realtime"],
-                       stdout=subprocess.DEVNULL, stderr=theirs, timeout=10, check=True)
+                       stdout=subprocess.DEVNULL, stderr=theirs, timeout=60, check=True)
         os.close(theirs)
         shown = os.read(ours, 65536)
         os.close(ours)

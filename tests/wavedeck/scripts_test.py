@@ -12,7 +12,7 @@ FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "scripts")
 
 
 def run(script, **options):
-    return subprocess.run([PROGRAM, "run", script], capture_output=True, timeout=60, **options)
+    return subprocess.run([PROGRAM, "run", script], capture_output=True, timeout=300, **options)
 
 
 class Scripts(unittest.TestCase):

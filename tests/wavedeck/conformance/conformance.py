@@ -45,7 +45,7 @@ standard deviations (4.34 dB / sqrt(K) for one bin of K averages, less over many
 def played(program, arguments):
     """The report of the deck, its last message, and the exit status."""
     run = subprocess.run([program, "play", *arguments, "--report", "json", "--messages", "messages.jsonl"], cwd=FOLDER,
-                         capture_output=True, timeout=60, check=False)
+                         capture_output=True, timeout=300, check=False)
     if run.returncode not in (0, 1) or run.stderr:
         sys.exit(f"{arguments}: status {run.returncode}, {run.stderr.decode()}")
     with open(os.path.join(FOLDER, "messages.jsonl"), encoding="utf-8") as lines:

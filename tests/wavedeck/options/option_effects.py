@@ -98,7 +98,7 @@ class Decks:
         script = {"client": {"name": "deck", **deck["client"]}, "strategy": deck["strategy"], "watch": WATCHED,
                   "chain": [{"stage": member, "options": values} for member, values in chain.items()], "steps": steps}
         run = subprocess.run([self.program, "run", "-"], input=json.dumps(script).encode(), capture_output=True,
-                             timeout=60, check=False)
+                             timeout=300, check=False)
         if run.returncode or run.stderr:
             sys.exit(f"deck {name}: status {run.returncode}, {run.stderr.decode()}")
         lines = run.stdout.splitlines()
@@ -174,13 +174,17 @@ class Commands:
                     file.write(content)
             words = [self.program, *command.split(), *flag.split()]
             words += ["--report", "json"] if "play" in words and not {"--report", "--help"} & set(words) else []
+            looped = flag == "--loop"
+            words += ["--messages", "-"] if looped else []  # and the report to standard error
             begin = time.monotonic()
-            with subprocess.Popen(words, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                  text=True) as run:
-                if flag == "--loop":
-                    time.sleep(0.3)
+            with subprocess.Popen(words, cwd=folder, stdout=subprocess.PIPE, text=True,
+                                  stderr=subprocess.PIPE if looped else subprocess.DEVNULL) as run:
+                if looped:
+                    for _ in range(20):  # more messages than one round has
+                        run.stdout.readline()
                     run.send_signal(signal.SIGINT)
-                output, _ = run.communicate(timeout=60)
+                output, errors = run.communicate(timeout=300)
+            output = errors if looped else output
             result = {"status": run.returncode, "output": output, "seconds": time.monotonic() - begin, "files": {}}
             result["report"] = json.loads(output) if output.startswith("{") else None
             for name in set(os.listdir(folder)) - set(FILES):
