@@ -7,13 +7,13 @@ import { after, before } from 'node:test';
 import { chromium } from 'playwright-core';
 
 const program = process.env.WAVEDECK ?? new URL('../../build/release/bin/wavedeck', import.meta.url).pathname;
-const patience = 15000;
+const patience = 30000;
 
 // Whatever happens, the process ends; what it started dies with it.
 setTimeout(() => {
-  console.error('not done after 100 s');
+  console.error('not done after 280 s');
   process.exit(1);
-}, 100000).unref();
+}, 280000).unref();
 
 /** The browser of all tests of a file. */
 export let browser;
@@ -51,7 +51,7 @@ export async function serve(args, port = 0) {
   });
   const stop = async () => {
     child.kill('SIGINT');
-    const timer = setTimeout(() => child.kill('SIGKILL'), 5000);
+    const timer = setTimeout(() => child.kill('SIGKILL'), patience);
     await ended;
     clearTimeout(timer);
   };
