@@ -181,6 +181,12 @@ class BadInput(Folder):
         self.assertEqual(report["decks"][0]["stats"]["mean"], 3)
         self.assertIn("line 4", report["ended"])
 
+    def test_what_there_was_nothing_of_to_measure_is_told(self):
+        run = play(self.path("still.csv", b"1\n" * 2000), "--rate 1k --measure bilevel")
+        lines = {tuple(line.split()) for line in run.stdout.decode().splitlines()}
+        self.assertLessEqual({("rise", "time", "nan"), tuple("spectra 0 (the input ended before the first)".split())},
+                             lines)
+
     def test_a_full_disk_leaves_no_half_line(self):
         if not os.path.exists("/dev/full"):
             self.skipTest("no /dev/full")

@@ -116,7 +116,8 @@ void addSpectrumFigures(const WaveDeckClientSettings& board, const DeckSettings&
         return;
     }
     const auto estimator = estimatorStage(settings);
-    section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed});
+    const std::string noneYet = record->numUpdatesProcessed == 0 ? "(the input ended before the first)" : "";
+    section.add({"updatesProcessed", "spectra", record->numUpdatesProcessed, "", noneYet});
     const double offset = record->frequencyOffset.empty() ? 0.0 : record->frequencyOffset.front();
     section.add({"start", "from", record->frequencyVector.front() + offset, "Hz"});
     section.add({"stop", "to", record->frequencyVector.back() + offset, "Hz"});

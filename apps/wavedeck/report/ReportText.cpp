@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "EngineeringNumber.h"
 #include "Report.h"
@@ -6,10 +7,15 @@
 namespace program {
 namespace {
 
+/// A figure as people read it; nan, where there was nothing to measure, has no unit.
+std::string shown(double value, const std::string& unit) {
+    return formatQuantity(value, std::isnan(value) ? "" : unit);
+}
+
 std::string shown(const ReportValue& value) {
     std::string text;
     if (const auto* number = std::get_if<double>(&value.value)) {
-        text = formatQuantity(*number, value.unit);
+        text = shown(*number, value.unit);
     } else if (const auto* count = std::get_if<std::uint64_t>(&value.value)) {
         text = std::to_string(*count);
     } else if (const auto* flag = std::get_if<bool>(&value.value)) {
@@ -40,7 +46,7 @@ std::string shown(const ReportTable& table, const std::string& indent) {
         const std::string number = std::to_string(row + 1);
         text += indent + std::string(number.size() < 2 ? 1 : 0, ' ') + number + "  ";
         for (std::size_t column = 0; column < table.columns.size(); ++column) {
-            text += padded(formatQuantity(table.rows[row][column], table.columns[column].unit), width);
+            text += padded(shown(table.rows[row][column], table.columns[column].unit), width);
         }
         text.erase(text.find_last_not_of(' ') + 1);
         text += '\n';
