@@ -34,6 +34,7 @@ TEST(Replay, EndsWhenNewDataComesOrAStageSaysSoButNotWithASetup) {
     rig.client.frame(Buffers{{1, 2}});
     EXPECT_TRUE(rig.client.replay());
     rig.client.setup();
+    EXPECT_TRUE(rig.client.isReplaying());
     rig.client.replay();
     EXPECT_EQ(rig.shownNow(), (Values{1, 2})) << "stored since before the setup";
     rig.client.frame(Buffers{{3, 4}});

@@ -72,7 +72,8 @@ inline Values joined(const std::vector<Values>& rows) {
 inline void expectValues(const Values& values, const Values& expected, double tolerance = 0.0) {
     ASSERT_EQ(values.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        const bool isClose = std::abs(values[i] - expected[i]) <= tolerance * std::max(1.0, std::abs(expected[i]));
+        const bool isClose = std::isfinite(expected[i]) &&
+                             std::abs(values[i] - expected[i]) <= tolerance * std::max(1.0, std::abs(expected[i]));
         EXPECT_TRUE(isClose || values[i] == expected[i] || (std::isnan(values[i]) && std::isnan(expected[i])))
             << "value " << i << ": " << values[i] << ", expected " << expected[i];
     }
