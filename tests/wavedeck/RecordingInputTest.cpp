@@ -162,7 +162,7 @@ TEST_F(Recording, ArchivesHaveLongNamesAndOneRecording) {
         EXPECT_EQ(firstRow(*program::openInput(archive, {})).size(), 3U) << format;
         std::filesystem::resize_file(folder() + "holes.sigmf-data", 1 << 20);
         expectError(tar("holes.sigmf", "--sparse --format=" + format + " holes.sigmf-meta holes.sigmf-data"), {},
-                    "holes.sigmf-data` without its holes");
+                    "`holes.sigmf-data` without its holes");
     }
     sigmf("other", global, "", "abcd");
     expectError(tar("two.sigmf", "other.sigmf-meta " + both + "other.sigmf-data"), {},

@@ -260,16 +260,20 @@ class Results(Folder):
         self.assertIn("variance", stats)
         self.assertEqual(stats["measured"], "signal 0, channel 1")
         two = "gen:tone?duration=0.1&channels=2&complex=true"
-        for arguments, expected in [
-            ("frame --set measurementChannel=1", "channel 1 (real part)"),
-            ("frame --set measurementChannel=3", "channel 3 (imaginary part of channel 1)"),
-            ("time --set measurementChannel=2 --set magPhaseData=true", "channel 2 (phase of channel 0)"),
-            ("time --set measurementChannel=4", "channel 4 (not there)"),
-            ("spectrum --set measurementChannel=1", "channel 1"),
-            ("spectrum --set measurementChannel=2", "channel 2 (not there)"),
-            ("spectrum --set measurementSignal=1", "channel 0 (not there)"),
+        filters = self.path("filters.txt", b"1\n1\n")
+        for source, arguments, expected in [
+            (two, "frame --set measurementChannel=1", "channel 1 (real part)"),
+            (two, "frame --set measurementChannel=3", "channel 3 (imaginary part of channel 1)"),
+            (two, "time --set measurementChannel=2 --set magPhaseData=true", "channel 2 (phase of channel 0)"),
+            (two, "time --set measurementChannel=4", "channel 4 (not there)"),
+            (two, "spectrum --set measurementChannel=1", "channel 1"),
+            (two, "spectrum --set measurementChannel=2", "channel 2 (not there)"),
+            (two, "spectrum --set measurementSignal=1", "channel 0 (not there)"),
+            (filters, "response", "channel 0 (magnitude)"),
+            (filters, "response --set measurementChannel=1", "channel 1 (phase of channel 0)"),
+            (filters, "response --set measurementChannel=1 --set magPhaseData=false", "channel 1 (not there)"),
         ]:
-            deck = report_of(two, "--measure peaks --deck " + arguments)[1]["decks"][0]
+            deck = report_of(source, "--measure peaks --deck " + arguments)[1]["decks"][0]
             self.assertEqual(deck["peaks"]["measured"].split(", ")[1], expected)
 
     def test_a_value_that_is_set_counts(self):

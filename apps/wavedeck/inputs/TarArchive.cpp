@@ -56,6 +56,7 @@ struct LongerFields {
     std::optional<std::string> name;
     std::optional<std::uint64_t> bytes;
     bool isSparse = false;
+    std::optional<std::string> sparseName = {};  ///< of a file whose other name was made up by tar
 };
 
 /// Records of pax: "LENGTH KEY=VALUE" and a line break each, the length that of the whole record.
@@ -78,6 +79,9 @@ LongerFields readPaxRecords(std::string_view text) {
             fields.bytes = bytes;
         } else if (record.starts_with("GNU.sparse.")) {
             fields.isSparse = true;
+            if (record.starts_with("GNU.sparse.name=")) {
+                fields.sparseName = std::string(value);
+            }
         }
         text.remove_prefix(length);
     }
@@ -121,10 +125,11 @@ std::vector<TarEntry> listTarArchive(const std::string& path) {
         if (isLonger) {
             const auto more = readLongerFields(source, position, bytes, type == 'x');
             longer = {more.name ? more.name : longer.name, more.bytes ? more.bytes : longer.bytes,
-                      more.isSparse || longer.isSparse};
+                      more.isSparse || longer.isSparse, more.sparseName ? more.sparseName : longer.sparseName};
         } else {
             if (longer.isSparse || type == 'S') {
-                throw UsageError(path + ": holds `" + name + "` without its holes; make the archive without --sparse");
+                throw UsageError(path + ": holds `" + longer.sparseName.value_or(name) +
+                                 "` without its holes; make the archive without --sparse");
             }
             if (type == '0' || type == 0) {
                 entries.push_back({name, position, bytes});

@@ -215,7 +215,7 @@ void PlaySession::playInputs() {
             break;
         } else {
             feed();
-            ++fedInARow;
+            fedInARow = std::min(fedInARow + 1, mostFedInARow);
         }
         plans.step();
         progress.show(played(), whole);

@@ -9,6 +9,7 @@ namespace program {
 namespace {
 
 constexpr std::string_view partsStage = "magnitude_phase_filter";
+constexpr std::string_view responseStage = "magnitude_phase_response_filter";
 constexpr std::string_view marksOption = "magPhaseData";
 
 }  // namespace
@@ -25,9 +26,12 @@ std::string measuredPart(const SessionFacts& facts, const DeckSettings& settings
     const auto index = static_cast<std::size_t>(signal);
     const auto& measured = facts.signals[index];
     const int channels = measured.numChannels / (measured.isComplex ? 2 : 1);
-    const bool hasParts = settings.has(partsStage, marksOption);
-    const auto marks = split(hasParts ? settings.value(partsStage, marksOption) : "", ',');
-    const bool isMarked = index < marks.size() && marks[index] == "true";
+    const bool isResponse = settings.has(responseStage, marksOption);
+    const bool hasParts = isResponse || settings.has(partsStage, marksOption);
+    const auto given = hasParts ? settings.value(isResponse ? responseStage : partsStage, marksOption) : "";
+    const auto marks = split(given, ',');
+    // Where none are given, each response has its phase, and no samples have one.
+    const bool isMarked = given.empty() ? isResponse : index < marks.size() && marks[index] == "true";
     const bool isParted = isMarked || (hasParts && measured.isComplex);
     if (channel < 0.0 || channel >= channels * (isParted ? 2 : 1)) {
         return " (not there)";

@@ -82,6 +82,22 @@ struct LiveServer::State {
     void forget(const std::shared_ptr<Browser>& browser);
     void describeAnew();
 
+    /// Gives the place of a connection free, whatever ends it.
+    class PlaceInUse {
+    public:
+        explicit PlaceInUse(State& state) : state_(state) {}
+        ~PlaceInUse() {
+            const std::lock_guard lock(state_.mutex);
+            --state_.places;
+            state_.left.notify_all();
+        }
+        PlaceInUse(const PlaceInUse&) = delete;
+        PlaceInUse& operator=(const PlaceInUse&) = delete;
+
+    private:
+        State& state_;
+    };
+
     const Settings settings;
     const Callbacks callbacks;
     Poco::Net::ServerSocket socket;
@@ -184,6 +200,7 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
         const std::lock_guard lock(mutex);
         ++counters.refusedMessages;
     };
+    const PlaceInUse place(*this);
     std::shared_ptr<Browser> browser;
     try {
         browser = take(request, response);
@@ -201,9 +218,6 @@ void LiveServer::State::live(Poco::Net::HTTPServerRequest& request, Poco::Net::H
     if (browser) {
         forget(browser);
     }
-    const std::lock_guard lock(mutex);
-    --places;
-    left.notify_all();
 }
 
 void LiveServer::publish(const std::string& client, const std::string& event, const std::string& message,
