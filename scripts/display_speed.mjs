@@ -18,7 +18,7 @@ const row = (name, list) => console.log(`| ${name} | ${quantile(list, 0.5).toFix
 
 const browser = await launch();
 try {
-  await onPage(browser, args, async (page) => {
+  await onPage(args, async (page) => {
     await drawn(page);
     const shape = await page.evaluate(() => [wavedeck.state.view.message.signals[0].channel.length, wavedeck.state.view.message.spectrum.spectrumLength]);
     await page.waitForTimeout(3000);

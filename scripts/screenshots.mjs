@@ -48,7 +48,7 @@ const names = process.argv.length > 2 ? process.argv.slice(2) : Object.keys(shot
 const browser = await launch();
 try {
   for (const name of names) {
-    await onPage(browser, shots[name].args, async (page) => {
+    await onPage(shots[name].args, async (page) => {
       await ended(page);
       await page.evaluate((theme) => { document.documentElement.dataset.theme = theme; wavedeck.state.view.restyle(); }, shots[name].theme ?? 'dark');
       await page.click('#auto');

@@ -2,7 +2,9 @@
 
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { browser, drawn, serve, status } from './support.mjs';
+import { browser, drawn, serve, shareBrowser, status } from './support.mjs';
+
+shareBrowser();
 
 test('the page finds its way back when the program comes back, also with other decks', async () => {
   let server = await serve(['gen:tone?duration=inf', '--deck', 'spectrum']);

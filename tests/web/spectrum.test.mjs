@@ -3,7 +3,9 @@
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { test } from 'node:test';
-import { browser, drawn, ended, near, onPage, place, quantity, reportOf, set, says, status, tableRows } from './support.mjs';
+import { browser, drawn, ended, near, onPage, place, quantity, reportOf, says, set, shareBrowser, status, tableRows } from './support.mjs';
+
+shareBrowser();
 
 const tones = 'gen:twotone?frequency=6k&spacing=2k&duration=1&noise=1m&im3=-40';
 const noise = 'gen:noise?duration=inf';

@@ -1,4 +1,4 @@
-/** What the tests of the display page share: the program with its server, a browser, readings from the page. */
+/** What the tests of the display page and the scripts that look at it share: the program with its server, a browser, readings from the page. */
 
 import assert from 'node:assert/strict';
 import { execFileSync, spawn } from 'node:child_process';
@@ -9,23 +9,28 @@ import { chromium } from 'playwright-core';
 const program = process.env.WAVEDECK ?? new URL('../../build/release/bin/wavedeck', import.meta.url).pathname;
 const patience = 30000;
 
-// Whatever happens, the process ends; what it started dies with it.
-setTimeout(() => {
-  console.error('not done after 280 s');
-  process.exit(1);
-}, 280000).unref();
-
-/** The browser of all tests of a file. */
+/** The browser that shows the pages. */
 export let browser;
-before(async () => {
+
+export async function launch() {
   const executablePath = ['/usr/bin/chromium', '/usr/bin/chromium-browser'].find((path) => existsSync(path));
   assert.ok(executablePath, 'chromium is not installed');
   browser = await chromium.launch({
     executablePath, timeout: patience,
     args: ['--disable-gpu', '--disable-background-networking', '--disable-component-update', '--no-first-run', '--disable-sync'],
   });
-});
-after(() => browser?.close());
+  return browser;
+}
+
+/** One browser for all tests of a file. Whatever happens, the process ends; what it started dies with it. */
+export function shareBrowser() {
+  before(launch);
+  after(() => browser?.close());
+  setTimeout(() => {
+    console.error('not done after 280 s');
+    process.exit(1);
+  }, 280000).unref();
+}
 
 export function near(value, expected, tolerance, what) {
   assert.ok(Math.abs(value - expected) <= tolerance, `${what}: ${value} is not ${expected}`);

@@ -7,7 +7,9 @@ import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { engineering, figures, level } from '../../web/js/format.js';
 import { align, thinned } from '../../web/js/trace.js';
-import { drawn, ended, near, onPage, quantity, reportOf, status, tableRows } from './support.mjs';
+import { drawn, ended, near, onPage, quantity, reportOf, shareBrowser, status, tableRows } from './support.mjs';
+
+shareBrowser();
 
 const folder = mkdtempSync(join(tmpdir(), 'wavedeck_page_'));
 after(() => rmSync(folder, { recursive: true }));
