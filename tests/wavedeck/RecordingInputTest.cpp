@@ -256,6 +256,7 @@ TEST_F(Recording, BadTablesAreRefusedByLine) {
         {"freq,y\n1,2\n2,3\n", {}, "`freq`, is not called time"},
         {"t (furlongs),y\n1,2\n2,3\n", {}, "not called time in a known unit"},
         {"t,y\n0,1\n1,1\n3,1\n", {}, "don't rise by equal steps: row 3"},
+        {"t,y\n0,1\n1,1\n5,1\n", {}, "don't rise by equal steps: row 3"},
         {"t,y\n1,1\n", {}, "one row tells no rate"},
         {gap, {}, "line 4503: the time 4502 does not follow"},
         {std::string("1,2\n\0,3\n", 8), at5, "line 2: holds bytes that are no text"},

@@ -128,7 +128,8 @@ bool TableTimes::follows(double value) {
     constexpr double part = 0.25;  // of a step
     // Digits so few that they hide steps excuse nothing.
     const double rounding = resolution(value) <= step_ / 2.0 ? resolution(value) : 0.0;
-    const bool fits = !last_ || std::abs(value - *last_ - step_) <= part * step_ + rounding;
+    // The difference of two rounded times is off by one last digit at most; a thousandth of it for the arithmetic.
+    const bool fits = !last_ || std::abs(value - *last_ - step_) <= std::max(part * step_, 1.001 * rounding);
     last_ = value;
     return fits;
 }
